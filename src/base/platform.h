@@ -1,0 +1,56 @@
+// All that the program asks of the system but the terminal: clock, files, directories, pages, processes,
+// environment. POSIX in platform.cpp; no other file includes a system header or asks which system it is on.
+// A file is known by its descriptor, 0 or above. Names are bytes, `/` separates.
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+#include "base/types.h"
+
+namespace velmo {
+
+struct clocktime { Int4 year, month, day, hour, minute, second; };   // month 1 to 12, local time
+
+std::int64_t clockms();                  // milliseconds of a clock that never goes back
+clocktime localclock();
+void sleepms(Int4 ms);                   // returns early on a signal
+void installsignals();                   // SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE is ignored
+
+// Files. openread and so on return a descriptor, or -1 with the reason in openfailure.
+enum openreason { open_fine, open_notfound, open_exists, open_refused };
+extern openreason openfailure;           // why the last open failed
+Int4 fileopenread(const char* name);
+Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean ispublic);  // else must be new
+Pint fileread(Int4 fd, void* out, std::size_t n);            // bytes read, 0 at end, -1 on an error
+boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not all could be written
+Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error
+boolean fileclose(Int4 fd);
+boolean fileremove(const char* name);
+boolean filerename(const char* from, const char* to);
+
+struct fileinfo { boolean exists, isdirectory; Filepos size; clocktime changed; };
+fileinfo filestat(const char* name);
+std::string currentdir();
+boolean changedir(const char* name);
+boolean makedir(const char* name, boolean ispublic);
+// Names in a folder, sorted bytewise, without "." and ".."; false when it can't be read.
+boolean listdir(const char* name, std::vector<std::string>& names);
+
+std::string environmenttext(const char* name);   // empty when not set
+std::string homedir();                           // the user's, empty when unknown
+std::string programfile();                       // full path of the running program
+std::string fullpath(const char* name);          // absolute form of name, without resolving links
+Int4 processid();
+
+// Pages for large blocks: zeroed, touched when used; null when n is beyond memory, swap or the group's limit.
+void* pagealloc(std::size_t n);
+void pagefree(void* p, std::size_t n);
+// Moves n bytes of pages to a new address and unmaps the old one; null when refused (the old ones then stay).
+void* pagemove(void* p, std::size_t n);
+std::size_t memorylimit();                       // bytes that one process may hope for
+
+// Runs `command` in the user's shell (`shell` names it; empty: /bin/sh), or an interactive shell when command
+// is empty. Waits. -1 when no process could be started, else its status.
+Int4 runshell(const char* shell, const char* command);
+
+}  // namespace velmo

@@ -1,0 +1,157 @@
+#include "base/text.h"
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace velmo {
+
+boolean abbrev(std::string_view word, std::string_view name, Int4 min) {
+    if (word.empty() || name.empty() || word[0] != name[0]) return false;
+    if (word.size() > name.size() || Int4(word.size()) < min) return false;
+    return name.substr(0, word.size()) == word;
+}
+
+boolean validname(std::string_view name) {
+    if (name.empty() || name.size() > namelen || !isnamestart(name[0])) return false;
+    return name.find_first_of("\\!@#$%^&*()-+=[]{}:;,'\"~<>?/|. `") == std::string_view::npos;
+}
+
+char* copytext(char* out, std::size_t size, std::string_view text) {
+    if (size == 0) return out;
+    std::size_t n = text.size() < size - 1 ? text.size() : size - 1;
+    std::memmove(out, text.data(), n);
+    out[n] = 0;
+    return out;
+}
+
+std::string_view ltrimmed(std::string_view text) {
+    std::size_t i = 0;
+    while (i < text.size() && text[i] == ' ') i++;
+    return text.substr(i);
+}
+
+std::string_view rtrimmed(std::string_view text) {
+    std::size_t n = text.size();
+    while (n > 0 && text[n - 1] == ' ') n--;
+    return text.substr(0, n);
+}
+
+std::string_view trimmed(std::string_view text) { return ltrimmed(rtrimmed(text)); }
+
+std::string_view fieldtext(const char* field, std::size_t size) {
+    const void* zero = size ? std::memchr(field, 0, size) : nullptr;
+    return {field, zero ? std::size_t(static_cast<const char*>(zero) - field) : size};
+}
+
+// On a mismatch the scan goes back to the last `*` and lets it take one byte more: no recursion is needed,
+// because only the last `*` can ever profit from a second try.
+boolean wildmatch(std::string_view text, std::string_view pattern, boolean escapes) {
+    std::size_t t = 0, p = 0, starpattern = 0, startext = 0;
+    boolean star = false;
+    while (true) {
+        boolean advanced = false;
+        if (p < pattern.size() && pattern[p] == '*') {
+            star = true;
+            starpattern = ++p;
+            startext = t;
+            continue;
+        }
+        if (t == text.size() && p == pattern.size()) return true;
+        if (t < text.size() && p < pattern.size()) {
+            std::size_t width = 1;
+            char want = pattern[p];
+            boolean any = want == '?';
+            if (escapes && want == '\\' && p + 1 < pattern.size() &&
+                (pattern[p + 1] == '\\' || pattern[p + 1] == '?' || pattern[p + 1] == '*')) {
+                want = pattern[p + 1];
+                width = 2;
+                any = false;
+            }
+            if (any || text[t] == want) {
+                t++;
+                p += width;
+                advanced = true;
+            }
+        }
+        if (advanced) continue;
+        if (!star || startext >= text.size()) return false;
+        p = starpattern;
+        t = ++startext;
+    }
+}
+
+namespace {
+
+// Length of the digits at s[i..].
+std::size_t digitrun(std::string_view s, std::size_t i) {
+    std::size_t start = i;
+    while (i < s.size() && isdigit(s[i])) i++;
+    return i - start;
+}
+
+// Checks the grammar; `mark` receives the place of the exponent letter, or npos.
+boolean isnumber(std::string_view s, std::size_t& mark) {
+    std::size_t i = 0;
+    mark = std::string_view::npos;
+    if (i < s.size() && (s[i] == '-' || s[i] == '+')) i++;
+    std::size_t n = digitrun(s, i);
+    i += n;
+    if (i < s.size() && s[i] == '.') {
+        std::size_t m = digitrun(s, ++i);
+        i += m;
+        n += m;
+    }
+    if (n == 0) return false;
+    if (i == s.size()) return true;
+    if (lowerchar(s[i]) != 'e' && lowerchar(s[i]) != 'd') return false;
+    mark = i++;
+    if (i < s.size() && (s[i] == '-' || s[i] == '+')) i++;
+    n = digitrun(s, i);
+    return n > 0 && i + n == s.size();
+}
+
+// from_chars leaves its result alone when the value is out of range: tell overflow from underflow by the
+// place of the first digit that counts.
+Double outofrange(std::string_view s, std::size_t mark) {
+    std::string_view digits = s.substr(0, mark);
+    std::size_t point = digits.find('.');
+    if (point == std::string_view::npos) point = digits.size();
+    std::size_t first = digits.find_first_of("123456789");
+    if (first == std::string_view::npos) return 0;
+    boolean negative = mark != std::string_view::npos && s[mark + 1] == '-';
+    // An exponent is so large here, or the digits are so many, that the sign of either decides.
+    boolean tiny = mark == std::string_view::npos ? first > point : negative;
+    if (tiny) return 0;
+    return s[0] == '-' ? -HUGE_VAL : HUGE_VAL;
+}
+
+}  // namespace
+
+boolean readnumber(std::string_view text, Double& value) {
+    std::size_t mark;
+    if (!isnumber(text, mark)) return false;
+    std::string_view body = text[0] == '+' ? text.substr(1) : text;
+    if (text[0] == '+' && mark != std::string_view::npos) mark--;
+    char copy[400];
+    if (mark != std::string_view::npos && body[mark] != 'e' && body[mark] != 'E') {
+        if (body.size() >= sizeof copy) return false;
+        std::memcpy(copy, body.data(), body.size());
+        copy[mark] = 'e';
+        body = {copy, body.size()};
+    }
+    Double v = 0;
+    std::from_chars_result r = std::from_chars(body.data(), body.data() + body.size(), v);
+    value = r.ec == std::errc::result_out_of_range ? outofrange(body, mark) : v;
+    return true;
+}
+
+boolean readinteger(std::string_view text, Int4& value) {
+    if (!text.empty() && text[0] == '+') text.remove_prefix(1);
+    Int4 v = 0;
+    std::from_chars_result r = std::from_chars(text.data(), text.data() + text.size(), v);
+    if (text.empty() || r.ec != std::errc() || r.ptr != text.data() + text.size()) return false;
+    value = v;
+    return true;
+}
+
+}  // namespace velmo

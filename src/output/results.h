@@ -1,0 +1,27 @@
+// The results stream: the one vstream that all commands print into, and the console stream that was made at the
+// start (they differ while output is redirected). Made before anything can print; a consumer of lines (the
+// terminal, or none) is put behind it by the console floor.
+#pragma once
+#include "output/vtml.h"
+
+namespace velmo {
+
+// State
+extern vstream* results;       // where print calls write
+extern vstream* console;       // the stream made at the start
+extern Int4 printcount;        // suppressed prints and shown lines since the last poll
+extern Int4 linesize;          // the setting, 40 to 255; 79 until set
+extern Int4 pagesize;          // the setting, lines a page, 0 to 32000; 23 until set
+extern UByte more_on;          // the setting
+extern Int4 linegap;           // the setting, lines between paragraphs of the results, 0 to 10
+
+// Makes the stream; false when memory is short.
+boolean results_open();
+// Flushes and deletes it.
+void results_close();
+// Sends settings to the stream.
+void setlinesize(Int4 n);      // clamps to 40..255
+void setpagesize(Int4 n);
+void setmore(boolean on);
+
+}  // namespace velmo

@@ -1,0 +1,36 @@
+// The command table's rows. The table itself is commands.def, made into an array by session/tables.cpp; the
+// dispatcher (language/turn) reads it. A row without a handler ends the search: its command isn't built in.
+#pragma once
+#include "base/types.h"
+
+namespace velmo {
+
+enum commandflags : UByte {
+    cmd_skip = 1,        // runs while lines are skipped (execflag 0)
+    cmd_class = 2,       // obeyed only while the class system is on
+    cmd_byable = 4,      // may stand behind a by prefix
+    cmd_bysilent = 8,    // no heading for each group
+};
+
+struct command {
+    const char* word;
+    UByte min;
+    Int4 (*handler)();   // null: not built
+    UByte flags;
+    Int2 from, until;    // versions in which the row exists, inclusive
+};
+
+extern const command commands[];      // grouped by first letter: _ then a to z
+extern const Int4 ncommands;
+
+// The row that `word` selects among those of the present version, in table order; null when none.
+const command* commandrow(const char* word);
+// The same among the rows of all versions.
+const command* commandrow_any(const char* word);
+// The full name of the built-in that `word` abbreviates, without version gates, or null.
+const char* builtinname(const char* word);
+
+// State
+extern UByte classsystem;             // set beta
+
+}  // namespace velmo

@@ -1,0 +1,63 @@
+// The rectangle: rows of anonymous bytes in the block, and the table that holds their order apart from their
+// place. Logical observation i (from 1) is physical row obsptrs[i-1]; order changes move pointers only, bytes move
+// only when a row becomes wider or the block is divided anew. What the bytes mean is the dataset's business.
+//
+// obsptrs is a permutation: entries below maxobs lie in [0, maxobs), the others in [maxobs, tmaxobs]. Entries from
+// ptrmark on are the identity without having been written: nobody reads an entry at or above ptrmark.
+#pragma once
+#include "base/state.h"
+#include "core/memory.h"
+
+namespace velmo {
+
+// State
+extern UInt4* obsptrs;      // at blockstart
+extern UByte* database;     // row 0, 16-byte aligned
+extern Int4 nobs;           // observations
+extern Int4 maxobs;         // rows that fit below the objects at the present lrecl
+extern Int4 tmaxobs;        // length of obsptrs: rows that would fit in the whole block
+extern Int4 lrecl;          // record length in bytes, even, >= width
+extern Int4 width;       // used length of a row (`width` to users)
+extern Int4 mvar;           // variables that this partition allows, min(lrecl, maxvar)
+extern Int4 ptrmark;        // entries of obsptrs that have been written; nobs + 1 or more, tmaxobs at most
+extern Int4 n_repart, n_shift;
+inline Int4 maxlrecl() { return maxwidth(); }    // upper limit of lrecl
+
+// Lays out an empty rectangle in the block with lrecl 200. 0, 910 (below 1024 bytes or 20 rows).
+Int4 rectangle_start();
+// Writes the identity up to entry n - 1, so that observations 1..n can be addressed. n <= tmaxobs.
+void touchptrs(Int4 n);
+// Resets the order to the identity (an empty dataset).
+void resetptrs();
+
+inline UByte* rowptr(Int4 obs) { return database + std::size_t(obsptrs[obs - 1]) * std::size_t(lrecl); }
+inline void swapobs(Int4 a, Int4 b) {
+    UInt4 p = obsptrs[a - 1];
+    obsptrs[a - 1] = obsptrs[b - 1];
+    obsptrs[b - 1] = p;
+}
+void getrow(void* out, Int4 obs, Int4 n);
+void putrow(const void* in, Int4 obs, Int4 n);
+
+// Room. Codes are returned, not printed: 901 rows, 902 width, 1010 lrecl past its limit, 9994..9999 internal (from
+// 9000 on: didn't fit, a smaller request may). On success obsptrs reaches nobs + n (and one scratch row).
+Int4 addobsroom(Int4 n);
+Int4 addwidthroom(Int4 n);
+Int4 repart(Int4 dwidth, Int4 dobs);
+// Shrinks lrecl to give the object store n bytes more: 901, 902, 9994.
+Int4 freedyn(std::uint64_t n);
+// The store's lower end moves to `newstart`: lowers maxobs, or divides the block anew. 0, 901, 902.
+Int4 yieldroom(std::uint64_t need);
+
+struct sizes { std::uint64_t block, data, dynamic; Int4 width; };
+sizes getsizes();            // used block, data span (rows and pointers), dynamic size, width
+Int4 widestrow();            // widest usable lrecl with the present observations
+Int4 mostobs();              // most observations at the present width
+Int4 mostvars();             // min(maxvar, widestrow())
+
+// debug obstest: 0 with "(obsptrs checked)\n" printed, or 9998, 9997.
+Int4 obstest();
+// The dump of runs of obsptrs ("SHOWPOINTERS ...").
+void showpointers();
+
+}  // namespace velmo

@@ -1,0 +1,40 @@
+// The settings' rows, for set, query and everything that reads a setting by name. The table is
+// session/settings.def; each variable lives with its owner and the row points to it.
+#pragma once
+#include "base/types.h"
+
+namespace velmo {
+
+enum settingkind : UByte {
+    set_onoff,      // UByte
+    set_int,        // Int4, lo..hi
+    set_text,       // char field of hi bytes
+    set_ignored,    // any argument, nothing happens
+    set_notice,     // any argument, note lo (a return code whose message is printed), nothing else
+    set_own,        // its own handler reads the rest of the line
+};
+
+struct setting {
+    const char* word;
+    UByte min;            // 0: the whole word
+    settingkind kind;
+    void* where;          // the variable, by kind; null for handlers
+    Int4 lo, hi;
+    Int4 (*handler)();    // set_own: parses and sets; else, when not null, called after the change
+    Int2 from, until;     // versions in which the row exists
+    UByte needsdebug;     // only with set debug on
+};
+
+extern const setting settings[];
+extern const Int4 nsettings;
+
+// State: settings that no subsystem owns yet
+extern UByte set_debug, set_beep, set_graphics, set_virtual, set_getsockopt, set_checksum, set_netdebug;
+extern UByte set_loghelp, set_plot, set_rssmat, set_bmat, set_override, set_httpproxy, set_httpproxyauth;
+extern Int4 set_level, set_textsize, set_adosize, set_varlabelpos, set_scrollbufsize, set_entries;
+extern Int4 set_timeout1, set_timeout2, set_httpproxyport, set_seed0;
+extern UByte set_logtext;             // set logtype: 1 text, 0 vtml
+extern Double set_tol;
+extern char set_cmdtitle[256], set_prefix[256], set_httpproxyhost[256], set_httpproxyuser[256], set_httpproxypw[256];
+
+}  // namespace velmo

@@ -1,0 +1,20 @@
+// The calls that go up: declared here, defined by a higher floor, so that no header below includes one above.
+//   commands[], ncommands   core/commands.h, defined in session/tables.cpp
+//   settings[], nsettings   core/settings.h, defined in session/tables.cpp
+#pragma once
+#include "base/types.h"
+
+namespace velmo {
+
+// One typed line into buf (n bytes, without its line end): its length, or -1 at the end of the input. Defined by the
+// console; the unit tests and fuzz targets have their own.
+Int4 typedline(char* buf, Int4 n);
+// True when the user sees what is typed (a terminal), so that the echo must not be shown twice.
+boolean typedlineshows();
+
+// Ends the session: handles closed, output flushed, preferences written, temporary files removed. Code 900 ends
+// the process at once. Defined in session/startup.cpp.
+void shutdown(Int4 code);
+extern UByte shuttingdown;     // set once by shutdown; a turn that starts while it is set does nothing
+
+}  // namespace velmo

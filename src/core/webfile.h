@@ -1,0 +1,51 @@
+// The one open call for files and URLs. A handle is a descriptor of base/platform.h; at most 100 are open at a time.
+// A failure returns the negative of a code and, unless quiet, its message has been printed.
+#pragma once
+#include <string_view>
+#include "base/types.h"
+
+namespace velmo {
+
+enum webflags : Int4 {
+    web_write = 1, web_binary = 2, web_device = 4, web_quiet = 8, web_replace = 16, web_public = 32,
+    web_path = 64, web_append = 128, web_nosum = 256, web_local = 512, web_textread = 1024,
+};
+
+boolean isurl(std::string_view name);  // letters, a colon, two slashes
+void webfile_init();                   // clears the table of open files
+// Opens a file. Reading a missing one is 601, writing one that exists without replace or append 602, any other
+// refusal 603; 632 a URL that must be local, 633 writing to a URL, 681 too many open files.
+Int4 webopen(std::string_view name, Int4 flags);
+Int4 webclose(Int4 handle);            // 0, or 691 when the last bytes could not be written
+// Copies a file by blocks, with Break tests; a failed copy leaves no target behind that was not there before.
+// Flags as for webopen (replace, append, public), with web_write forced for the target. 0 or a code (printed).
+Int4 webcopy(std::string_view from, std::string_view to, Int4 flags);
+void webfile_closeall();
+
+// `name` with `suffix` (".dta") added when its last part has no dot; into out (pathsize bytes).
+void addsuffix(char* out, std::string_view name, std::string_view suffix);
+
+// A reader of bytes through one buffer, for every text format. Byte codes 0..255; eof and errors above.
+inline constexpr Int4 read_eof = 1000, read_error = 1001;
+struct bytereader {
+    Int4 handle;
+    Int4 pos, len;
+    UByte failed;
+    UByte buf[65536];
+};
+void reader_start(bytereader& r, Int4 handle);
+Int4 reader_fill(bytereader& r);       // the next byte after reading a new buffer
+inline Int4 reader_next(bytereader& r) { return r.pos < r.len ? r.buf[r.pos++] : reader_fill(r); }
+
+// A writer through one buffer; a failed write is remembered.
+struct bytewriter {
+    Int4 handle;
+    std::size_t len;
+    UByte failed;
+    char buf[65536];
+};
+void writer_start(bytewriter& w, Int4 handle);
+void writer_put(bytewriter& w, std::string_view text);
+boolean writer_flush(bytewriter& w);   // false once any write has failed
+
+}  // namespace velmo

@@ -1,0 +1,73 @@
+// The dataset: nvar variables by nobs observations in the rectangle. Variable v (from 1) takes the bytes mapi[v-1]
+// to mapi[v-1] + varsize(typ[v-1]) - 1 of each row, without padding, in the order of the variables. The tables
+// varlist, typ, mapi, fmt, lbl, srt (core/memory.h) are parallel and indexed by v - 1; srt holds the variable numbers
+// of the sort key with a zero behind. A variable's label, characteristics and notes are objects keyed by its name.
+//
+// Two names bypass the checks of addvar: `_delete`, a scratch variable, and `(e)`, the byte variable that marks the
+// estimation sample, found by exact name only and dropped when every other variable is.
+#pragma once
+#include <string_view>
+#include "core/rectangle.h"
+
+namespace velmo {
+
+// State
+extern Int4 nvar;              // variables
+extern Int4 visnvar;           // variables that look-up sees: nvar but while a command is creating one
+extern UByte datachanged;      // since the last save or load, in a variable whose name doesn't begin with _
+extern UByte defaulttype;      // set type: of new variables; typefloat until set
+extern char datalabel[81];     // label data
+extern char datafile[pathsize], datadate[32];    // file and its date as describe shows them; empty without a file
+
+// Reaction of lookupvar:                 exact      unique prefix   several   none
+enum lookupmode : Int4 {
+    lookup_free = 0,      // defined already error   -              -         nvar + 1
+    lookup_ref = 1,       // the variable  the variable    ambiguous error    error 111, printed "variable x not found"
+    lookup_exact = 10,    // the variable  -               -                  nvar + 1
+    lookup_quiet = 11,    // the variable  the variable    ambiguous error    nvar + 1
+};
+// The variable, or minus a code whose message has been printed. A name that isn't valid is minus 198. With no
+// variables: lookup_ref is minus 111 ("no variables defined"), the others 1.
+Int4 lookupvar(std::string_view name, Int4 mode);
+Int4 findvar(std::string_view name);       // exact, no message; 0 when there is none
+// Nonzero code, printed, when `name` may not be given to a new variable: 198 or 110.
+Int4 checknewname(std::string_view name);
+
+// Appends a variable: checks the name, makes room, sets the default format, clears label and value label. Its cells
+// are not set. Codes printed: 198, 110, 900, 902, 1010. `internal` skips the name check and may use the last slot.
+Int4 addvar(std::string_view name, UByte type, boolean internal = false);
+Int4 addslot(UByte type, boolean internal);        // room in row and tables only; codes not printed
+// The scratch variable `_delete` of `type`; variable or minus code (not printed). keep 0: a failure is remembered and
+// later calls fail at once; type 0 forgets it.
+Int4 maketemp(UByte type, boolean keep);
+void droptemp();                           // removes the last variable if it is `_delete`
+// Starts a change of type: a new variable at the end under `name` with var's label; the caller fills it and calls
+// swapin, which gives it the old one's value label, format and place. 0, 901, 902, 903.
+Int4 recast(Int4 var, std::string_view name, UByte newtype);
+Int4 swapin(Int4 var);
+// The whole change: recast, copy of observations 1..nobs, swapin; the variable keeps its number. Code not printed (903).
+Int4 changetype(Int4 var, UByte newtype);
+// Moves a variable to position `to`; tables and srt follow; vars (n entries, may be null) is renumbered too.
+Int4 movevar(Int4 from, Int4 to, Int4* vars, Int4 n);
+// Drops the variables whose mark (nvar bytes) is set, with all records keyed by them; (e) goes with the last of the
+// others, and with no variable left the dataset is emptied. 901 without a scratch row.
+Int4 dropvars(const UByte* marks);
+// Renames: table and all records keyed by the name.
+Int4 renamevar(Int4 var, std::string_view newname);
+// Keeps the observations whose flag (nobs bytes) is 0, in their order, moving pointers only.
+void dropobs(const UByte* flags, Int4 kept);
+void setsortnone(const Int4* vars, Int4 n);        // cuts srt at the first of these variables
+void markchanged(Int4 var);
+void cleardata(boolean keeplabels);
+// Raises nobs to n >= nobs, new cells missing or ""; 0, 901 (not printed). (e) is 0 in new observations.
+Int4 growobs(Int4 n);
+Int4 needscratchrow();                     // makes sure that nobs < maxobs; 0 or 901
+
+boolean issample(Int4 var);                // the variable is (e)
+inline boolean isstring(Int4 var) { return typ[var - 1] < 245; }
+inline Int4 shownvars() { return nvar - (findvar("(e)") ? 1 : 0); }
+// "byte", "str12" and so on into out (8 bytes), and back; 0 when the word is no type (`str#` checked to 1..244).
+char* typename_of(UByte type, char* out);
+UByte typecode(std::string_view word);
+
+}  // namespace velmo

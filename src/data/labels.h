@@ -1,0 +1,49 @@
+// Variable labels, value labels and their use in display. A value label is an object of kind 1:
+//   n Int4 | txtlen Int4 | off[n] Int4 | val[n] Int4, ascending | texts in the order of insertion, each with its zero
+// Every change writes a new record. vallabel is the handle for look-ups in a loop: it owns a copy, so it survives
+// store calls. Codes: 950 no room (printed), 134 too many entries.
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+#include "base/types.h"
+
+namespace velmo {
+
+inline constexpr Int4 maxvarlabel = 80, maxlabeltext = 244, maxlabelentries = 65536;
+
+// Variable label: "" when there is none; setting "" removes it. Texts are cut to 80 characters.
+std::string getvarlabel(std::string_view varname);
+Int4 putvarlabel(std::string_view varname, std::string_view text);
+
+struct vallabel {
+    boolean exists = false;
+    std::vector<Int4> values;               // ascending
+    std::vector<Int4> offsets;
+    std::vector<char> texts;
+    // The text of a value, or null: binary search; a value that is no Int4 or missing has none.
+    const char* find(Double value) const;
+};
+void vl_load(std::string_view name, vallabel& out);      // exists false when there is no such label
+boolean vl_find(std::string_view name);
+// The text of a value into out; false when the label or value isn't there.
+boolean vl_valtotext(std::string_view name, Double value, char* out, std::size_t size);
+// The value of a text, `missing` when not found.
+Double vl_texttoval(std::string_view name, std::string_view text);
+// Adds text under the next free value (one above the highest, 1 when empty) unless it is there; its value in `value`.
+Int4 vl_nextval(std::string_view name, std::string_view text, Double& value);
+Int4 vl_maxtext(std::string_view name);                  // longest text in bytes, 0 when none
+// Adds or changes one entry; an empty text removes it. Makes the label when it is new.
+Int4 vl_put(std::string_view name, Int4 value, std::string_view text);
+Int4 vl_store(std::string_view name, const vallabel& label);
+boolean vl_drop(std::string_view name);
+void vl_dropall();
+std::vector<std::string> vl_names();                     // in the order in which they were made
+
+// The format of a variable widened to the longest text of its value label (variables first..last).
+void fmtwiden(Int4 first, Int4 last);
+// Renders a value into dbuf by its label's text if it has one, else by fmtnum; label may be null. Returns the length.
+Int4 fmtlbl(const char* fmt, Double value, const vallabel* label);
+Int4 prtlbl(const char* fmt, Double value, const vallabel* label);
+
+}  // namespace velmo

@@ -1,0 +1,25 @@
+// The evaluator: runs code words over one observation, or over a block of up to 256. The bodies of both come from one
+// table, so they give the same bits. Nothing here fails: what is undefined is missing.
+#pragma once
+#include "expr/program.h"
+
+namespace velmo {
+
+inline constexpr Int4 blocksize = 256;
+
+// The value at obs; Infinity and NaN come back as missing. At obs == firstobs the running sums are cleared.
+Double exp_getnum(exp& e, Int4 obs);
+// A string result into buf (246 bytes); its length.
+Int4 exp_getstr(exp& e, Int4 obs, char* buf);
+// True if no `if` was given or its value at obs is not 0 (missing is not 0).
+boolean exp_iftest(Int4 obs);
+
+// True when e may run by blocks while variable `var` (0: none) is being written: no running sum or random draw that an
+// `if` or order would change, and no subscripted or time-series load of `var`.
+boolean exp_blockable(const exp& e, Int4 var);
+// Values at observations first..first+n-1, 1 <= n <= blocksize, into out; e must be blockable and numeric.
+void exp_getblock(exp& e, Int4 first, Int4 n, Double* out);
+// mask[i] = 1 where the `if` holds (all 1 without one), else 0. Falls back to single observations by itself.
+void exp_ifblock(Int4 first, Int4 n, UByte* mask);
+
+}  // namespace velmo

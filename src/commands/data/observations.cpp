@@ -44,7 +44,7 @@ Int4 dropvariables(boolean keep) {
 
 Int4 dropobservations(boolean keep) {
     if (nobs == 0) return notef("(0 observations deleted)\n");
-    workspace work(std::size_t(nobs));
+    workspace work{std::size_t(nobs)};
     UByte* flags = work.get<UByte>();
     if (!flags) return error(909);
     std::memset(flags, keep ? 1 : 0, std::size_t(nobs));

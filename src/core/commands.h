@@ -9,6 +9,7 @@ enum commandflags : UByte {
     cmd_skip = 1,        // runs while lines are skipped (execflag 0)
     cmd_class = 2,       // obeyed only while the class system is on
     cmd_byable = 4,      // may stand behind a by prefix
+    cmd_bysilent = 8,    // no heading for each group
 };
 
 struct command {
@@ -22,9 +23,9 @@ struct command {
 extern const command commands[];      // grouped by first letter: _ then a to z
 extern const Int4 ncommands;
 
-// The row that `word` selects, in table order; null when none. With gates, rows outside the present version or
-// (unless classes are on) reserved for classes are passed over... see commandrow_any for the table without gates.
+// The row that `word` selects among those of the present version, in table order; null when none.
 const command* commandrow(const char* word);
+// The same among the rows of all versions.
 const command* commandrow_any(const char* word);
 // The full name of the built-in that `word` abbreviates, without version gates, or null.
 const char* builtinname(const char* word);

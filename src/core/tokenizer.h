@@ -18,12 +18,10 @@ extern char* tokstart;            // where the last token began
 extern UByte tokrepeat;           // the next nexttoken returns tokbuf again
 extern UByte tokrepeated;         // the token in hand came from a repeat
 extern char cmdword[namesize];    // the first word of the current command
-extern char usinglist[pathsize];  // see filetoken_long
 
 struct breakset { const char* chars; UByte in[256]; };
 extern const breakset breakstd, breaknotilde, breaknum, breakdot, breakfile;
 extern const breakset breakvarlist;   // breakstd without ~ * ?
-extern const breakset breakrange;     // breakstd without - (in ranges)
 
 struct tokenpos { char* pos; char* start; };
 

@@ -1,0 +1,282 @@
+#include "language/dofile.h"
+#include <cstring>
+#include "base/platform.h"
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "core/upcalls.h"
+#include "core/webfile.h"
+#include "language/review.h"
+#include "output/errors.h"
+#include "output/print.h"
+#include "output/results.h"
+
+namespace velmo {
+
+doreader* dofile = nullptr;
+UByte semicolon = 0;
+UByte eofseen = 0;
+Int4 openreaders = 0;
+
+Int4 doreader_open(doreader& r, const char* name) {
+    if (openreaders >= maxreaders) return error(1000);
+    r.handle = webopen(name, web_binary | web_textread);
+    if (r.handle < 0) return -r.handle;
+    r.pos = r.len = r.column = 0;
+    r.pushback = -1;
+    openreaders++;
+    return 0;
+}
+
+void doreader_close(doreader& r) {
+    webclose(r.handle);
+    openreaders--;
+}
+
+namespace {
+
+constexpr Int4 endbyte = -1;
+
+// The next raw byte, or endbyte.
+Int4 rawbyte(doreader& r) {
+    if (r.pushback >= 0) {
+        Int4 c = r.pushback;
+        r.pushback = -1;
+        return c;
+    }
+    if (r.pos == r.len) {
+        Pint n = fileread(r.handle, r.buf, sizeof r.buf);
+        r.pos = 0;
+        r.len = n > 0 ? Int4(n) : 0;
+        if (r.len == 0) return endbyte;
+    }
+    return r.buf[r.pos++];
+}
+
+// The next byte with CR LF and CR as LF; the bytes 1A and FF end the file too.
+Int4 linebyte(doreader& r) {
+    Int4 c = rawbyte(r);
+    if (c == 0x1A || c == 0xFF) return endbyte;
+    if (c != '\r') return c;
+    Int4 next = rawbyte(r);
+    if (next != '\n' && next != endbyte) r.pushback = next;
+    return '\n';
+}
+
+// The echo of what is read, collected and sent at each line end and after 500 bytes.
+struct lineecho {
+    char text[512];
+    Int4 n = 0;
+    boolean on;
+    explicit lineecho(boolean shown) : on(shown) {}
+    void send() {
+        if (on && n) prtquiet({text, std::size_t(n)});
+        n = 0;
+    }
+    void put(char c) {
+        if (!on) return;
+        text[n++] = c;
+        if (n >= 500) send();
+    }
+    void newline() {
+        send();
+        if (on) prtraw("\n");
+    }
+};
+
+// One logical line being built.
+struct logicalline {
+    Int4 n = 0;
+    Int4 depth = 0;          // of bracketed comments
+    boolean inquote = false;
+    boolean sharp = false;   // the line began with #
+    char prev = ' ';
+    lineecho echo;
+    explicit logicalline(boolean shown) : echo(shown) {}
+};
+
+enum lineend { line_goeson, line_ready, line_toolong };
+
+lineend store(logicalline& l, char c) {
+    if (l.n == 0 && c == '#') l.sharp = true;
+    if (l.n == 0 && c == ' ' && semicolon && !l.echo.on) return line_goeson;
+    cmdbuf[l.n++] = c;
+    return l.n >= conslen - 1 ? line_toolong : line_goeson;
+}
+
+boolean onlyblanks(const logicalline& l) {
+    for (Int4 i = 0; i < l.n; i++)
+        if (cmdbuf[i] != ' ') return false;
+    return true;
+}
+
+lineend atlinefeed(doreader& r, logicalline& l) {
+    r.column = 0;
+    l.prev = ' ';
+    if (l.depth == 0 && (!semicolon || l.sharp)) {
+        l.echo.newline();
+        return line_ready;
+    }
+    if (l.depth == 0 && onlyblanks(l)) {
+        l.n = 0;
+        l.echo.n = 0;
+        return line_goeson;
+    }
+    l.echo.newline();
+    l.echo.put('>');
+    l.echo.put(' ');
+    return l.depth == 0 ? store(l, ' ') : line_goeson;
+}
+
+// A byte that is no line end: comments, quotes, the delimiter, or text.
+lineend atbyte(logicalline& l, char c) {
+    l.echo.put(c);
+    if (!l.inquote && c == '*' && l.prev == '/') {
+        if (l.depth++ == 0) l.n--;
+        l.prev = ' ';
+        return line_goeson;
+    }
+    if (!l.inquote && c == '/' && l.prev == '*' && l.depth > 0) {
+        l.depth--;
+        l.prev = ' ';
+        return line_goeson;
+    }
+    l.prev = c;
+    if (l.depth > 0) return line_goeson;
+    if (c == '"') l.inquote = !l.inquote;
+    if (c == ';' && semicolon && !l.inquote) {
+        l.echo.newline();
+        return line_ready;
+    }
+    return store(l, c);
+}
+
+lineend attab(doreader& r, logicalline& l) {
+    do {
+        if (lineend end = atbyte(l, ' ')) return end;
+        r.column++;
+    } while (r.column % 8);
+    return line_goeson;
+}
+
+lineend takebyte(doreader& r, logicalline& l, Int4 c) {
+    if (c == '\n') return atlinefeed(r, l);
+    if (c == '\t') return attab(r, l);
+    if (c < 32) return line_goeson;
+    r.column++;
+    return atbyte(l, char(c));
+}
+
+void endofsource() {
+    cmdbuf[0] = 0;
+    eofseen = 1;
+}
+
+// The next logical line of a do-file into cmdbuf.
+void readdoline(doreader& r) {
+    logicalline l(levelshows());
+    while (true) {
+        Int4 c = linebyte(r);
+        if (c == endbyte) {
+            l.echo.send();
+            return endofsource();
+        }
+        lineend end = takebyte(r, l, c);
+        if (end == line_ready) break;
+        if (end == line_toolong) {
+            l.echo.send();
+            saved level(outlevel, UByte(3));
+            prtfresh();
+            prt("input too long\n");
+            return endofsource();
+        }
+    }
+    cmdbuf[l.n] = 0;
+}
+
+// The prompt, at the level of the line source. A new command begins a new page.
+void prompt(UByte sourcelevel) {
+    if (sourcelevel < quietlevel) return;
+    vstream_clearpage(results);
+    saved level(outlevel, UByte(4));
+    prtreset();
+    UByte style = vstream_style(results);
+    if ((style & style_colour) != style_input) prtraw("{com}");
+    if (style & style_font) prtraw("{sf}");
+    if (style & style_underline) prtraw("{ul off}");
+    prtraw(". ");
+    prtpartial();
+}
+
+void readtypedline() {
+    Int4 n = typedline(cmdbuf, conslen);
+    if (n < 0) {
+        prtraw("\n");
+        return endofsource();
+    }
+    for (Int4 i = 0; i < n; i++)
+        if (UByte(cmdbuf[i]) < 32) cmdbuf[i] = ' ';
+    cmdbuf[n] = 0;
+    std::string_view line = rtrimmed({cmdbuf, std::size_t(n)});
+    if (!line.empty()) reviewpush(line);
+    prtquiet(line);
+    prtraw("\n");
+}
+
+// ---- Directives.
+
+// The next whole number of the directive's text, or `otherwise`.
+Int4 directivenumber(Int4 otherwise) {
+    Int4 value;
+    return readinteger(nexttoken(breaknum), value) ? value : otherwise;
+}
+
+void reviewdirective() {
+    Int4 oldest = directivenumber(5);
+    if (oldest < 1) oldest = 5;
+    if (oldest > 100) oldest = 100;
+    Int4 count = directivenumber(oldest);
+    if (count < 1 || count > oldest) count = oldest;
+    for (Int4 i = 0; i < count; i++) {
+        std::string line = reviewget(oldest - 1 - i);
+        if (line.empty()) continue;
+        if (prtf("%d ", oldest - i) || prt(line) || prtnl()) return;
+    }
+}
+
+void delimitdirective() {
+    semicolon = std::string_view(nexttoken()) != "cr";
+    prtf("delimiter now %s\n", semicolon ? ";" : "cr");
+}
+
+void directive() {
+    saved level(outlevel, UByte(1));
+    settokpos(cmdbuf);
+    nexttoken();
+    std::string_view word = nexttoken();
+    if (abbrev(word, "delimit", 1) && dofile) return delimitdirective();
+    if (abbrev(word, "review", 1)) return reviewdirective();
+    outlevel = 3;
+    prt("Unknown #command\n");
+}
+
+}  // namespace
+
+void getline() {
+    saved level(outlevel);
+    do {
+        tick();
+        outlevel = dofile ? 2 : 4;
+        prompt(outlevel);
+        if (dofile)
+            readdoline(*dofile);
+        else
+            readtypedline();
+        if (*ltrimmed(cmdbuf).data() == '#') directive();
+    } while (*ltrimmed(cmdbuf).data() == '#');
+    std::string_view line = rtrimmed(cmdbuf);
+    cmdbuf[line.size()] = 0;
+    if (batchmode) vstream_flush(results);
+}
+
+}  // namespace velmo

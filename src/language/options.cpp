@@ -1,0 +1,202 @@
+// The option table: each word behind the comma with the text of its parentheses, and whether a getter took it.
+#include <cmath>
+#include "base/text.h"
+#include "core/settings.h"
+#include "data/dataset.h"
+#include "language/stdparse.h"
+#include "output/errors.h"
+
+namespace velmo {
+
+namespace {
+
+constexpr Int4 maxoptions = 50;
+
+struct optionrow {
+    std::string_view word;
+    std::string_view argument;
+    boolean hasargument;
+    boolean consumed;
+};
+optionrow options[maxoptions];
+Int4 noptions = 0;
+
+// Records one option at the cursor.
+Int4 recordoption() {
+    nexttoken();
+    if (noptions == maxoptions) return error(1003);
+    optionrow& row = options[noptions];
+    row = {{tokstart, std::size_t(tokpos - tokstart)}, {}, false, false};
+    if (tokpeek() == '(' && isnamestart(tokbuf[0])) {
+        char *begin, *end;
+        if (!parenthesized(&begin, &end)) return error(198);
+        row.argument = {begin, std::size_t(end - begin)};
+        row.hasargument = true;
+    }
+    noptions++;
+    return 0;
+}
+
+optionrow* findoption(const char* name, Int4 min, boolean witharg) {
+    for (Int4 i = 0; i < noptions; i++) {
+        optionrow& row = options[i];
+        if (row.consumed || row.hasargument != witharg || !abbrev(row.word, name, min)) continue;
+        row.consumed = true;
+        return &row;
+    }
+    return nullptr;
+}
+
+// The next word of an argument: separated by commas and blanks.
+std::string_view nextnumber(std::string_view& text) {
+    std::size_t i = text.find_first_not_of(" ,");
+    if (i == std::string_view::npos) {
+        text = {};
+        return {};
+    }
+    std::size_t end = text.find_first_of(" ,", i);
+    if (end == std::string_view::npos) end = text.size();
+    std::string_view word = text.substr(i, end - i);
+    text.remove_prefix(end);
+    return word;
+}
+
+// The next word of a blank-separated list with quotes honoured (and removed).
+boolean nextword(std::string_view& text, std::string& word) {
+    text = ltrimmed(text);
+    if (text.empty()) return false;
+    std::size_t end;
+    if (text[0] == '"') {
+        end = text.find('"', 1);
+        if (end == std::string_view::npos) end = text.size();
+        word = text.substr(1, end - 1);
+        text.remove_prefix(end < text.size() ? end + 1 : end);
+        return true;
+    }
+    end = text.find(' ');
+    if (end == std::string_view::npos) end = text.size();
+    word = text.substr(0, end);
+    text.remove_prefix(end);
+    return true;
+}
+
+// Quotes, plain or compound, around the whole text are taken off.
+std::string_view unquoted(std::string_view text) {
+    text = trimmed(text);
+    if (text.size() >= 4 && text.substr(0, 2) == "`\"" && text.substr(text.size() - 2) == "\"'")
+        return text.substr(2, text.size() - 4);
+    if (text.size() >= 2 && text.front() == '"' && text.find('"', 1) == text.size() - 1)
+        return text.substr(1, text.size() - 2);
+    return text;
+}
+
+}  // namespace
+
+Int4 parseoptions() {
+    noptions = 0;
+    std::string_view token = nexttoken();
+    if (token == ",") {
+        if (p_options == 3) return notallowed("options");
+        while (tokpeeknonblank())
+            if (Int4 rc = recordoption()) return rc;
+        return 0;
+    }
+    ungettoken();
+    if (token.empty() || p_rest) return 0;
+    return errorf(198, "'%s' found where nothing expected\n", tokcontent());
+}
+
+boolean getopt_flag(const char* name, Int4 min) { return findoption(name, min, false) != nullptr; }
+
+boolean getopt_noflag(const char* name, Int4 min, boolean otherwise) {
+    if (getopt_flag(name, min)) return true;
+    for (Int4 i = 0; i < noptions; i++) {
+        optionrow& row = options[i];
+        if (row.consumed || row.hasargument || row.word.substr(0, 2) != "no") continue;
+        if (!abbrev(row.word.substr(2), name, min)) continue;
+        row.consumed = true;
+        return false;
+    }
+    return otherwise;
+}
+
+Int4 getopt_num(const char* name, Int4 min, Double* out, Int4 limit, Int4& n, boolean allowmissing) {
+    n = 0;
+    optionrow* row = findoption(name, min, true);
+    if (!row) return 0;
+    std::string_view text = row->argument;
+    for (std::string_view word = nextnumber(text); !word.empty(); word = nextnumber(text)) {
+        if (n == limit) return errorf(198, "option %s() invalid\n", name);
+        if (word == "." && allowmissing)
+            out[n++] = missing;
+        else if (readnumber(word, out[n]) && std::isfinite(out[n]))
+            n++;
+        else
+            return errorf(198, "option %s() invalid\n", name);
+    }
+    return n ? 0 : errorf(198, "option %s() invalid\n", name);
+}
+
+Int4 getopt_int(const char* name, Int4 min, Int4* out, Int4 limit, Int4& n) {
+    std::vector<Double> values(std::size_t(limit) + 1);
+    if (Int4 rc = getopt_num(name, min, values.data(), limit, n)) return rc;
+    for (Int4 i = 0; i < n; i++) {
+        Double v = values[std::size_t(i)];
+        if (v != std::floor(v) || v < -2147483648.0 || v >= 2147483647.0)
+            return errorf(198, "option %s() invalid\n", name);
+        out[i] = Int4(v);
+    }
+    return 0;
+}
+
+Int4 getopt_str(const char* name, Int4 min, std::string& text, boolean& found) {
+    optionrow* row = findoption(name, min, true);
+    found = row != nullptr;
+    if (found) text = unquoted(row->argument);
+    return 0;
+}
+
+Int4 getopt_words(const char* name, Int4 min, std::vector<std::string>& words, Int4 limit, boolean& found) {
+    optionrow* row = findoption(name, min, true);
+    found = row != nullptr;
+    words.clear();
+    if (!found) return 0;
+    std::string_view text = row->argument;
+    for (std::string word; nextword(text, word);) {
+        if (Int4(words.size()) == limit) return errorf(198, "option %s() invalid\n", name);
+        words.push_back(word);
+    }
+    return 0;
+}
+
+Int4 getopt_vars(const char* name, Int4 min, std::vector<Int4>& vars, boolean& found) {
+    std::vector<std::string> words;
+    vars.clear();
+    if (Int4 rc = getopt_words(name, min, words, maxvar, found)) return rc;
+    for (const std::string& word : words) {
+        Int4 var = lookupvar(word, lookup_ref);
+        if (var < 0) return -var;
+        vars.push_back(var);
+    }
+    return 0;
+}
+
+Int4 getopt_level(Int4 min, Int4& level) {
+    Int4 n;
+    level = set_level;
+    if (Int4 rc = getopt_int("level", min, &level, 1, n)) return rc;
+    return boundscheck("level()", level, 10, 99);
+}
+
+Int4 getopt_done() {
+    for (Int4 i = 0; i < noptions; i++) {
+        const optionrow& row = options[i];
+        if (row.consumed) continue;
+        Int4 n = Int4(row.word.size());
+        if (!row.hasargument) return errorf(198, "%.*s invalid\n", n, row.word.data());
+        return errorf(198, "%.*s(%.*s) invalid\n", n, row.word.data(), Int4(row.argument.size()), row.argument.data());
+    }
+    return 0;
+}
+
+}  // namespace velmo

@@ -1,0 +1,260 @@
+// The main loop reads the parts in any order through a table; what may stand, and what must, is told by the controls.
+#include "language/stdparse.h"
+#include <cmath>
+#include "base/saved.h"
+#include "base/text.h"
+#include "core/adopath.h"
+#include "core/keywords.h"
+#include "core/settings.h"
+#include "data/cells.h"
+#include "data/run.h"
+#include "data/timeseries.h"
+#include "expr/compile.h"
+#include "expr/evaluate.h"
+#include "language/varlist.h"
+#include "output/errors.h"
+#include "output/print.h"
+
+namespace velmo {
+
+UByte p_varlist, p_existing, p_if, p_in, p_using, p_exp, p_exptype, p_weight, p_weightmask, p_weightdefault;
+UByte p_options, p_byok, p_tsops, p_rest, p_range, p_skip, p_noeq;
+Int4 vl_n, vl_groups[5], vl_ngroups;
+UByte vl_given, ingiven, usinggiven, weightgiven;
+Int4 weighttype;
+
+void parse_defaults() {
+    p_varlist = p_if = p_in = p_options = p_byok = p_rest = p_range = p_skip = p_noeq = 0;
+    p_existing = 1;
+    p_using = p_exp = p_weight = p_tsops = 3;
+    p_exptype = mode_num;
+    p_weightmask = weight_all;
+    p_weightdefault = weight_a;
+}
+
+namespace {
+
+// `if`. Variables that the command has just made are visible to it only when observations are being added.
+Int4 ifpart() {
+    if (p_if == 3) return notallowed("if");
+    if (ifgiven) return error(198);
+    saved visible(visnvar);
+    if (p_in == 2) visnvar = nvar;
+    if (Int4 rc = exp_compile(ifexp, mode_num, {.matjoin = p_if == 4})) return rc;
+    ifgiven = 1;
+    return 0;
+}
+
+// One end of a range: f, l, or a whole number that isn't 0; negative ones count from the end.
+Int4 rangeend(Int4& obs) {
+    Int4 last = p_in == 2 ? nolimit : nobs;
+    std::string_view token = nexttoken(breaknum);
+    if (token == "f")
+        obs = 1;
+    else if (token == "l")
+        obs = last;
+    else if (readinteger(token, obs) && obs != 0)
+        obs = obs < 0 ? last + 1 + obs : obs;
+    else
+        return errorf(198, "%s invalid obs no\n", tokbuf);
+    return 0;
+}
+
+Int4 inpart() {
+    if (p_in == 3) return notallowed("in");
+    if (bymode) return errorf(190, "'in' may not be combined with 'by'\n");
+    if (ingiven) return error(198);
+    Int4 a, b;
+    if (Int4 rc = rangeend(a)) return rc;
+    b = a;
+    if (tokpeeknonblank() == '/') {
+        nexttoken(breaknum);
+        if (Int4 rc = rangeend(b)) return rc;
+    }
+    if (a < 1 || a > b || (p_in != 2 && b > nobs)) return errorf(198, "Obs. nos. out of range\n");
+    firstobs = a;
+    lastobs = b;
+    ingiven = 1;
+    return 0;
+}
+
+Int4 usingpart() {
+    if (p_using == 3) return notallowed("using");
+    if (usinggiven) return error(198);
+    if (p_using == 2 && (tokpeeknonblank() == ',' || tokpeeknonblank() == 0)) return 0;
+    char name[tokensize];
+    if (Int4 rc = filetoken(name)) return rc;
+    copytext(usingname, pathsize, name);
+    usinggiven = 1;
+    return 0;
+}
+
+Int4 exppart(Int4 mode) {
+    if (eqgiven) return error(198);
+    if (Int4 rc = exp_compile(eqexp, mode)) return rc;
+    eqgiven = 1;
+    return 0;
+}
+
+constexpr struct { Int4 kind; const char* word; const char* plural; } weightwords[] = {
+    {weight_a, "analytic", "aweights"},
+    {weight_f, "frequency", "fweights"},
+    {weight_p, "sampling", "pweights"},
+    {weight_i, "importance", "iweights"},
+};
+
+// An open weight takes the command's default kind and says so.
+void assumeweight() {
+    weighttype = p_weightdefault;
+    if (quietlevel >= 3) return;
+    for (const auto& row : weightwords)
+        if (row.kind == weighttype) notef("(%s weights assumed)\n", row.word);
+}
+
+// `=` in a command that takes weights but no =exp is the old way to give weights.
+Int4 equalspart() {
+    if (p_exp != 3) return exppart(p_exptype);
+    if (p_weight == 3) return notallowed("=exp");
+    if (version >= 300) return error(198);
+    notef("(please avoid =exp old-style weight syntax)\n");
+    if (weightgiven) return errorf(198, "too many weights\n");
+    if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
+    weightgiven = 1;
+    assumeweight();
+    return 0;
+}
+
+// The kind that a weight word names: 0 open, -1 unknown.
+Int4 weightword() {
+    static constexpr keyword words[] = {
+        {"weight", 1, 0},          {"cellsize", 4, weight_a}, {"fweight", 2, weight_f}, {"frequency", 4, weight_f},
+        {"aweight", 2, weight_a},  {"pweight", 2, weight_p},  {"iweight", 2, weight_i},
+    };
+    return lookup(words, tokbuf);
+}
+
+Int4 weightpart() {
+    if (p_weight == 3) return notallowed("weights");
+    nexttoken();
+    if (tokbuf[0] == ']') return 0;
+    if (weightgiven) return errorf(198, "too many weights\n");
+    Int4 kind = 0;
+    if (tokbuf[0] != '=') {
+        kind = weightword();
+        if (kind < 0) return errorf(198, "%s unknown weight type\n", tokbuf);
+        for (const auto& row : weightwords)
+            if (kind == row.kind && !(p_weightmask & kind)) return notallowed(row.plural);
+        nexttoken();
+    }
+    if (tokbuf[0] != '=' || tokbuf[1]) return error(198);
+    if (Int4 rc = exp_compile(eqexp, mode_num, {.stopatbracket = true})) return rc;
+    if (nexttoken()[0] != ']') return error(198);
+    weightgiven = 1;
+    if (kind)
+        weighttype = kind;
+    else
+        assumeweight();
+    return 0;
+}
+
+// One part of the form; done is set at a token that is none.
+Int4 onepart(boolean& done) {
+    std::string_view token = nexttoken();
+    if (token == "if") return ifpart();
+    if (token == "in") return inpart();
+    if (token == "using") return usingpart();
+    if (token == "=") return equalspart();
+    if (token == "[") return weightpart();
+    ungettoken();
+    done = true;
+    if (token != ",") return 0;
+    return p_options == 3 ? notallowed("options") : 0;
+}
+
+Int4 missingparts() {
+    if (p_in == 1 && !ingiven) return required("in range");
+    if (p_range == 1 && !ingiven && !vl_given) return required("varlist or in range");
+    if (p_using == 1 && !usinggiven) return required("using");
+    if (p_exp == 1 && !eqgiven) return required("=exp");
+    return 0;
+}
+
+void startparse() {
+    firstobs = groupfirst = 1;
+    lastobs = grouplast = nobs;
+    if (p_in == 2) lastobs = grouplast = nolimit;
+    exp_reset();
+    exp_clearsums();
+    ts_reset();
+    eqgiven = ifgiven = ingiven = usinggiven = weightgiven = vl_given = 0;
+    weighttype = 0;
+    vl_n = vl_ngroups = 0;
+}
+
+Int4 varlistpart() {
+    if (p_varlist == 3) return 0;
+    return p_existing ? existinglist() : newlist();
+}
+
+// With p_noeq the expression may stand without its `=`: anything that starts no other part.
+Int4 bareexp() {
+    if (!p_noeq || p_exp == 3) return 0;
+    nexttoken();
+    std::string_view token = tokbuf;
+    boolean other = token.empty() || token == "=" || token == "," || token == "[" || token == "if" || token == "in";
+    ungettoken();
+    return other ? 0 : exppart(p_exptype);
+}
+
+Int4 parseform() {
+    startparse();
+    if (bymode && p_byok == 3) return error(190);
+    if (Int4 rc = varlistpart()) return rc;
+    if (Int4 rc = bareexp()) return rc;
+    for (boolean done = false; !done;)
+        if (Int4 rc = onepart(done)) return rc;
+    if (Int4 rc = missingparts()) return rc;
+    return parseoptions();
+}
+
+}  // namespace
+
+// The controls go back to their defaults on every way out, so that a nested command starts from them.
+Int4 stdparse() {
+    onexit reset(parse_defaults);
+    return parseform();
+}
+
+Int4 parseif() {
+    p_varlist = 3;
+    return stdparse();
+}
+
+Int4 entryop(Int4 i) { return vl_rcp[i].op; }
+
+Double varvalue(Int4 i, Int4 obs) {
+    return vl_rcp[i].op ? tsvalue(vl_rcp[i].op, vl_vr[i], obs) : getobs(vl_vr[i], obs);
+}
+
+std::string entryname(Int4 i) {
+    std::string name = varlist[vl_vr[i] - 1];
+    if (!vl_rcp[i].op) return name;
+    char ops[24];
+    return std::string(ts_text(vl_rcp[i].op, ops)) + "." + name;
+}
+
+Int4 weightat(Int4 obs, Double& w, boolean& use) {
+    use = true;
+    w = 1;
+    if (!weighttype) return 0;
+    w = exp_getnum(eqexp, obs);
+    if (w == missing || w == 0) {
+        use = false;
+        return 0;
+    }
+    if (w < 0) return error(402);
+    if (weighttype == weight_f && w != std::floor(w)) return error(401);
+    return 0;
+}
+
+}  // namespace velmo

@@ -1,0 +1,146 @@
+#include "language/turn.h"
+#include "base/platform.h"
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "core/commands.h"
+#include "core/objects.h"
+#include "core/upcalls.h"
+#include "data/cells.h"
+#include "data/run.h"
+#include "language/dofile.h"
+#include "language/stdparse.h"
+#include "output/errors.h"
+#include "output/print.h"
+#include "output/results.h"
+#include <new>
+
+namespace velmo {
+
+UByte exitflag = 0;
+UByte hardexit = 0;
+Int4 sysclock = 1;
+
+void takecmdword() {
+    nexttoken();
+    copytext(cmdword, sizeof cmdword, tokbuf);
+}
+
+Int4 autoload() {
+    if (!validname(cmdword)) return errorf(199, "unrecognized command:  %s invalid command name\n", cmdword);
+    return errorf(199, "unrecognized command:  %s\n", cmdword);
+}
+
+// A variable that its command did not finish stands beyond visnvar.
+void endcommand() {
+    while (nvar > visnvar) {
+        nvar--;
+        width = Int4(mapi[nvar]);
+    }
+    prtflush();
+}
+
+namespace {
+
+// Words that are commands by themselves.
+const command* singlecharacter() {
+    static const command* shellrow = commandrow_any("shell");
+    return cmdword[0] == '!' ? shellrow : nullptr;
+}
+
+Int4 runrow(const command& row) {
+    if ((row.flags & cmd_class) && !classsystem)
+        return errorf(197, "%s:  command name reserved for future development\n", row.word);
+    if (!row.handler) return autoload();
+    Int4 rc = row.handler();
+#ifdef VELMO_STRESS
+    memory_stress();
+    if (Int4 broken = memory_check()) return broken;
+#endif
+    return rc;
+}
+
+}  // namespace
+
+Int4 dispatch() {
+    if (shuttingdown) {
+        hardexit = exitflag = 1;
+        return 0;
+    }
+    parse_defaults();
+    outlevel = 0;
+    sysclock = sysclock >= 0x7ffffffe ? 1 : sysclock + 1;
+    poll();
+    if (cmdword[0] == 0 || cmdword[0] == '*') return 0;
+    const command* row = singlecharacter();
+    if (!row) row = commandrow(cmdword);
+    if (!execflag && !(row && (row->flags & cmd_skip))) return 0;
+    return row ? runrow(*row) : autoload();
+}
+
+void report(std::int64_t starttime) {
+    if (inprogram) return;
+    saved level(outlevel, UByte(2));
+    if (lastrc == 1) {
+        outlevel = 3;
+        prtreset();
+        prtfresh();
+        prtcolour();
+        prtraw("{hline 2}Break{hline 2}\n");
+        outlevel = 2;
+    }
+    if (lastrc) {
+        outlevel = 3;
+        prtreset();
+        prtfresh();
+        prtrawf("{search r(%d):r(%d);}", lastrc, lastrc);
+        outlevel = 2;
+        if (!rmsg) prtnl();
+    } else if (rmsg) {
+        prt("r;");
+    }
+    if (!rmsg) return;
+    Int4 ms = Int4(clockms() - starttime);
+    clocktime now = localclock();
+    prtf(" t=%d.%02d %d:%02d:%02d\n", ms / 1000, (100 * (ms % 1000) * 2 / 1000 + 1) / 2, now.hour, now.minute, now.second);
+}
+
+// std::bad_alloc from small work space ends here, after the guards have run.
+Int4 docmd() {
+    if (shuttingdown) {
+        hardexit = exitflag = 1;
+        return 0;
+    }
+    breakpending = 0;
+    exitflag = 0;
+    bymode = 0;
+    std::int64_t start = clockms();
+    takecmdword();
+    try {
+        lastrc = dispatch();
+    } catch (const std::bad_alloc&) {
+        lastrc = error(909);
+    }
+    endcommand();
+    if (exitflag) {
+        if (hardexit)
+            shutdown(0);
+        else
+            exitflag = 0;
+        return 0;
+    }
+    report(start);
+    return 1;
+}
+
+Int4 nextline(Int4) {
+    do {
+        if (dofile && breakpending) return 1;
+        getline();
+        settokpos(cmdbuf);
+        if (eofseen) return 1;
+    } while (tokpeeknonblank() == 0 || tokpeeknonblank() == '*');
+    return 0;
+}
+
+}  // namespace velmo

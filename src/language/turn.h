@@ -1,0 +1,29 @@
+// The turn: one line from the line source to a return code. docmd takes what nextline left in cmdbuf, dispatch finds
+// the command, report tells the code. Do-files, prefixes and (later) blocks and programs re-enter dispatch or docmd
+// on the same cmdbuf.
+#pragma once
+#include "core/tokenizer.h"
+
+namespace velmo {
+
+// State
+extern UByte exitflag;       // set by exit: end the present reading level
+extern UByte hardexit;       // set by exit, VELMO: end the whole session
+extern Int4 sysclock;        // commands dispatched; from 0x7ffffffe it goes to 1
+
+// One turn on cmdbuf: 1 to keep reading at this level, 0 to stop.
+Int4 docmd();
+// Fills cmdbuf from the present source: 0 a line is ready, 1 the end of the source.
+Int4 nextline(Int4 inlevel);
+// Prints the outcome of a turn that began at starttime (milliseconds), in do-files and at the console.
+void report(std::int64_t starttime);
+// Runs the command whose word is in cmdword with the cursor behind it.
+Int4 dispatch();
+// Takes the next token as cmdword: what prefixes do before they dispatch.
+void takecmdword();
+// The rest of a command that isn't built in: "unrecognized command:  foo\n", 199.
+Int4 autoload();
+// Removes variables that a failed command left beyond visnvar, and other work of a command.
+void endcommand();
+
+}  // namespace velmo

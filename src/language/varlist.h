@@ -1,0 +1,14 @@
+// Variable lists: the existing list (names, abbreviations, ranges, patterns, groups, time-series operators) and the
+// new list (types, value labels, numbered series). Results go to vl_vr, vl_rcp, vl_n and the groups of stdparse.h.
+#pragma once
+#include "core/tokenizer.h"
+
+namespace velmo {
+
+// Reads from the cursor up to a stop word. 0 or a code, printed.
+Int4 existinglist();
+Int4 newlist();
+// True for a word that ends a list: with using if in % = , [ and the end of the line.
+boolean isstopword(const char* word);
+
+}  // namespace velmo

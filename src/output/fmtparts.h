@@ -1,0 +1,35 @@
+// Private to the format renderers: a format broken up once, and the renderers of each form. All write to dbuf.
+#pragma once
+#include "output/formats.h"
+
+namespace velmo {
+
+enum fmtroute : UByte { by_general, by_exponential, by_fixed, by_fixedcommas, by_hex, by_date, by_period };
+
+// With w the width as written: capped is w but at most 26, excess what was cut off, places the decimals unless they
+// exceed the capped width (then 0).
+struct fmtparts {
+    char text[fmtsize];       // the format itself
+    fmtspec spec;
+    fmtroute route;
+    Int4 capped, excess, places;
+    UByte zerofill;           // the width was written with a leading zero
+    char period;              // the letter of a time-series format
+    const char* mask;         // of dates and periods: within text, or the default
+};
+
+// The mask of a date or time-series format, `fmt` standing behind the d or the letter; the default when empty.
+const char* datemaskof(char period, const char* mask);
+// The sum of the mask's widths, 8 at least; -1 when the mask holds what is no code.
+Int4 maskwidth(std::string_view mask);
+
+// Renders by a date or a time-series format; the length of the text.
+Int4 dateform(const fmtparts& f, Double value);
+// Renders in exponential form, whatever the format's letter.
+Int4 exponentialform(const fmtparts& f, Double value);
+// "." padded to the format's own width.
+Int4 missingform(const fmtparts& f);
+// Renders a finite number by the numeric routes.
+Int4 numberform(const fmtparts& f, Double value);
+
+}  // namespace velmo

@@ -21,7 +21,8 @@ template <class T> const command* firstrow(const char* word, T wanted) {
     static const letterindex index;
     Int4 i = word[0] ? index.first[UByte(word[0])] : -1;
     if (i < 0) return nullptr;
-    for (; i < ncommands && commands[i].word[0] == word[0]; i++)
+    // HELPCHK stands among the rows of `_`.
+    for (; i < ncommands && (commands[i].word[0] == word[0] || commands[i].word[0] == 'H'); i++)
         if (wanted(commands[i]) && abbrev(word, commands[i].word, commands[i].min)) return &commands[i];
     return nullptr;
 }

@@ -20,7 +20,7 @@ struct command {
     Int2 from, until;    // versions in which the row exists, inclusive
 };
 
-extern const command commands[];      // grouped by first letter: _ then a to z
+extern const command* const commands;    // grouped by first letter: _ then a to z
 extern const Int4 ncommands;
 
 // The row that `word` selects among those of the present version, in table order; null when none.

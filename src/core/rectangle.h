@@ -19,17 +19,20 @@ extern Int4 tmaxobs;        // length of obsptrs: rows that would fit in the who
 extern Int4 lrecl;          // record length in bytes, even, >= width
 extern Int4 width;       // used length of a row (`width` to users)
 extern Int4 mvar;           // variables that this partition allows, min(lrecl, maxvar)
-extern Int4 ptrmark;        // entries of obsptrs that have been written; nobs + 1 or more, tmaxobs at most
+extern Int4 ptrmark;        // entries of obsptrs that have been written: min(nobs + 1, maxobs) or more, maxobs at most
 extern Int4 n_repart, n_shift;
 inline Int4 maxlrecl() { return maxwidth(); }    // upper limit of lrecl
 
 // Lays out an empty rectangle in the block with lrecl 200. 0, 910 (below 1024 bytes or 20 rows).
 Int4 rectangle_start();
-// Writes the identity up to entry n - 1, so that observations 1..n can be addressed. n <= tmaxobs.
+// Divides the block for an empty dataset anew, around the objects: 0, 901.
+Int4 rectangle_relayout(Int4 length);
+// Writes the identity up to entry n - 1, so that observations 1..n can be addressed; n is cut to maxobs.
 void touchptrs(Int4 n);
 // Resets the order to the identity (an empty dataset).
 void resetptrs();
 
+inline UByte* rowplace(Int4 row) { return database + std::size_t(row) * std::size_t(lrecl); }
 inline UByte* rowptr(Int4 obs) { return database + std::size_t(obsptrs[obs - 1]) * std::size_t(lrecl); }
 inline void swapobs(Int4 a, Int4 b) {
     UInt4 p = obsptrs[a - 1];
@@ -39,14 +42,15 @@ inline void swapobs(Int4 a, Int4 b) {
 void getrow(void* out, Int4 obs, Int4 n);
 void putrow(const void* in, Int4 obs, Int4 n);
 
-// Room. Codes are returned, not printed: 901 rows, 902 width, 1010 lrecl past its limit, 9994..9999 internal (from
+// Room. All of these may close the holes of the object store: addresses of rows and of objects are stale after them.
+// Codes are returned, not printed: 901 rows, 902 width, 1010 lrecl past its limit, 9994..9999 internal (from
 // 9000 on: didn't fit, a smaller request may). On success obsptrs reaches nobs + n (and one scratch row).
 Int4 addobsroom(Int4 n);
 Int4 addwidthroom(Int4 n);
 Int4 repart(Int4 dwidth, Int4 dobs);
 // Shrinks lrecl to give the object store n bytes more: 901, 902, 9994.
 Int4 freedyn(std::uint64_t n);
-// The store's lower end moves to `newstart`: lowers maxobs, or divides the block anew. 0, 901, 902.
+// The objects are about to take `need` bytes more: lowers maxobs, or divides the block anew. 0, 901, 902, 9999.
 Int4 yieldroom(std::uint64_t need);
 
 struct sizes { std::uint64_t block, data, dynamic; Int4 width; };

@@ -23,6 +23,13 @@ Int4 runatlevel(UByte level) {
     return rc;
 }
 
+Int4 runwithbreak(Int4 what) {
+    Int4 old = breakswitch;
+    onexit restore([&] { breakswitch = old; });
+    breakswitch = what;
+    return runprefixed();
+}
+
 }  // namespace
 
 Int4 cmd_capture() {
@@ -48,14 +55,7 @@ Int4 cmd_noisily() {
     return runatlevel(version < 220 ? UByte(0) : savedquiet);
 }
 
-Int4 cmd_break() {
-    saved keep(breakswitch, 1);
-    return runprefixed();
-}
-
-Int4 cmd_nobreak() {
-    saved keep(breakswitch, 0);
-    return runprefixed();
-}
+Int4 cmd_break() { return runwithbreak(1); }
+Int4 cmd_nobreak() { return runwithbreak(0); }
 
 }  // namespace velmo

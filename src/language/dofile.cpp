@@ -97,17 +97,16 @@ struct logicalline {
 
 enum lineend { line_goeson, line_ready, line_toolong };
 
-lineend store(logicalline& l, char c) {
-    if (l.n == 0 && c == '#') l.sharp = true;
-    if (l.n == 0 && c == ' ' && semicolon && !l.echo.on) return line_goeson;
-    cmdbuf[l.n++] = c;
-    return l.n >= conslen - 1 ? line_toolong : line_goeson;
-}
-
 boolean onlyblanks(const logicalline& l) {
     for (Int4 i = 0; i < l.n; i++)
         if (cmdbuf[i] != ' ') return false;
     return true;
+}
+
+lineend store(logicalline& l, char c) {
+    if (c == '#' && onlyblanks(l)) l.sharp = true;
+    cmdbuf[l.n++] = c;
+    return l.n >= conslen - 1 ? line_toolong : line_goeson;
 }
 
 lineend atlinefeed(doreader& r, logicalline& l) {

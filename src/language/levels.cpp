@@ -8,6 +8,7 @@
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/webfile.h"
+#include "data/dataset.h"
 #include "data/run.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
@@ -35,11 +36,10 @@ struct frame {
 };
 
 // Splits off the options behind the last comma of the line: nostop, delay.
-Int4 dooptions(frame& f, boolean hasarguments, char** argumentsend) {
+Int4 dooptions(frame& f, char** argumentsend) {
     f.stop = true;
     char* comma = std::strrchr(tokpos, ',');
     *argumentsend = comma ? comma : tokpos + std::strlen(tokpos);
-    (void)hasarguments;
     if (!comma) return 0;
     settokpos(comma + 1);
     static constexpr keyword words[] = {{"nostop", 1, 0}, {"stop", 1, 1}, {"delay", 1, 2}};
@@ -91,7 +91,7 @@ Int4 openlevel(Int4 mode, frame& f) {
     if (Int4 rc = filetoken(name)) return rc;
     char* arguments = tokpos;
     char* end;
-    if (Int4 rc = dooptions(f, true, &end)) return rc;
+    if (Int4 rc = dooptions(f, &end)) return rc;
     addsuffix(path, name, ".do");
     if (Int4 rc = doreader_open(f.reader, path)) return rc;
     macrolevel++;

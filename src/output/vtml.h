@@ -11,7 +11,8 @@
 //        styles: u8 runs - 1, u8 0, then for each run {u8 style, u8 column where the run ends}
 //        text, zero-terminated
 //
-// A style byte:  bit 7 line graphic | bit 5 underline | bits 3-4 font (0 standard, 8 italic, 16 bold) |
+// A style byte:  bit 7 line graphic | bit 6 a {c x} above 127 | bit 5 underline |
+//                bits 3-4 font (0 standard, 8 italic, 16 bold) |
 //                bits 0-2 colour (1 result, 2 text, 4 error, 5 input, 6 link, 7 highlight)
 #pragma once
 #include <string_view>
@@ -23,7 +24,9 @@ enum vmode : Int4 { vmode_none, vmode_asis, vmode_vtml, vmode_paragraph, vmode_v
 
 enum vstyle : UByte {
     style_result = 1, style_text = 2, style_error = 4, style_input = 5, style_link = 6, style_hilite = 7,
-    style_colour = 7, style_italic = 8, style_bold = 16, style_font = 24, style_underline = 32, style_graphic = 128,
+    style_colour = 7, style_italic = 8, style_bold = 16, style_font = 24, style_underline = 32,
+    style_code = 64,       // a character above 127 that was written by its code or name, not a byte of a text
+    style_graphic = 128,
 };
 
 enum vcode : Int4 {
@@ -65,8 +68,9 @@ vmode vstream_mode(const vstream* s);
 void vstream_setclosed(vstream* s, boolean closed);
 void vstream_write(vstream* s, std::string_view text);     // raw VTML
 void vstream_text(vstream* s, std::string_view text);      // text whose braces are escaped
-void vstream_flush(vstream* s);                            // the mode's flush, consumer code 3, logs written out
-void vstream_partial(vstream* s);                          // shows the unfinished line with code 2, if there is one
+void vstream_flush(vstream* s);                            // ends the unfinished line, consumer code 3, logs written out
+// Shows the unfinished line with code 2, if there is one, and lets it go on; then code 3, and logs written out.
+void vstream_partial(vstream* s);
 void vstream_setcolor(vstream* s, UByte colour);           // 1, 2, 4 or 5; no directive when nothing would change
 boolean vstream_holds(const vstream* s);                   // a partial directive or marker is held
 boolean vstream_atstart(const vstream* s);                 // the line being built is empty and no word is pending

@@ -1,0 +1,200 @@
+// generate and replace. Both run by blocks where the expression allows it: the selection and the values of up to 256
+// observations are computed at once, then stored one by one in order.
+#include <cmath>
+#include <cstring>
+#include <string>
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "data/cells.h"
+#include "data/run.h"
+#include "expr/evaluate.h"
+#include "language/stdparse.h"
+#include "output/errors.h"
+#include "output/print.h"
+
+namespace velmo {
+
+namespace {
+
+const char* plural(Int4 n) { return n == 1 ? "" : "s"; }
+
+// Calls one(obs, value, selected) for the run's observations in order, with values computed by blocks where possible.
+// `selected` false: the value isn't set. Stops when one returns nonzero.
+template <class F> Int4 overrun(Int4 written, F one) {
+    Double values[blocksize];
+    UByte mask[blocksize];
+    boolean blocks = exp_blockable(eqexp, written) && (!ifgiven || exp_blockable(ifexp, written));
+    if (!blocks) {
+        for (Int4 obs = firstobs; obs <= lastobs; obs++) {
+            boolean selected = exp_iftest(obs);
+            if (Int4 rc = one(obs, selected ? exp_getnum(eqexp, obs) : 0, selected)) return rc;
+            if (tick()) return 1;
+        }
+        return 0;
+    }
+    for (Int4 first = firstobs; first <= lastobs; first += blocksize) {
+        Int4 n = std::min(blocksize, lastobs - first + 1);
+        exp_ifblock(first, n, mask);
+        if (std::memchr(mask, 1, std::size_t(n))) exp_getblock(eqexp, first, n, values);
+        for (Int4 i = 0; i < n; i++)
+            if (Int4 rc = one(first + i, values[i], mask[i])) return rc;
+        if (lastobs - first < blocksize) break;
+        if (tick()) return 1;
+    }
+    return 0;
+}
+
+Int4 generated = 0;      // missing values made, over all groups
+
+Int4 fillnumeric(Int4 var) {
+    column cells(var);
+    return overrun(0, [&](Int4 obs, Double v, boolean selected) {
+        if (!selected || v >= missing) {
+            v = missing;
+            generated++;
+        }
+        cells.put(obs, v);
+        return 0;
+    });
+}
+
+Int4 fillstring(Int4 var) {
+    char text[strbufsize];
+    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
+        Int4 n = exp_iftest(obs) ? exp_getstr(eqexp, obs, text) : 0;
+        if (n == 0) generated++;
+        putstr(var, obs, {text, std::size_t(n)});
+        if (tick()) return 1;
+    }
+    return 0;
+}
+
+// Outside the range everything is missing, and counts.
+void fillrest(Int4 var) {
+    auto clear = [var](Int4 from, Int4 to) {
+        for (Int4 obs = from; obs <= to; obs++) clearcell(var, obs);
+        if (to >= from) generated += to - from + 1;
+    };
+    clear(1, firstobs - 1);
+    clear(lastobs + 1, nobs);
+}
+
+}  // namespace
+
+// generate [type] newvar[:lbl] = exp [if] [in]
+Int4 cmd_generate() {
+    p_existing = 0;
+    p_exp = 1;
+    p_exptype = mode_any;
+    p_options = 3;
+    if (Int4 rc = stdparse()) return rc;
+    if (vl_n != 1) return error(vl_n ? 103 : 102);
+    Int4 var = vl_vr[0];
+    if (isstring(var) != (eqexp.restype == exp_string)) return error(109);
+    if (bymode <= 1) {
+        generated = 0;
+        fillrest(var);
+    }
+    if (Int4 rc = isstring(var) ? fillstring(var) : fillnumeric(var)) return rc;
+    visnvar = nvar;
+    markchanged(var);
+    if (generated && (!bymode || bylastgroup)) notef("(%d missing value%s generated)\n", generated, plural(generated));
+    return 0;
+}
+
+namespace {
+
+// The counters of a replace, kept over by-groups.
+struct replacecounts { Int4 real, tomissing, truncated, lost; UByte oldtype; Int4 rc; };
+replacecounts counts;
+
+// Makes the variable wide enough for a value; a failure turns promotion off and is remembered.
+boolean promoted(Int4 var, UByte wanted, boolean& promote) {
+    if (wanted == typ[var - 1]) return false;
+    if (Int4 rc = changetype(var, wanted)) {
+        promote = false;
+        counts.rc = rc == 1 ? 1 : 903;
+        return false;
+    }
+    return true;
+}
+
+Int4 replacenumeric(Int4 var, boolean promote) {
+    column cells(var);
+    return overrun(var, [&](Int4 obs, Double v, boolean selected) {
+        if (!selected) return 0;
+        if (v >= missing) v = missing;
+        UByte* p = cells.at(obs);
+        if (readcell(p, cells.type) == v) return 0;
+        if (promote && cells.type < typefloat && promoted(var, typeneeded(cells.type, v), promote)) {
+            cells = column(var);
+            p = cells.at(obs);
+        }
+        writecell(p, cells.type, v);
+        counts.real++;
+        if (v == missing) counts.tomissing++;
+        if (cells.type >= typefloat) return 0;
+        Double stored = readcell(p, cells.type);
+        if (stored != v) (stored == missing ? counts.lost : counts.truncated)++;
+        return 0;
+    });
+}
+
+Int4 replacestring(Int4 var, boolean promote) {
+    char text[strbufsize];
+    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
+        if (tick()) return 1;
+        if (!exp_iftest(obs)) continue;
+        std::string_view value(text, std::size_t(exp_getstr(eqexp, obs, text)));
+        if (strcell(var, obs) == value) continue;
+        if (promote && value.size() > typ[var - 1]) {
+            promoted(var, UByte(std::min<std::size_t>(value.size(), maxstrtype)), promote);
+            if (value.size() > maxstrtype) promote = false;
+        }
+        putstr(var, obs, value);
+        counts.real++;
+        if (value.size() > typ[var - 1]) counts.truncated++;
+    }
+    return 0;
+}
+
+void replacereport(Int4 var) {
+    char was[8], now[8];
+    if (counts.oldtype != typ[var - 1])
+        notef("%s was %s now %s\n", varlist[var - 1], typename_of(counts.oldtype, was), typename_of(typ[var - 1], now));
+    if (bymode && !bylastgroup) return;
+    std::string line = "(" + std::to_string(counts.real) + " real change" + plural(counts.real) + " made";
+    if (counts.tomissing) line += ", " + std::to_string(counts.tomissing) + " to missing";
+    notef("%s)\n", line.c_str());
+    if (counts.truncated) notef("(%d value%s truncated due to storage type)\n", counts.truncated, plural(counts.truncated));
+    if (counts.lost) notef("(%d value%s changed to missing due to storage type)\n", counts.lost, plural(counts.lost));
+}
+
+}  // namespace
+
+// replace varname = exp [if] [in] [, nopromote]
+Int4 cmd_replace() {
+    p_varlist = 1;
+    p_exp = 1;
+    p_exptype = mode_any;
+    if (Int4 rc = stdparse()) return rc;
+    if (vl_n != 1) return error(103);
+    boolean promote = getopt_noflag("promote", 1, version >= 320);
+    if (Int4 rc = getopt_done()) return rc;
+    Int4 var = vl_vr[0];
+    if (isstring(var) != (eqexp.restype == exp_string)) return error(109);
+    if (bymode <= 1) counts = {};
+    counts.oldtype = typ[var - 1];
+    Int4 before = counts.real;
+    Int4 rc = isstring(var) ? replacestring(var, promote) : replacenumeric(var, promote);
+    if (counts.real > before) {
+        setsortnone(vl_vr, 1);
+        markchanged(var);
+    }
+    if (rc) return rc;
+    replacereport(var);
+    return counts.rc ? error(counts.rc) : 0;
+}
+
+}  // namespace velmo

@@ -1,0 +1,207 @@
+// Commands that choose observations: drop and keep (and of variables), expand, count, assert, sort.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+#include "base/memalloc.h"
+#include "base/poll.h"
+#include "base/saved.h"
+#include "data/cells.h"
+#include "data/run.h"
+#include "data/sorting.h"
+#include "expr/evaluate.h"
+#include "language/stdparse.h"
+#include "matrix/results.h"
+#include "output/errors.h"
+#include "output/print.h"
+
+namespace velmo {
+
+namespace {
+
+const char* plural(Int4 n) { return n == 1 ? "" : "s"; }
+
+// Calls block(first, n, mask) for the run in pieces of up to 256 observations.
+template <class F> Int4 overblocks(F block) {
+    UByte mask[blocksize];
+    for (Int4 first = firstobs; first <= lastobs; first += blocksize) {
+        Int4 n = std::min(blocksize, lastobs - first + 1);
+        exp_ifblock(first, n, mask);
+        block(first, n, mask);
+        if (tick()) return 1;
+        if (lastobs - first < blocksize) break;
+    }
+    return 0;
+}
+
+Int4 dropvariables(boolean keep) {
+    std::vector<UByte> marks(std::size_t(nvar), keep ? 1 : 0);
+    for (Int4 i = 0; i < vl_n; i++) marks[std::size_t(vl_vr[i] - 1)] = !keep;
+    if (Int4 rc = dropvars(marks.data())) return error(rc);
+    visnvar = nvar;
+    return 0;
+}
+
+Int4 dropobservations(boolean keep) {
+    if (nobs == 0) return notef("(0 observations deleted)\n");
+    workspace work{std::size_t(nobs)};
+    UByte* flags = work.get<UByte>();
+    if (!flags) return error(909);
+    std::memset(flags, keep ? 1 : 0, std::size_t(nobs));
+    Int4 rc = overblocks([&](Int4 first, Int4 n, const UByte* mask) {
+        for (Int4 i = 0; i < n; i++) flags[first - 1 + i] = mask[i] != keep;
+    });
+    if (rc) return rc;
+    Int4 kept = Int4(std::count(flags, flags + nobs, 0));
+    Int4 gone = nobs - kept;
+    if (gone) {
+        dropobs(flags, kept);
+        datachanged = 1;
+    }
+    notef("(%d observation%s deleted)\n", gone, plural(gone));
+    return 0;
+}
+
+// drop and keep share their form: a varlist, or if and in.
+Int4 dropkeep(boolean keep) {
+    tokenpos start;
+    savetokpos(&start);
+    boolean all = std::string_view(nexttoken(breakvarlist)) == "_all" && tokpeeknonblank() == 0;
+    restoretokpos(&start);
+    if (all && !keep) {
+        if (bymode) return error(190);
+        cleardata(true);
+        return 0;
+    }
+    p_options = 3;
+    if (Int4 rc = stdparse()) return rc;
+    if (!vl_given && !ifgiven && !ingiven) return required("varlist or in range");
+    if (!vl_given) return dropobservations(keep);
+    return ifgiven || ingiven ? error(198) : dropvariables(keep);
+}
+
+}  // namespace
+
+Int4 cmd_drop() { return dropkeep(false); }
+Int4 cmd_keep() { return dropkeep(true); }
+
+namespace {
+
+// Appends `copies` copies of an observation.
+Int4 copyobservation(Int4 obs, Int4 copies) {
+    Int4 sample = findvar("(e)");
+    for (Int4 k = 0; k < copies; k++) {
+        if (nobs + 1 >= maxobs)
+            if (Int4 rc = addobsroom(1)) return error(rc);
+        touchptrs(nobs + 2);
+        std::memcpy(rowptr(nobs + 1), rowptr(obs), std::size_t(width));
+        nobs++;
+        if (sample) putobs(sample, nobs, 0);
+        if (tick()) return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+// expand [=]exp [if] [in]: copies behind the data, one fewer than the value.
+Int4 cmd_expand() {
+    p_varlist = 3;
+    p_exp = 1;
+    p_noeq = 1;
+    p_options = 3;
+    if (Int4 rc = stdparse()) return rc;
+    Int4 before = nobs, rc = 0;
+    // The run's end was fixed when the command was parsed: the copies don't take part.
+    for (Int4 obs = firstobs; obs <= lastobs && !rc; obs++) {
+        if (!exp_iftest(obs)) continue;
+        Double v = exp_getnum(eqexp, obs);
+        if (v == missing || v < 2) continue;
+        rc = copyobservation(obs, v > 2147483647.0 ? 2147483646 : Int4(v) - 1);
+    }
+    Int4 created = nobs - before;
+    if (created) {
+        srt[0] = 0;
+        datachanged = 1;
+    }
+    if (rc) return rc;
+    notef("(%d observation%s created)\n", created, plural(created));
+    return 0;
+}
+
+Int4 cmd_count() {
+    p_options = 3;
+    if (Int4 rc = parseif()) return rc;
+    Int4 n = 0;
+    Int4 rc = overblocks([&](Int4, Int4 count, const UByte* mask) { n += Int4(std::count(mask, mask + count, 1)); });
+    if (rc) return rc;
+    rclear();
+    rstore("N", n);
+    prtf("%5d", n);
+    return bymode ? breakpending : prtnl();
+}
+
+namespace {
+
+Int4 tested = 0, contradicted = 0;     // over all groups
+
+Int4 assertblock(Int4 first, Int4 n, const UByte* mask) {
+    Double values[blocksize];
+    boolean blocks = exp_blockable(eqexp, 0);
+    if (blocks) exp_getblock(eqexp, first, n, values);
+    for (Int4 i = 0; i < n; i++) {
+        if (!mask[i]) continue;
+        tested++;
+        if ((blocks ? values[i] : exp_getnum(eqexp, first + i)) == 0) contradicted++;
+    }
+    return 0;
+}
+
+}  // namespace
+
+// assert exp [if] [in] [, rc0]
+Int4 cmd_assert() {
+    p_varlist = 3;
+    p_exp = 1;
+    p_noeq = 1;
+    if (Int4 rc = stdparse()) return rc;
+    boolean forgive = getopt_flag("rc0", 1);
+    if (Int4 rc = getopt_done()) return rc;
+    if (bymode <= 1) tested = contradicted = 0;
+    if (Int4 rc = overblocks([](Int4 first, Int4 n, const UByte* mask) { assertblock(first, n, mask); })) return rc;
+    if (bymode && !bylastgroup) return 0;
+    if (tested == 0) notef("(null assertion)\n");
+    if (contradicted == 0) return 0;
+    if (quietlevel < 3) {
+        notef("%d contradiction%s in %d %s\n", contradicted, plural(contradicted), tested,
+              bymode ? "by-groups" : "observations");
+        errorf(9, "assertion is false\n");
+    }
+    return forgive ? 0 : 9;
+}
+
+// sort varlist [in range] [, index(varname)]
+Int4 cmd_sort() {
+    p_varlist = 1;
+    p_if = 3;
+    p_byok = 3;
+    if (Int4 rc = stdparse()) return rc;
+    std::vector<Int4> index;
+    boolean indexed;
+    if (Int4 rc = getopt_vars("index", 5, index, indexed)) return rc;
+    if (Int4 rc = getopt_done()) return rc;
+    if (!indexed) {
+        Int4 rc = sortdata(firstobs, lastobs, vl_vr, vl_n);
+        return rc > 1 ? error(rc) : rc;
+    }
+    if (index.size() != 1) return error(198);
+    if (typ[index[0] - 1] != typelong) return 0;
+    if (Int4 rc = orderbyindex(index[0])) return rc > 1 ? error(rc) : rc;
+    std::vector<Int4> keys(vl_vr, vl_vr + vl_n);
+    keys.push_back(index[0]);
+    Int4 rc = sortdata(1, nobs, keys.data(), Int4(keys.size()));
+    if (srt[0]) srt[vl_n] = 0;
+    return rc > 1 ? error(rc) : rc;
+}
+
+}  // namespace velmo

@@ -1,0 +1,281 @@
+// display: a list of directives, literals and expressions, read token by token through a table.
+#include <string>
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "core/keywords.h"
+#include "core/macros.h"
+#include "core/upcalls.h"
+#include "data/dataset.h"
+#include "data/run.h"
+#include "expr/compile.h"
+#include "expr/evaluate.h"
+#include "language/stdparse.h"
+#include "output/errors.h"
+#include "output/formats.h"
+#include "output/print.h"
+#include "output/results.h"
+
+namespace velmo {
+
+namespace {
+
+enum printmode : Int4 { print_plain, print_styled, print_vtml };
+enum word : Int4 {
+    w_style, w_continue, w_page, w_skip, w_char, w_column, w_dup, w_newline, w_quote, w_request, w_asis
+};
+
+constexpr keyword words[] = {
+    {"in", 0, w_style},          {"as", 0, w_style},      {"_continue", 2, w_continue}, {"_page", 3, w_page},
+    {"_skip", 2, w_skip},        {"_char", 0, w_char},    {"_column", 3, w_column},     {"_dup", 3, w_dup},
+    {"_newline", 2, w_newline},  {"_quote", 0, w_quote},  {"_request", 2, w_request},   {"_asis", 0, w_asis},
+};
+
+// Colours by outlevel; 9 is the markup mode.
+constexpr Int4 style_markup = 9;
+constexpr keyword styles[] = {
+    {"yellow", 0, 0}, {"y", 0, 0},     {"result", 0, 0},  {"res", 0, 0},  {"green", 0, 1},   {"g", 0, 1},
+    {"text", 0, 1},   {"txt", 0, 1},   {"blue", 0, 1},    {"b", 0, 1},    {"red", 0, 3},     {"r", 0, 3},
+    {"error", 0, 3},  {"err", 0, 3},   {"white", 0, 4},   {"w", 0, 4},    {"command", 0, 4}, {"com", 0, 4},
+    {"input", 0, 4},  {"inp", 0, 4},   {"vtml", 0, 9},    {"v", 0, 9},
+};
+
+// What display keeps while it walks its list.
+struct displaystate {
+    Int4 mode;
+    Int4 dup = 1;             // repeat count of the next item
+    Int4 column = 1;          // tracked for _column in plain mode
+    boolean colourchosen = false;
+    boolean newline = true;   // at the end of the command
+    char format[fmtsize];
+    boolean formatgiven = false;
+};
+
+Int4 putitem(displaystate& s, std::string_view text) {
+    s.column += Int4(text.size());
+    if (s.mode == print_plain) return prt(text);
+    if (s.mode == print_styled) prtcolour();
+    return prtraw(text);
+}
+
+Int4 putrepeated(displaystate& s, std::string_view text) {
+    Int4 n = s.dup;
+    s.dup = 1;
+    s.formatgiven = false;
+    for (Int4 i = 0; i < n; i++)
+        if (Int4 rc = putitem(s, text)) return rc;
+    return 0;
+}
+
+Int4 putblanks(displaystate& s, Int4 n) {
+    s.column += n;
+    return n > 0 ? prtblanks(n) : breakpending;
+}
+
+// A string by the string rule: a format that isn't one for strings is ignored.
+Int4 putstring(displaystate& s, std::string_view text) {
+    if (s.formatgiven && chkfmt(s.format, 12) == 0) {
+        Int4 n = fmtstr(s.format, text, false);
+        std::string padded(dbuf, std::size_t(n));
+        return putrepeated(s, padded);
+    }
+    return putrepeated(s, text);
+}
+
+Int4 putnumber(displaystate& s, Double value) {
+    boolean own = s.formatgiven && chkfmt(s.format, 11) == 0;
+    fmtnum(own ? s.format : defaultfmt, value);
+    std::string text(own ? std::string_view(dbuf) : trimmed(dbuf));
+    return putrepeated(s, text);
+}
+
+// Compiles the text between begin and end as a number and gives its value.
+Int4 evaluatespan(char* begin, char* end, Double& value) {
+    char behind = *end;
+    *end = 0;
+    onexit restore([&] { *end = behind; });
+    settokpos(begin);
+    exp_reset();
+    if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
+    value = exp_getnum(eqexp, 1);
+    return tokpeeknonblank() ? error(198) : 0;
+}
+
+// (#), or `otherwise` without parentheses. Numbers must be below 401.
+Int4 countargument(Int4& value, Int4 otherwise) {
+    value = otherwise;
+    if (tokpeek() != '(') return 0;
+    char *begin, *end;
+    if (!parenthesized(&begin, &end)) return error(198);
+    char* behind = tokpos;
+    Double v;
+    if (Int4 rc = evaluatespan(begin, end, v)) return rc;
+    settokpos(behind);
+    if (!(v < 401)) return error(198);
+    value = v < -2147483000.0 ? -2147483000 : Int4(v);
+    return 0;
+}
+
+Int4 takestyle(displaystate& s) {
+    Int4 style = lookup(styles, nexttoken());
+    if (style < 0) return error(198);
+    if (style == style_markup) {
+        s.mode = s.colourchosen ? print_styled : print_vtml;
+        return 0;
+    }
+    s.colourchosen = true;
+    outlevel = UByte(style);
+    if (s.mode == print_vtml) s.mode = print_styled;
+    return 0;
+}
+
+Int4 takeskip(displaystate& s) {
+    Int4 n;
+    if (Int4 rc = countargument(n, 1)) return rc;
+    n = n < 0 ? 0 : n * s.dup;
+    s.dup = 1;
+    return putblanks(s, n);
+}
+
+Int4 takechar(displaystate& s) {
+    Int4 code;
+    if (Int4 rc = countargument(code, 0)) return rc;
+    if (code < 1 || code > 255) return error(198);
+    char c = char(code);
+    Int4 n = s.dup;
+    s.dup = 1;
+    s.column += n;
+    if (s.mode != print_vtml) prtcolour();
+    for (Int4 i = 0; i < n; i++)
+        if (Int4 rc = prtquiet({&c, 1})) return rc;
+    return 0;
+}
+
+Int4 takecolumn(displaystate& s) {
+    Int4 column;
+    if (Int4 rc = countargument(column, 1)) return rc;
+    if (column < -999999) return error(198);
+    if (column < 0) column = 0;
+    if (s.mode != print_plain) return prtrawf("{col %d}", column);
+    return column > s.column ? putblanks(s, column - s.column) : 0;
+}
+
+Int4 takedup(displaystate& s) {
+    Int4 n;
+    if (Int4 rc = countargument(n, 1)) return rc;
+    if (n < 0) return error(198);
+    s.dup = s.dup > 100000 ? s.dup : s.dup * n;
+    return 0;
+}
+
+Int4 takenewline(displaystate& s) {
+    Int4 n;
+    if (Int4 rc = countargument(n, 1)) return rc;
+    n *= s.dup;
+    s.dup = 1;
+    s.column = 1;
+    for (Int4 i = 0; i < n; i++)
+        if (Int4 rc = prtnl()) return rc;
+    return 0;
+}
+
+// _request(name): a typed line into a macro.
+Int4 takerequest() {
+    char *begin, *end;
+    if (!parenthesized(&begin, &end)) return error(198);
+    std::string name(trimmed({begin, std::size_t(end - begin)}));
+    if (!validname(name)) return badname(name);
+    if (batchmode) {
+        macroclear(name);
+        return error(8002);
+    }
+    prtflush();
+    std::string line(std::size_t(macrolen), 0);
+    Int4 n = typedline(line.data(), macrolen);
+    if (n >= 0) prtraw("\n");
+    return macroset(name, {line.data(), std::size_t(n < 0 ? 0 : n)});
+}
+
+Int4 takeword(displaystate& s, Int4 word) {
+    switch (word) {
+    case w_style: return takestyle(s);
+    case w_continue: s.newline = false; return 0;
+    case w_page: return prtraw("\f");
+    case w_skip: return takeskip(s);
+    case w_char: return takechar(s);
+    case w_column: return takecolumn(s);
+    case w_dup: return takedup(s);
+    case w_newline: return takenewline(s);
+    case w_quote: return putrepeated(s, "\"");
+    case w_request: return takerequest();
+    default: s.mode = print_plain; return 0;
+    }
+}
+
+// A format: the token up to the next blank.
+Int4 takeformat(displaystate& s) {
+    char* begin = tokfirst();
+    std::string_view rest = begin;
+    std::string_view text = rest.substr(0, rest.find(' '));
+    settokpos(begin + text.size());
+    if (text.size() >= fmtsize || chkfmt(text, 13)) return error(120);
+    copytext(s.format, fmtsize, text);
+    s.formatgiven = true;
+    return 0;
+}
+
+// A literal, taken from the line itself so that its length has no limit.
+Int4 takeliteral(displaystate& s) {
+    char* begin = tokfirst();
+    boolean compound = *begin == '`';
+    char* p = begin += compound ? 2 : 1;
+    Int4 level = 1;
+    for (; *p; p++) {
+        if (!compound && *p == '"') break;
+        if (compound && p[0] == '`' && p[1] == '"') level++;
+        if (compound && p[0] == '"' && p[1] == '\'' && --level == 0) break;
+    }
+    settokpos(*p ? p + (compound ? 2 : 1) : p);
+    return putstring(s, {begin, std::size_t(p - begin)});
+}
+
+Int4 takeexpression(displaystate& s) {
+    if (std::string_view(tokbuf) != "=") ungettoken();
+    exp_reset();
+    if (Int4 rc = exp_compile(eqexp, mode_any)) return rc;
+    if (eqexp.restype == exp_numeric) return putnumber(s, exp_getnum(eqexp, 1));
+    char text[strbufsize];
+    Int4 n = exp_getstr(eqexp, 1, text);
+    return putstring(s, {text, std::size_t(n)});
+}
+
+Int4 takeitem(displaystate& s) {
+    if (isquoted()) return takeliteral(s);
+    Int4 word = lookup(words, tokbuf);
+    if (word >= 0) return takeword(s, word);
+    if (tokbuf[0] == '%') return takeformat(s);
+    if (tokbuf[0] != ',') return takeexpression(s);
+    if (tokpeek() == ',') {
+        nexttoken();
+        return 0;
+    }
+    return putblanks(s, 1);
+}
+
+}  // namespace
+
+Int4 cmd_display() {
+    if (bymode) return error(190);
+    saved level(outlevel, UByte(0));
+    saved quiet(quietlevel, version < 220 ? UByte(0) : quietlevel);
+    firstobs = groupfirst = 1;
+    lastobs = grouplast = nobs;
+    displaystate s{};
+    s.mode = version >= 700 ? print_vtml : print_plain;
+    s.dup = s.column = 1;
+    while (nexttoken()[0])
+        if (Int4 rc = takeitem(s)) return rc;
+    return s.newline ? prtnl() : breakpending;
+}
+
+}  // namespace velmo

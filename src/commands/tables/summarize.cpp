@@ -1,0 +1,484 @@
+// summarize: two passes over the data for up to eight variables side by side, each with its own compensated sum, so
+// that the order and correction of every sum are those of one variable alone.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <string>
+#include <vector>
+#include "base/memalloc.h"
+#include "base/poll.h"
+#include "commands/tables/tabletext.h"
+#include "data/cells.h"
+#include "data/labels.h"
+#include "data/run.h"
+#include "data/sorting.h"
+#include "data/timeseries.h"
+#include "expr/evaluate.h"
+#include "language/stdparse.h"
+#include "matrix/compadd.h"
+#include "matrix/results.h"
+#include "output/errors.h"
+#include "output/formats.h"
+#include "output/print.h"
+
+namespace velmo {
+
+namespace {
+
+constexpr Int4 lanes = 8;
+
+// What a pass leaves for one variable.
+struct moments {
+    Int4 count = 0;
+    compsum weights, sum, squares;
+    Double min = missing, max = -missing;
+    Double n = 0, w = 0, mean = missing, variance = missing, sd = missing;
+    Double m3 = 0, m4 = 0, skewness = missing, kurtosis = missing;
+};
+
+struct sumoptions { boolean detail, meanonly, format; };
+
+// A block of observations: the values of up to eight variables, row by row, with what doesn't count as missing.
+struct block {
+    Int4 first, n;
+    UByte mask[blocksize];
+    Double weight[blocksize];
+    Double x[blocksize][lanes];
+};
+
+// Which observations of a block count, and their weights.
+Int4 selectblock(block& b) {
+    exp_ifblock(b.first, b.n, b.mask);
+    if (!weighttype) return 0;
+    for (Int4 i = 0; i < b.n; i++) {
+        if (!b.mask[i]) continue;
+        boolean use;
+        if (Int4 rc = weightat(b.first + i, b.weight[i], use)) return rc;
+        b.mask[i] = use;
+    }
+    return 0;
+}
+
+// All variables plain doubles: one walk along the rows.
+boolean alldoubles(const Int4* entries, Int4 k) {
+    for (Int4 j = 0; j < k; j++)
+        if (entryop(entries[j]) || typ[entryvar(entries[j]) - 1] != typedouble) return false;
+    return true;
+}
+
+void fetchdoubles(block& b, const Int4* entries, Int4 k) {
+    std::size_t offset[lanes];
+    for (Int4 j = 0; j < k; j++) offset[j] = mapi[entryvar(entries[j]) - 1];
+    for (Int4 i = 0; i < b.n; i++) {
+        const UByte* row = rowptr(b.first + i);
+        for (Int4 j = 0; j < k; j++) b.x[i][j] = readraw<Double>(row + offset[j]);
+    }
+}
+
+void fetchblock(block& b, const Int4* entries, Int4 k) {
+    if (alldoubles(entries, k)) {
+        fetchdoubles(b, entries, k);
+    } else {
+        Double values[blocksize];
+        for (Int4 j = 0; j < k; j++) {
+            Int4 var = entryvar(entries[j]);
+            if (entryop(entries[j]))
+                for (Int4 i = 0; i < b.n; i++) values[i] = varvalue(entries[j], b.first + i);
+            else if (isstring(var))
+                std::fill_n(values, b.n, missing);
+            else
+                getcolumn(var, b.first, b.n, values);
+            for (Int4 i = 0; i < b.n; i++) b.x[i][j] = values[i];
+        }
+    }
+    for (Int4 i = 0; i < b.n; i++)
+        if (!b.mask[i]) std::fill_n(b.x[i], lanes, missing);
+    for (Int4 i = 0; i < b.n && k < lanes; i++) std::fill(b.x[i] + k, b.x[i] + lanes, missing);
+}
+
+// Calls one(block) for the run's blocks.
+template <class F> Int4 overblocks(const Int4* entries, Int4 k, F one) {
+    static block b;
+    for (b.first = firstobs; b.first <= lastobs; b.first += blocksize) {
+        b.n = std::min(blocksize, lastobs - b.first + 1);
+        if (Int4 rc = selectblock(b)) return rc;
+        fetchblock(b, entries, k);
+        one(b);
+        if (tick()) return 1;
+        if (lastobs - b.first < blocksize) break;
+    }
+    return 0;
+}
+
+// ---- First pass.
+
+// Without weights: eight sums, counts and extremes at once. An observation that doesn't count adds 0, which changes
+// neither a sum nor its correction.
+void firstblock(const block& b, compsum8& sums, Double (&count)[lanes], Double (&low)[lanes], Double (&high)[lanes]) {
+    for (Int4 i = 0; i < b.n; i++) {
+        Double term[lanes];
+        for (Int4 j = 0; j < lanes; j++) {
+            Double x = b.x[i][j];
+            boolean counts = x != missing;
+            term[j] = counts ? x : 0.0;
+            count[j] += counts ? 1.0 : 0.0;
+            low[j] = x < low[j] ? x : low[j];
+            Double top = counts ? x : -missing;
+            high[j] = top > high[j] ? top : high[j];
+        }
+        compadd8(sums, term);
+    }
+}
+
+Int4 firstplain(const Int4* entries, Int4 k, moments* out) {
+    compsum8 sums{};
+    Double count[lanes] = {}, low[lanes], high[lanes];
+    std::fill_n(low, lanes, missing);
+    std::fill_n(high, lanes, -missing);
+    Int4 rc = overblocks(entries, k, [&](const block& b) { firstblock(b, sums, count, low, high); });
+    for (Int4 j = 0; j < k; j++) {
+        out[j].count = Int4(count[j]);
+        out[j].sum = {sums.s[j], sums.c[j]};
+        out[j].min = low[j];
+        out[j].max = high[j];
+    }
+    return rc;
+}
+
+Int4 firstweighted(const Int4* entries, Int4 k, moments* out) {
+    return overblocks(entries, k, [&](const block& b) {
+        for (Int4 j = 0; j < k; j++) {
+            moments& m = out[j];
+            for (Int4 i = 0; i < b.n; i++) {
+                Double x = b.x[i][j];
+                if (x == missing) continue;
+                m.count++;
+                compadd(m.weights, b.weight[i]);
+                compadd(m.sum, x * b.weight[i]);
+                if (x < m.min) m.min = x;
+                if (x > m.max) m.max = x;
+            }
+        }
+    });
+}
+
+void afterfirst(moments& m) {
+    m.w = weighttype ? total(m.weights) : m.count;
+    m.n = weighttype == weight_f ? std::floor(m.w + 0.5) : m.count;
+    if (m.count) m.mean = total(m.sum) / m.w;
+}
+
+// ---- Second pass.
+
+Int4 secondplain(const Int4* entries, Int4 k, moments* out) {
+    compsum8 squares{};
+    Double mean[lanes] = {};
+    for (Int4 j = 0; j < k; j++) mean[j] = out[j].mean;
+    Int4 rc = overblocks(entries, k, [&](const block& b) {
+        for (Int4 i = 0; i < b.n; i++) {
+            Double term[lanes];
+            for (Int4 j = 0; j < lanes; j++) {
+                Double x = b.x[i][j], d = x - mean[j];
+                term[j] = x != missing ? d * d : 0.0;
+            }
+            compadd8(squares, term);
+        }
+    });
+    for (Int4 j = 0; j < k; j++) out[j].squares = {squares.s[j], squares.c[j]};
+    return rc;
+}
+
+Int4 secondweighted(const Int4* entries, Int4 k, moments* out) {
+    return overblocks(entries, k, [&](const block& b) {
+        for (Int4 j = 0; j < k; j++)
+            for (Int4 i = 0; i < b.n; i++) {
+                Double x = b.x[i][j];
+                if (x != missing) compadd(out[j].squares, (x - out[j].mean) * (x - out[j].mean) * b.weight[i]);
+            }
+    });
+}
+
+void aftersecond(moments& m) {
+    if (m.n <= 1) return;
+    Double squares = total(m.squares);
+    m.variance = weighttype == weight_a ? (squares / m.w) * (m.n / (m.n - 1)) : squares / (m.w - 1);
+    m.sd = std::sqrt(m.variance);
+}
+
+// ---- The plain table.
+
+void storeplain(const moments& m, const sumoptions& o) {
+    rclear();
+    rstore("N", m.n);
+    rstore("sum_w", m.w);
+    if (o.meanonly || m.count == 0) {
+        rstore("sum", total(m.sum));
+        if (m.count == 0) return;
+        rstore("mean", m.mean);
+        rstore("min", m.min);
+        rstore("max", m.max);
+        return;
+    }
+    rstore("mean", m.mean);
+    rstore("Var", m.variance);
+    rstore("sd", m.sd);
+    rstore("min", m.min);
+    rstore("max", m.max);
+    rstore("sum", total(m.sum));
+}
+
+void plainheading() {
+    boolean weights = weighttype == weight_a;
+    tabmarkup(std::string("\n    Variable {c |}     Obs      ") + (weights ? "Weight      " : "") +
+              "  Mean   Std. Dev.       Min        Max\n{hline 13}{c +}{hline " + (weights ? "65}\n" : "53}\n"));
+}
+
+const char* numberformat(Int4 entry, const sumoptions& o, char (&out)[fmtsize]) {
+    if (!o.format || isstring(entryvar(entry))) return "%9.0g";
+    cutformat(fmt[entryvar(entry) - 1], "%9.0g", out);
+    return out;
+}
+
+Int4 plainline(Int4 entry, const moments& m, const sumoptions& o) {
+    tabstub(entryname(entry));
+    tabnumber("%8.0g", m.n);
+    if (weighttype == weight_a) {
+        tabtext(" ");
+        tabnumber("%11.4g", m.w);
+    }
+    if (m.count) {
+        char own[fmtsize];
+        const char* f = numberformat(entry, o, own);
+        tabtext("   ");
+        for (Double v : {m.mean, m.sd, m.min}) {
+            tabnumber(f, v);
+            tabtext("  ");
+        }
+        tabnumber(f, m.max);
+    }
+    return prtnl();
+}
+
+Int4 plainsummaries(const sumoptions& o) {
+    Int4 entries[lanes];
+    for (Int4 at = 0; at < vl_n; at += lanes) {
+        moments m[lanes];
+        Int4 k = std::min(lanes, vl_n - at);
+        for (Int4 j = 0; j < k; j++) entries[j] = at + j;
+        if (Int4 rc = (weighttype ? firstweighted : firstplain)(entries, k, m)) return rc;
+        for (Int4 j = 0; j < k; j++) afterfirst(m[j]);
+        if (!o.meanonly) {
+            if (Int4 rc = (weighttype ? secondweighted : secondplain)(entries, k, m)) return rc;
+            for (Int4 j = 0; j < k; j++) aftersecond(m[j]);
+        }
+        if (at == 0 && !o.meanonly) plainheading();
+        for (Int4 j = 0; j < k; j++) {
+            storeplain(m[j], o);
+            if (o.meanonly) continue;
+            if (Int4 rc = plainline(at + j, m[j], o)) return rc;
+        }
+    }
+    return 0;
+}
+
+// ---- detail
+
+constexpr Double percents[9] = {1, 5, 10, 25, 50, 75, 90, 95, 99};
+
+// The counted observations of one variable in order of its value.
+struct ordered {
+    Int4 entry, n;
+    const Int4* list;
+    Double value(Int4 i) const { return i >= 1 && i <= n ? varvalue(entry, list[i - 1]) : missing; }
+    Double weight(Int4 i) const {
+        Double w;
+        boolean use;
+        weightat(list[i - 1], w, use);
+        return w;
+    }
+};
+
+Double plainpercentile(const ordered& x, Double p) {
+    Double v = x.n * p, k = v / 100;
+    if (std::floor(k + 0.5) * 100 == v) return (x.value(Int4(k)) + x.value(Int4(k) + 1)) / 2;
+    return x.value(Int4(k) + 1);
+}
+
+// The cursor and the running weight persist from one percentile to the next.
+void weightedpercentiles(const ordered& x, Double w, Double (&out)[9]) {
+    Double cum = 0, prev = 0, eps = 1e-7 * 100 * w;
+    Int4 i = 0;
+    for (Int4 k = 0; k < 9; k++) {
+        Double target = w * percents[k];
+        while (cum * 100 < target && i < x.n) {
+            prev = cum;
+            cum += x.weight(++i);
+        }
+        Double candidate = x.value(i);
+        if (cum * 100 >= target + eps) {
+            if (target - eps < prev * 100 && i >= 2) candidate = (candidate + x.value(i - 1)) / 2;
+        } else if ((target - eps >= prev * 100 || cum * 100 == target) && i < x.n) {
+            candidate = (candidate + x.value(i + 1)) / 2;
+        }
+        out[k] = candidate;
+    }
+}
+
+// The first pass again, listing the observations that count.
+Int4 listcounted(Int4 entry, Int4* list, Int4 n) {
+    Int4 at = 0;
+    return overblocks(&entry, 1, [&](const block& b) {
+        for (Int4 i = 0; i < b.n && at < n; i++)
+            if (b.x[i][0] != missing) list[at++] = b.first + i;
+    });
+}
+
+Int4 highmoments(Int4 entry, moments& m) {
+    Int4 rc = overblocks(&entry, 1, [&](const block& b) {
+        for (Int4 i = 0; i < b.n; i++) {
+            if (b.x[i][0] == missing) continue;
+            Double w = weighttype ? b.weight[i] : 1, d = b.x[i][0] - m.mean;
+            compadd(m.squares, d * d * w);
+            m.m3 += (d * d * w) * d;
+            m.m4 += ((d * d * w) * d) * d;
+        }
+    });
+    Double m2 = total(m.squares) / m.w;
+    m.m3 /= m.w;
+    m.m4 /= m.w;
+    if (m.n > 1) {
+        m.variance = (m.n / (m.n - 1)) * m2;
+        m.sd = std::sqrt(m.variance);
+        if (m2 > 0) {
+            m.skewness = m.m3 / std::sqrt(m2 * m2 * m2);
+            m.kurtosis = m.m4 / (m2 * m2);
+        }
+    }
+    return rc;
+}
+
+void detailheading(Int4 entry) {
+    std::string label = getvarlabel(varlist[entryvar(entry) - 1]);
+    std::vector<std::string> lines;
+    if (entryop(entry)) lines.push_back(entryname(entry));
+    if (!label.empty() || !entryop(entry)) wordwrap(label.empty() ? varlist[entryvar(entry) - 1] : label, 50, lines);
+    prtnl();
+    for (const std::string& line : lines)
+        tabtext(std::string(std::size_t(std::max(0, (62 - Int4(line.size()) - 1) / 2)), ' ') + line + "\n");
+    tabmarkup("{hline 61}\n");
+}
+
+// One line of the table: label, percentile, its neighbour, and what continues the line.
+struct detailline { const char* label; Int4 percentile; Int4 extreme; const char* text; Int4 what; };
+enum detailvalue : Int4 { v_none, v_n, v_w, v_mean, v_sd, v_variance, v_skewness, v_kurtosis };
+constexpr detailline detaillines[] = {
+    {" 1%", 0, 0, "", v_none},
+    {" 5%", 1, 1, "", v_none},
+    {"10%", 2, 2, "       Obs         ", v_n},
+    {"25%", 3, 3, "       Sum of Wgt. ", v_w},
+    {"50%", 4, -1, "                Mean          ", v_mean},
+    {nullptr, -1, -1, "                        Largest       Std. Dev.     ", v_sd},
+    {"75%", 5, 4, "", v_none},
+    {"90%", 6, 5, "       Variance      ", v_variance},
+    {"95%", 7, 6, "       Skewness      ", v_skewness},
+    {"99%", 8, 7, "       Kurtosis      ", v_kurtosis},
+};
+
+Int4 detailtable(const moments& m, const Double (&p)[9], const Double (&extremes)[8], const char* f) {
+    const Double values[] = {0, m.n, m.w, m.mean, m.sd, m.variance, m.skewness, m.kurtosis};
+    tabtext("      Percentiles      Smallest\n");
+    for (const detailline& line : detaillines) {
+        if (line.label) {
+            tabtext(std::string(line.label) + "    ");
+            tabnumber(f, p[line.percentile]);
+            tabtext("      ");
+        }
+        if (line.extreme >= 0) tabnumber(f, extremes[line.extreme]);
+        if (line.text[0]) tabtext(line.text);
+        if (line.what) tabnumber(line.what <= v_w ? "%11.0g" : f, values[line.what]);
+        if (Int4 rc = prtnl()) return rc;
+        if (line.what == v_w) prtnl();
+    }
+    return 0;
+}
+
+void storedetail(const moments& m, const Double (&p)[9]) {
+    static constexpr const char* names[9] = {"p1", "p5", "p10", "p25", "p50", "p75", "p90", "p95", "p99"};
+    rclear();
+    rstore("N", m.n);
+    rstore("sum_w", m.w);
+    rstore("mean", m.mean);
+    rstore("Var", m.variance);
+    rstore("sd", m.sd);
+    rstore("skewness", m.skewness);
+    rstore("kurtosis", m.kurtosis);
+    rstore("sum", total(m.sum));
+    rstore("min", m.min);
+    rstore("max", m.max);
+    for (Int4 k = 0; k < 9; k++) rstore(names[k], p[k]);
+}
+
+// Sorts the list by the entry's value; an operator's values have no variable of their own to sort by.
+Int4 sortcounted(Int4 entry, Int4* list, Int4 n) {
+    if (!entryop(entry)) return sortlist(list, n, entryvar(entry));
+    std::vector<std::pair<Double, Int4>> pairs;
+    for (Int4 i = 0; i < n; i++) pairs.emplace_back(varvalue(entry, list[i]), list[i]);
+    std::sort(pairs.begin(), pairs.end());
+    for (Int4 i = 0; i < n; i++) list[i] = pairs[std::size_t(i)].second;
+    return 0;
+}
+
+Int4 detailone(Int4 entry, const sumoptions& o) {
+    moments m;
+    if (Int4 rc = (weighttype ? firstweighted : firstplain)(&entry, 1, &m)) return rc;
+    afterfirst(m);
+    detailheading(entry);
+    if (m.count == 0) {
+        storeplain(m, o);
+        error(2000);
+        return 2000;
+    }
+    workspace work(std::size_t(m.count) * sizeof(Int4));
+    Int4* list = work.get<Int4>();
+    if (!list) return error(909);
+    if (Int4 rc = listcounted(entry, list, m.count)) return rc;
+    if (Int4 rc = highmoments(entry, m)) return rc;
+    if (Int4 rc = sortcounted(entry, list, m.count)) return rc > 1 ? error(rc) : rc;
+    ordered x{entry, m.count, list};
+    Double p[9], extremes[8];
+    for (Int4 i = 0; i < 4; i++) {
+        extremes[i] = x.value(i + 1);
+        extremes[4 + i] = x.value(m.count - 3 + i);
+    }
+    if (weighttype)
+        weightedpercentiles(x, m.w, p);
+    else
+        for (Int4 k = 0; k < 9; k++) p[k] = plainpercentile(x, percents[k]);
+    storedetail(m, p);
+    char own[fmtsize];
+    return detailtable(m, p, extremes, numberformat(entry, o, own));
+}
+
+}  // namespace
+
+// summarize [varlist] [if] [in] [weight] [, detail meanonly format]
+Int4 cmd_summarize() {
+    p_weight = 0;
+    p_tsops = 0;
+    p_weightmask = weight_a | weight_f | weight_i;
+    if (Int4 rc = stdparse()) return rc;
+    sumoptions o{getopt_flag("detail", 1), false, getopt_flag("format", 1)};
+    if (!o.detail) o.meanonly = getopt_flag("meanonly", 4);
+    if (Int4 rc = getopt_done()) return rc;
+    rclear();
+    if (!o.detail) return plainsummaries(o);
+    Int4 last = 0;
+    for (Int4 i = 0; i < vl_n; i++) {
+        last = detailone(i, o);
+        if (last && last != 2000) return last;
+        if (last == 2000 && vl_n == 1) return last;
+    }
+    return last;
+}
+
+}  // namespace velmo

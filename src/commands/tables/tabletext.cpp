@@ -1,0 +1,55 @@
+#include "commands/tables/tabletext.h"
+#include "base/state.h"
+#include "base/text.h"
+#include "output/formats.h"
+#include "output/print.h"
+
+namespace velmo {
+
+void tabtext(std::string_view text) {
+    outlevel = 1;
+    prt(text);
+}
+
+void tabmarkup(std::string_view vtml) {
+    outlevel = 1;
+    prtcolour();
+    prtraw(vtml);
+}
+
+void tabnumber(const char* fmt, Double value) {
+    outlevel = 0;
+    prtnum(fmt, value);
+}
+
+void tabresult(std::string_view text) {
+    outlevel = 0;
+    prt(text);
+}
+
+void tabstub(std::string_view name) {
+    char shown[64];
+    abbrevname(shown, sizeof shown, name, 12);
+    std::string_view text = shown;
+    tabtext(std::string(text.size() < 12 ? 12 - text.size() : 0, ' ') + std::string(text) + " ");
+    tabmarkup("{c |}");
+}
+
+void wordwrap(std::string_view text, Int4 width, std::vector<std::string>& lines) {
+    std::size_t limit = std::size_t(width);
+    for (text = trimmed(text); text.size() > limit; text = ltrimmed(text)) {
+        std::size_t cut = text.rfind(' ', limit);
+        if (cut == std::string_view::npos || cut == 0) cut = limit;
+        lines.emplace_back(rtrimmed(text.substr(0, cut)));
+        text.remove_prefix(cut);
+    }
+    if (!text.empty()) lines.emplace_back(text);
+}
+
+std::string commatext(std::int64_t n) {
+    std::string digits = std::to_string(n);
+    for (Int4 at = Int4(digits.size()) - 3; at > (n < 0 ? 1 : 0); at -= 3) digits.insert(std::size_t(at), ",");
+    return digits;
+}
+
+}  // namespace velmo

@@ -1,0 +1,29 @@
+// The program on a console.
+#include <cstdio>
+#include <string_view>
+#include "console/terminal.h"
+#include "output/results.h"
+#include "session/session.h"
+
+namespace {
+
+constexpr const char* usage =
+    "velmo [switches] [command]\n"
+    "  -q   no logo and no notes          -m#  memory, # megabytes     -d#  matsize\n"
+    "  -b   batch: run command and leave  -k#  memory, # kilobytes     -v#  maxvar\n"
+    "  -s   batch, log in markup form     -e   batch without a signal at the end\n"
+    "Switches may be written /q and so on. Without a command, lines are read from standard input.\n";
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "--help") return std::fputs(usage, stdout) < 0;
+    if (argc > 1 && std::string_view(argv[1]) == "--version") return std::puts("Velmo 7.0") < 0;
+    if (!velmo::results_open()) return 1;
+    velmo::terminal_attach();
+    if (velmo::session_init(argc, argv) < 0) {
+        velmo::results_close();
+        return 1;
+    }
+    return velmo::session_main();
+}

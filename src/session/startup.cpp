@@ -1,0 +1,310 @@
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+#include "base/platform.h"
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "core/adopath.h"
+#include "core/macros.h"
+#include "core/objects.h"
+#include "core/prefs.h"
+#include "core/rectangle.h"
+#include "core/tempfiles.h"
+#include "core/upcalls.h"
+#include "core/webfile.h"
+#include "language/dofile.h"
+#include "language/review.h"
+#include "language/stdparse.h"
+#include "language/turn.h"
+#include "output/errors.h"
+#include "output/formats.h"
+#include "output/logs.h"
+#include "output/print.h"
+#include "output/results.h"
+#include "session/session.h"
+
+namespace velmo {
+
+char startcmd[1000];
+UByte noconsole = 0;
+Int4 exitstatus = 0;
+UByte shuttingdown = 0;
+
+namespace {
+
+// How far the start got.
+enum startstage { stage_none, stage_results, stage_log, stage_memory, stage_files };
+startstage stage = stage_none;
+boolean nologo = false;
+boolean vtmllog = false;
+
+// ---- What goes wrong before anything can print: up to four lines, shown together.
+
+const char* collected[4];
+Int4 ncollected = 0;
+
+void collect(const char* line) {
+    if (ncollected < 4) collected[ncollected++] = line;
+}
+
+Int4 failedstart(const char* line) {
+    if (line) collect(line);
+    for (Int4 i = 0; i < ncollected; i++) std::fprintf(stderr, "%s\n", collected[i]);
+    exitstatus = 1;
+    return -1;
+}
+
+// ---- Switches.
+
+void setbatch(Int4 level) {
+    if (batchmode < level) batchmode = level;
+    noconsole = 1;
+}
+
+// One switch: its letter and what stands behind it. False when it is none or out of bounds.
+boolean takeswitch(char letter, std::string_view value) {
+    Int4 n = 0;
+    boolean number = letter == 'm' || letter == 'k' || letter == 'd' || letter == 'v' || letter == 'o';
+    if (number ? !readinteger(value, n) : !value.empty()) return false;
+    switch (letter) {
+    case 'b':
+    case 'e': setbatch(1); return true;
+    case 's':
+        setbatch(1);
+        vtmllog = true;
+        return true;
+    case 'q': nologo = true; return true;
+    case 'm':
+        memory = std::uint64_t(n) << 20;
+        return n >= 1;
+    case 'k':
+        memory = std::uint64_t(n) << 10;
+        return n >= 10;
+    case 'd': matsize = n; return n >= 10 && n < 11001;
+    case 'v':
+        if (n < 2048 || n >= 32768) return false;
+        setlengths(n);
+        return true;
+    case 'o': return true;
+    default: return false;
+    }
+}
+
+// A path such as /tmp/x.do is no switch: a switch is one letter and at most a number.
+boolean isswitch(const char* word) {
+    if (word[0] == '-') return word[1] != 0;
+    return word[0] == '/' && std::strchr(word + 1, '/') == nullptr;
+}
+
+boolean switches(Int4 argc, char** argv, Int4& next) {
+    for (next = 1; next < argc && isswitch(argv[next]); next++)
+        if (!takeswitch(lowerchar(argv[next][1]), argv[next][1] ? argv[next] + 2 : "")) return false;
+    if (batchmode && nologo) batchmode = 2;
+    return true;
+}
+
+void assemble(std::span<char*> words) {
+    std::string text;
+    for (const char* word : words) text += std::string(word) + " ";
+    copytext(startcmd, sizeof startcmd, text);
+}
+
+void storedsizes() {
+    std::int64_t v;
+    if (prefs_getint("mem_xe_w", "matsize", v) && v >= 10 && v <= 11000) matsize = Int4(v);
+    if (prefs_getint("mem_xe_w", "maxvar", v) && v >= 2048 && v <= 32767) setlengths(Int4(v));
+    if (prefs_getint("mem_xe_w", "memory", v) && v > 0) memory = std::uint64_t(v);
+    std::string more;
+    if (prefs_get("set_w", "more", more)) more_on = more != "off" && more != "0";
+}
+
+// The log of a batch run is named after the do-file of the start-up command.
+std::string batchlogname() {
+    const char* suffix = vtmllog ? ".vtml" : ".log";
+    std::string text = startcmd, stem = "velmo";
+    saved buffer(cmdbuf, text.data());
+    settokpos(cmdbuf);
+    std::string_view word = nexttoken();
+    if (word == "do" || word == "run") {
+        stem = std::string_view(nexttoken(breakfile)).substr(isquoted() ? 1 : 0, 255);
+        std::size_t slash = stem.rfind('/');
+        if (slash != std::string::npos) stem = stem.substr(slash + 1);
+        stem = stem.substr(0, stem.find('.'));
+    }
+    return stem + suffix;
+}
+
+boolean openbatchlog(std::string& failure) {
+    std::string name = batchlogname();
+    if (trimmed(startcmd).empty()) {
+        failure = "/b specified with no command";
+        return false;
+    }
+    failure = "unable to open `" + name + "'";
+    return batchlog_open(name.c_str(), vtmllog);
+}
+
+// ---- Banner, notes, macros.
+
+void logo() {
+    saved level(outlevel, UByte(0));
+    prtraw("\n{res}Velmo{txt} 7.0   {hline 2} Midscale, for the console\n");
+    prtraw("{txt}Statistics and data management\n");
+}
+
+void notes() {
+    saved level(outlevel, UByte(1));
+    Int4 n = 0;
+    prt("\nNotes:\n");
+    auto note = [&n](const char* text) { prtf("     %2d.  %s\n", ++n, text); };
+    char line[120];
+    std::snprintf(line, sizeof line, "(/m# option or -set memory-) %.2f MB allocated to data", Double(memory) / 1048576);
+    note(line);
+    std::snprintf(line, sizeof line, "(/v# option or -set maxvar-) %d maximum variables", maxvar);
+    note(line);
+    if (batchmode) note("Velmo running in batch mode");
+}
+
+void systemmacros() {
+    static constexpr const char* pairs[][2] = {
+        {"S_level", "95"},      {"S_MACH", "PC"}, {"S_OS", "Unix"},      {"S_FLAVOR", "Midscale"}, {"S_VelmoXE", "XE"},
+        {"F1", "help "},        {"F2", "#review;"}, {"F3", "describe;"}, {"F7", "save "},          {"F8", "use "},
+    };
+    for (const auto& pair : pairs) macroset(pair[0], pair[1]);
+    std::string path = environmenttext("S_ADO");
+    macroset("S_ADO", path.empty() ? defaultadopath : path);
+    adopath_init();
+}
+
+// The sizes asked for could not be had, and the start went on with the defaults.
+void memorynote() {
+    if (!memory_fellback) return;
+    saved level(outlevel, UByte(1));
+    auto row = [](const char* name, std::uint64_t now, std::uint64_t asked) {
+        prtrawf("{p_end}\n    set %s %llu{col 45}%llu\n", name, static_cast<unsigned long long>(now),
+                static_cast<unsigned long long>(asked));
+    };
+    prtraw("\n{txt}{p 0 4}\nNote: Velmo has been initialized with{col 45}instead of\n");
+    row("memory", memory >> 10, asked_memory >> 10);
+    row("matsize", std::uint64_t(matsize), std::uint64_t(asked_matsize));
+    row("maxvar", std::uint64_t(maxvar), std::uint64_t(asked_maxvar));
+    prtraw("{p 0 4}\nbecause the operating system refused to provide\nsufficient memory for the requested amounts.\n{p_end}\n");
+    for (const char* key : {"memory", "matsize", "maxvar"}) {
+        std::string value;
+        if (prefs_get("mem_xe_w", key, value)) prtrawf("    set %s %s, permanent\n", key, value.c_str());
+    }
+}
+
+// ---- Profile and start-up command.
+
+boolean isplainfile(const std::string& name) {
+    fileinfo info = filestat(name.c_str());
+    return info.exists && !info.isdirectory;
+}
+
+// Current folder, PATH, installation, ado-path, beside the program; empty when there is none.
+std::string findprofile() {
+    const std::string name = "profile.do";
+    if (isplainfile(name)) return fullpath(name.c_str());
+    std::string path = environmenttext("PATH");
+    for (std::size_t at = 0; at < path.size();) {
+        std::size_t end = std::min(path.find(':', at), path.size());
+        std::string candidate = path.substr(at, end - at) + "/" + name;
+        if (isplainfile(candidate)) return candidate;
+        at = end + 1;
+    }
+    if (isplainfile(installdir + name)) return installdir + name;
+    if (pathsearch("profile", ".do", 1)) return usingname;
+    std::string program = programfile();
+    std::string beside = program.substr(0, program.rfind('/') + 1) + name;
+    return isplainfile(beside) ? beside : "";
+}
+
+void runline(std::string_view line) {
+    copytext(cmdbuf, std::size_t(conslen), line);
+    settokpos(cmdbuf);
+    docmd();
+}
+
+void runprofile() {
+    std::string profile = findprofile();
+    if (profile.empty()) return;
+    {
+        saved level(outlevel, UByte(1));
+        prtf("running %s ...\n", profile.c_str());
+    }
+    runline("run \"" + profile + "\"");
+}
+
+void runstartcmd() {
+    if (batchmode != 2) {
+        saved level(outlevel, UByte(4));
+        prt(std::string(". ") + startcmd + "\n");
+    }
+    runline(startcmd);
+    if (batchmode && lastrc) exitstatus = 1;
+}
+
+}  // namespace
+
+Int4 session_init(Int4 argc, char** argv) {
+    Int4 next;
+    prefs_load();
+    storedsizes();
+    installsignals();
+    if (!switches(argc, argv, next)) return failedstart("Invalid option in File-Properties");
+    if (!results_open()) return failedstart(nullptr);
+    stage = stage_results;
+    assemble({argv + next, std::size_t(argc - next)});
+    if (Int4 missed = findinstallation()) {
+        collect("cannot find Velmo directory");
+        return failedstart(missed == 2 ? "isvelmo.70 is missing" : nullptr);
+    }
+    std::string failure;
+    if (batchmode && !openbatchlog(failure)) return failedstart(failure.c_str());
+    stage = stage_log;
+    if (!nologo) logo();
+    if (memory_start()) return failedstart("Allocation failure.");
+    stage = stage_memory;
+    review_init();
+    tempfile_init();
+    settokpos(cmdbuf);
+    parse_defaults();
+    if (!nologo) notes();
+    systemmacros();
+    webfile_init();
+    stage = stage_files;
+    outlevel = 0;
+    memorynote();
+    return trimmed(startcmd).empty() ? 0 : 1;
+}
+
+Int4 session_main() {
+    runprofile();
+    if (!shuttingdown && !trimmed(startcmd).empty()) runstartcmd();
+    if (!noconsole)
+        while (!shuttingdown) {
+            prtraw("\n");
+            if (nextline(0) || !docmd()) break;
+        }
+    shutdown(0);
+    return exitstatus;
+}
+
+void shutdown(Int4 code) {
+    if (stage >= stage_files) webfile_closeall();
+    if (shuttingdown) return;
+    shuttingdown = 1;
+    prefs_save();
+    if (stage >= stage_files) tempfile_removeall();
+    if (stage >= stage_results) {
+        vstream_flush(results);
+        batchlog_close();
+        results_close();
+    }
+    if (code == 900) std::_Exit(1);
+}
+
+}  // namespace velmo

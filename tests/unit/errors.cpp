@@ -1,0 +1,138 @@
+// Codes and reporters as a user sees them, through a stream of their own.
+#include "output/errors.h"
+#include <gtest/gtest.h>
+#include <string>
+#include "base/poll.h"
+#include "base/saved.h"
+#include "output/print.h"
+#include "output/results.h"
+
+using namespace velmo;
+using std::string;
+
+namespace {
+
+Int4 consume(void* data, const UByte* record, Int4 code) {
+    if (code == vcode_line) *static_cast<string*>(data) += string(vline_view(record).text) + "\n";
+    return 0;
+}
+
+struct Errors : testing::Test {
+    string got;
+    void SetUp() override {
+        results_open();
+        setpagesize(0);
+        vstream_setcallback(console, consume, &got);
+    }
+    void TearDown() override {
+        EXPECT_EQ(outlevel, 0) << "put back";
+        results_close();
+    }
+    string take() {
+        vstream_flush(console);
+        string out;
+        out.swap(got);
+        return out;
+    }
+};
+
+}  // namespace
+
+TEST_F(Errors, CodesComeBackAsTheirRowsSay) {
+    struct { Int4 rc, returns; const char* text; } cases[] = {
+        {198, 198, "invalid syntax\n"}, {5101, 101, "iweights not allowed with robust\n"},
+        {7198, 198, "multiple by's not allowed\n"}, {2000, 0, "no observations\n"},
+        {2001, 2001, "insufficient observations\n"}, {140, 140, "repeated categorical variable in term\n"},
+        {614, 614, "dictionary invalid\n"}, {677, 677, "remote connection failed -- see help r(677) for troubleshooting\n"},
+        {100, 100, ""}, {9202, 9202, ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(error(c.rc), c.returns) << c.rc;
+        EXPECT_EQ(take(), c.text);
+    }
+}
+
+TEST_F(Errors, StartOnAFreshLineAndLeaveOtherModes) {
+    prt("value = ");
+    error(198);
+    EXPECT_EQ(take(), "value = \ninvalid syntax\n");
+    prtraw("{asis}\nas {it} is\n");
+    varnotfound("x{y}");
+    EXPECT_EQ(take(), "as {it} is\nvariable x{y} not found\n");
+    prtraw("{hi:open");
+    errorf(198, "%s", string(3000, 'k').c_str());
+    EXPECT_EQ(take().substr(0, 13), "{hi:open\nkkkk");
+}
+
+TEST_F(Errors, QuietLevelsHide) {
+    {
+        saved quiet(quietlevel, UByte(3));
+        error(2000);
+        error(198);
+    }
+    {
+        saved quiet(quietlevel, UByte(5));
+        EXPECT_EQ(error(198), 198);
+        EXPECT_EQ(notallowed("x"), 101);
+    }
+    EXPECT_EQ(take(), "invalid syntax\n");
+}
+
+TEST_F(Errors, ExplanationsWrapAtTheLineSize) {
+    prtnl();
+    error(900);
+    EXPECT_EQ(take(), "\nno room to add more variables\n"
+                      "    An attempt was made to add a variable that would have resulted in more than\n"
+                      "    5000 or 4999 variables (Velmo reserves one variable for its own use). You\n"
+                      "    have the following alternatives:\n\n"
+                      "     1.  Drop some variables; see help drop.\n\n"
+                      "     2.  If you are using Velmo/XE, increase maxvar; see help maxvar.\n");
+    error(146);
+    EXPECT_EQ(take(), "too many variables or values (matsize too small)\n"
+                      "    You can increase matsize using the set matsize command; see help matsize.\n");
+    error(1010);
+    EXPECT_NE(take().find("60000 bytes, the"), string::npos);
+}
+
+TEST_F(Errors, PrefixedMessagesAreOneParagraph) {
+    EXPECT_EQ(prefixed("master data", 5, false), 5);
+    EXPECT_EQ(take(), "master data not sorted\n");
+    prefixed(string(70, 'n'), 459, true);
+    EXPECT_EQ(take(), string(70, 'n') + ":\n    something that should be true of your data is not\n");
+    prefixed("x", 900, true);
+    EXPECT_EQ(take().find("{p_end}"), string::npos) << "the explanation has ended the paragraph";
+    EXPECT_EQ(freshline, 1);
+}
+
+TEST_F(Errors, FilesNamesAndTheCommand) {
+    EXPECT_EQ(fileerror(601, "a.dta"), 601);
+    fileerror(661, "h");
+    fileerror(605, "b");
+    fileerror(699, "c");
+    fileerror(698, "d");
+    EXPECT_EQ(take(), "file a.dta not found\nhost or file h not found\nfile b error 605\ninsufficient disk space\n"
+                      "(note: file d not found)\n");
+    EXPECT_EQ(nameerror(name_defined, "v"), 110);
+    EXPECT_EQ(nameerror(9, "v"), 9202);
+    EXPECT_EQ(macronotfound("_m"), 111);
+    macronotfound("m");
+    EXPECT_EQ(opmsg("D30", op_d20), 198);
+    EXPECT_EQ(take(), "v already defined\nlocal macro `m' not found\nglobal macro $m not found\n"
+                      "D30:  operator invalid:  D20 is maximum allowed difference\n");
+    EXPECT_EQ(errorcommand(111), 111);
+    EXPECT_EQ(errorcommand(180), 180);
+    EXPECT_EQ(errorcommand(7198), 7198);
+    EXPECT_EQ(errorcommand(601), 601);
+    EXPECT_EQ(errorcommand(-1), 32767);
+    EXPECT_EQ(take(), "invalid syntax\ninvalid attempt to modify label\nmultiple by's not allowed\nfile not found\n");
+}
+
+TEST_F(Errors, PrintCallsReturnBreak) {
+    EXPECT_EQ(prtrep('-', 600), 0);
+    EXPECT_EQ(take().size(), 600u + 8 + 2 * 7) << "eight lines, seven of them behind a mark";
+    breakpending = 1;
+    EXPECT_EQ(prtf("%d", 1), 1);
+    prtrep('-', 600);
+    breakpending = 0;
+    EXPECT_EQ(take(), "1-\n") << "a long run of prints stops at once";
+}

@@ -119,7 +119,7 @@ void columnheads(const describeoptions& o) {
 
 void namecolumn(Int4 var, const describeoptions& o) {
     std::string name = varlist[var - 1];
-    char text[64], shown[64];
+    char text[80], shown[64];
     if (o.numbers) {
         abbrevname(shown, sizeof shown, name, 8);
         snprintf(text, sizeof text, "%5d. %-9s", var, shown);

@@ -125,9 +125,40 @@ Double outofrange(std::string_view s, std::size_t mark) {
     return s[0] == '-' ? -HUGE_VAL : HUGE_VAL;
 }
 
+// Powers of ten that a double holds exactly.
+constexpr Double tens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                           1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The plain case, up to 15 digits with or without a point: both parts are exact, so one division rounds correctly
+// (Clinger 1990). False when the text is anything else.
+boolean plainnumber(std::string_view s, Double& value) {
+    std::size_t i = !s.empty() && (s[0] == '-' || s[0] == '+');
+    if (s.size() - i > 16) return false;
+    std::int64_t whole = 0;
+    Int4 digits = 0, behind = -1;
+    for (; i < s.size(); i++) {
+        char c = s[i];
+        if (isdigit(c)) {
+            whole = whole * 10 + (c - '0');
+            digits++;
+            behind += behind >= 0;
+        } else if (c == '.' && behind < 0) {
+            behind = 0;
+        } else {
+            return false;
+        }
+    }
+    if (digits == 0 || digits > 15) return false;
+    Double v = Double(whole);
+    if (behind > 0) v /= tens[behind];
+    value = s[0] == '-' ? -v : v;
+    return true;
+}
+
 }  // namespace
 
 boolean readnumber(std::string_view text, Double& value) {
+    if (plainnumber(text, value)) return true;
     std::size_t mark;
     if (!isnumber(text, mark)) return false;
     std::string_view body = text[0] == '+' ? text.substr(1) : text;

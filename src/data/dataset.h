@@ -13,7 +13,7 @@ namespace velmo {
 
 // State
 extern Int4 nvar;              // variables
-extern Int4 visnvar;           // variables that look-up sees: nvar but while a command is creating one
+extern Int4 visnvar;           // variables that look-up sees; the command that made new ones raises it to nvar at its end
 extern UByte datachanged;      // since the last save or load, in a variable whose name doesn't begin with _
 extern UByte defaulttype;      // set type: of new variables; typefloat until set
 extern char datalabel[81];     // label data
@@ -32,6 +32,9 @@ Int4 lookupvar(std::string_view name, Int4 mode);
 Int4 findvar(std::string_view name);       // exact, no message; 0 when there is none
 // Nonzero code, printed, when `name` may not be given to a new variable: 198 or 110.
 Int4 checknewname(std::string_view name);
+
+// To be called by whoever writes varlist otherwise than by the calls below: the index of names is made anew.
+void namesmoved();
 
 // Appends a variable: checks the name, makes room, sets the default format, clears label and value label. Its cells
 // are not set. Codes printed: 198, 110, 900, 902, 1010. `internal` skips the name check and may use the last slot.
@@ -59,7 +62,8 @@ void dropobs(const UByte* flags, Int4 kept);
 void setsortnone(const Int4* vars, Int4 n);        // cuts srt at the first of these variables
 void markchanged(Int4 var);
 void cleardata(boolean keeplabels);
-// Raises nobs to n >= nobs, new cells missing or ""; 0, 901 (not printed). (e) is 0 in new observations.
+// Raises nobs to n >= nobs, new cells missing or ""; 0, 901 (not printed). (e) is 0 in new observations. With new
+// observations the data are marked changed and srt is emptied.
 Int4 growobs(Int4 n);
 Int4 needscratchrow();                     // makes sure that nobs < maxobs; 0 or 901
 

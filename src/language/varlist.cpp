@@ -227,11 +227,10 @@ boolean numbered(const std::string& name, std::string& stem, Int4& number) {
 }
 
 Int4 addseries(const std::string& first, const std::string& last, UByte type) {
-    std::string stem, stem2;
-    Int4 a, b;
-    if (!numbered(first, stem, a) || !numbered(last, stem2, b) || stem != stem2 || a > b) return error(198);
-    for (Int4 i = a; i <= b; i++)
-        if (Int4 rc = addnew(stem + std::to_string(i), type)) return rc;
+    std::vector<std::string> names;
+    if (Int4 rc = seriesnames(first, last, names)) return rc;
+    for (const std::string& name : names)
+        if (Int4 rc = addnew(name, type)) return rc;
     return 0;
 }
 
@@ -276,6 +275,15 @@ Int4 newelement(newvarstate& s) {
 }
 
 }  // namespace
+
+Int4 seriesnames(const std::string& first, const std::string& last, std::vector<std::string>& names) {
+    std::string stem, stem2;
+    Int4 a, b;
+    if (!numbered(first, stem, a) || !numbered(last, stem2, b) || stem != stem2 || a > b) return error(198);
+    if (b - a >= maxvar) return error(103);
+    for (Int4 i = a; i <= b; i++) names.push_back(stem + std::to_string(i));
+    return 0;
+}
 
 Int4 newlist() {
     newvarstate s{defaulttype, false};

@@ -29,6 +29,13 @@ struct plaincolumn {
     boolean text() const { return type < 245; }
 };
 
+// A variable that can be seen at once.
+Int4 newvar(std::string_view name, UByte type, boolean internal = false) {
+    Int4 rc = addvar(name, type, internal);
+    visnvar = nvar;
+    return rc;
+}
+
 // What a cell of `type` gives back after `v` was stored, from the ranges alone.
 Double storedvalue(UByte type, Double v) {
     Double limit = type == typebyte ? 128 : type == typeint ? 32768 : 2147483648.0;
@@ -83,7 +90,7 @@ struct dataset : testing::Test {
     void add() {
         UByte type = sometype();
         std::string name = "v" + std::to_string(++made);
-        if (addvar(name, type)) return;
+        if (newvar(name, type)) return;
         model.push_back({name, "", type, std::vector<Double>(nobs), std::vector<std::string>(nobs)});
         for (Int4 i = 1; i <= nobs; i++) store(nvar, i);
         if (pick(2) && putvarlabel(name, "label of " + name) == 0) model.back().label = "label of " + name;
@@ -296,10 +303,10 @@ TEST_F(dataset, random_operations_agree_with_the_model) {
 TEST_F(dataset, ties_come_out_as_defined) {
     begin(4 << 20);
     ASSERT_EQ(growobs(3000), 0);
-    addvar("x", typedouble);
-    addvar("b", typebyte);
-    addvar("s", 20);
-    addvar("t", 8);
+    newvar("x", typedouble);
+    newvar("b", typebyte);
+    newvar("s", 20);
+    newvar("t", 8);
     std::vector<std::vector<Int4>> keys = {{1}, {2}, {3}, {4}, {2, 1}, {4, 3, 2}, {3, 1}};
     for (UInt4 distinct : {2u, 10u, 500u, 1000000u}) {
         for (const std::vector<Int4>& key : keys) {
@@ -326,9 +333,9 @@ TEST_F(dataset, ties_come_out_as_defined) {
 
 TEST_F(dataset, list_sort_and_restoring_an_order) {
     growobs(2500);
-    addvar("x", typefloat);
-    addvar("s", 12);
-    addvar("place", typelong);
+    newvar("x", typefloat);
+    newvar("s", 12);
+    newvar("place", typelong);
     std::vector<Int4> list, perm(nobs);
     for (Int4 i = 0; i < nobs; i++) perm[i] = i + 1;
     std::shuffle(perm.begin(), perm.end(), random);
@@ -355,17 +362,17 @@ TEST_F(dataset, list_sort_and_restoring_an_order) {
 
 TEST_F(dataset, geometry_and_names) {
     ASSERT_EQ(growobs(10), 0);
-    ASSERT_EQ(addvar("s", 199), 0);
+    ASSERT_EQ(newvar("s", 199), 0);
     EXPECT_EQ(lrecl, 200);
-    ASSERT_EQ(addvar("b", typebyte), 0);      // the sum reaches lrecl
+    ASSERT_EQ(newvar("b", typebyte), 0);      // the sum reaches lrecl
     EXPECT_GT(lrecl, 200);
     EXPECT_EQ(n_repart, 1);
     EXPECT_STREQ(fmt[0], "%199s");
-    for (const char* name : {"_n", "with", "str5", "1x", "a b", "_pi"}) EXPECT_EQ(addvar(name, typebyte), 198) << name;
-    EXPECT_EQ(addvar("b", typebyte), 110);
-    EXPECT_EQ(addvar("str5x", typebyte), 0);
-    addvar("alpha", typebyte);
-    addvar("alphabet", typebyte);
+    for (const char* name : {"_n", "with", "str5", "1x", "a b", "_pi"}) EXPECT_EQ(newvar(name, typebyte), 198) << name;
+    EXPECT_EQ(newvar("b", typebyte), 110);
+    EXPECT_EQ(newvar("str5x", typebyte), 0);
+    newvar("alpha", typebyte);
+    newvar("alphabet", typebyte);
     EXPECT_EQ(lookupvar("alp", lookup_ref), -111);        // ambiguous
     EXPECT_EQ(lookupvar("alpha", lookup_ref), 4);         // exact beats prefix
     EXPECT_EQ(lookupvar("alphab", lookup_quiet), 5);
@@ -376,7 +383,7 @@ TEST_F(dataset, geometry_and_names) {
     EXPECT_EQ(findvar("alphabet"), 0);
     EXPECT_EQ(lookupvar("alp", lookup_ref), 4);
     visnvar = nvar;
-    ASSERT_EQ(addvar("(e)", typebyte, true), 0);
+    ASSERT_EQ(newvar("(e)", typebyte, true), 0);
     putobs(nvar, 3, 1);
     EXPECT_EQ(shownvars(), nvar - 1);
     growobs(12);
@@ -397,11 +404,11 @@ TEST_F(dataset, geometry_and_names) {
 
 TEST_F(dataset, running_out_of_room_changes_nothing) {
     begin(102400);
-    addvar("x", typedouble);
+    newvar("x", typedouble);
     EXPECT_EQ(growobs(mostobs() - 1), 0);
     EXPECT_EQ(growobs(nobs + 100000), 901);
     Int4 rc = 0;
-    for (int i = 0; i < 100 && !rc; i++) rc = addvar("y" + std::to_string(i), typedouble);
+    for (int i = 0; i < 100 && !rc; i++) rc = newvar("y" + std::to_string(i), typedouble);
     EXPECT_EQ(rc, 902);
     Int4 n = nvar;
     EXPECT_EQ(changetype(1, 200), 903);
@@ -412,7 +419,7 @@ TEST_F(dataset, running_out_of_room_changes_nothing) {
     EXPECT_EQ(memory_check(), 0);
     begin(10 << 20);
     rc = 0;
-    for (int i = 0; i < 3000 && !rc; i++) rc = addvar("y" + std::to_string(i), typebyte);
+    for (int i = 0; i < 3000 && !rc; i++) rc = newvar("y" + std::to_string(i), typebyte);
     EXPECT_EQ(rc, 900);
     EXPECT_EQ(nvar, maxvar - 1);
     EXPECT_EQ(maketemp(typebyte, false), maxvar);
@@ -468,7 +475,7 @@ TEST_F(dataset, labels_and_characteristics) {
     EXPECT_TRUE(vl_drop("l"));
     EXPECT_FALSE(vl_find("l"));
 
-    addvar("x", typebyte);
+    newvar("x", typebyte);
     putvarlabel("x", std::string(100, 'q'));
     char_set("x", "one", "1");
     char_set("x", "two", "2");
@@ -500,13 +507,13 @@ TEST_F(dataset, time_series_operators) {
     };
     for (auto& c : cases) {
         ASSERT_EQ(ts_parse(c.in, &n), c.rc) << c.in;
-        if (!c.rc) EXPECT_STREQ(n ? ts_text(n, text) : "", c.out);
+        EXPECT_STREQ(c.rc == 0 && n ? ts_text(n, text) : "", c.out);
     }
     EXPECT_EQ(tsetup(), 111);
     growobs(60);
-    addvar("p", typebyte);
-    addvar("t", typeint);
-    addvar("x", typedouble);
+    newvar("p", typebyte);
+    newvar("t", typeint);
+    newvar("x", typedouble);
     for (Int4 i = 1; i <= 60; i++) {
         putobs(1, i, i > 30);
         putobs(2, i, i + i / 7);         // a gap every seventh

@@ -1,0 +1,72 @@
+#include "data/cells.h"
+#include <cmath>
+#include "base/text.h"
+
+namespace velmo {
+
+std::string_view strcell(Int4 var, Int4 obs) {
+    UByte type = typ[var - 1];
+    if (!isstringtype(type)) return {};
+    return fieldtext(reinterpret_cast<char*>(cellptr(var, obs)), type);
+}
+
+char* getstr(Int4 var, Int4 obs, char* buf) {
+    std::string_view text = strcell(var, obs);
+    if (!text.empty()) std::memcpy(buf, text.data(), text.size());
+    buf[text.size()] = 0;
+    return buf;
+}
+
+void putstr(Int4 var, Int4 obs, std::string_view text) {
+    std::size_t room = typ[var - 1];
+    if (!isstringtype(UByte(room))) return;
+    std::size_t n = text.size() < room ? text.size() : room;
+    UByte* p = cellptr(var, obs);
+    if (n) std::memmove(p, text.data(), n);
+    std::memset(p + n, 0, room - n);
+}
+
+void clearcell(Int4 var, Int4 obs) {
+    UByte type = typ[var - 1];
+    if (isstringtype(type))
+        std::memset(cellptr(var, obs), 0, type);
+    else
+        writecell(cellptr(var, obs), type, missing);
+}
+
+UByte typeneeded(UByte type, Double v) {
+    if (type > typelong || v == missing) return type;
+    Int4 e = exponent(v);
+    UByte need = type;
+    if (need == typebyte && (e >= 7 || v == bytemissing)) need = typeint;
+    if (need == typeint && (e >= 15 || v == intmissing)) need = typelong;
+    if (v != std::trunc(v)) return type == typelong ? typedouble : typefloat;
+    if (need == typelong && (e >= 31 || v == longmissing)) need = typedouble;
+    return need;
+}
+
+namespace {
+
+template <class T> Double widened(T v, T code) { return v == code ? missing : Double(v); }
+
+template <class T> void gather(const column& c, Int4 first, Int4 n, Double* out, T code) {
+    const UInt4* ptr = c.ptrs + first - 1;
+    for (Int4 i = 0; i < n; i++) out[i] = widened(readraw<T>(c.base + std::size_t(ptr[i]) * c.stride), code);
+}
+
+}  // namespace
+
+void getcolumn(Int4 var, Int4 first, Int4 n, Double* out) {
+    column c(var);
+    switch (c.type) {
+    case typebyte: gather<SByte>(c, first, n, out, bytemissing); break;
+    case typeint: gather<Int2>(c, first, n, out, intmissing); break;
+    case typelong: gather<Int4>(c, first, n, out, longmissing); break;
+    case typefloat: gather<Float>(c, first, n, out, floatmissing); break;
+    case typedouble: gather<Double>(c, first, n, out, missing); break;
+    default:
+        for (Int4 i = 0; i < n; i++) out[i] = missing;
+    }
+}
+
+}  // namespace velmo

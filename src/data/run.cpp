@@ -1,0 +1,15 @@
+#include "data/run.h"
+
+namespace velmo {
+
+Int4 firstobs, lastobs;
+Int4 groupfirst, grouplast;
+UByte bymode;
+UByte bylastgroup;
+Int4 nby;
+Int4 bydepth;
+UByte by_active;
+Int4 by_index;
+UByte by_last;
+
+}  // namespace velmo

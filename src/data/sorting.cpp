@@ -1,0 +1,329 @@
+// Keys are cut into 64-bit pieces whose unsigned order is the order wanted: a number is one piece, a string one for
+// every 8 bytes. Records of (piece, observation) are sorted by the first piece, runs of equals by the next, and so
+// on; from that every observation has a rank, and equal ranks mean ties.
+//
+// Without ties the order is unique and done. With ties it is what the shuffle and the quicksort make of it: they
+// run on (rank, row) records exactly as they would on the pointers. A partition's halves don't touch each other, so
+// the smaller one is recursed on first; the result is the same and the stack stays shallow.
+#include "data/sorting.h"
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <vector>
+#include "base/memalloc.h"
+#include "base/poll.h"
+#include "data/cells.h"
+
+namespace velmo {
+
+UInt4 sortseed = 1001;
+
+namespace {
+
+struct keyrecord { std::uint64_t key; Int4 obs; UInt4 spare; };
+struct rankrecord { UInt4 rank, row; };
+struct span { Int4 lo, hi; };      // records lo to hi - 1
+
+// Doubles as unsigned numbers in the same order; both zeros are one.
+std::uint64_t orderedbits(Double v) {
+    std::uint64_t bits = std::bit_cast<std::uint64_t>(v + 0.0);
+    return bits >> 63 ? ~bits : bits | (std::uint64_t(1) << 63);
+}
+
+// Bytes 8*piece to 8*piece + 7 of a string as a big-endian number, with zeros behind the string's end.
+std::uint64_t stringpiece(const UByte* cell, Int4 size, Int4 piece) {
+    UByte part[8] = {};
+    Int4 n = std::min(size - 8 * piece, 8);
+    std::memcpy(part, cell + 8 * piece, std::size_t(n));
+    std::uint64_t key = 0;
+    boolean ended = false;
+    for (Int4 i = 0; i < 8; i++) {
+        ended = ended || part[i] == 0;
+        key = key << 8 | (ended ? 0 : part[i]);
+    }
+    return key;
+}
+
+Int4 pieces(Int4 var) { return isstring(var) ? (typ[var - 1] + 7) / 8 : 1; }
+
+void gatherkeys(keyrecord* r, Int4 n, Int4 var, Int4 piece) {
+    column c(var);
+    constexpr Int4 ahead = 16;
+    for (Int4 i = 0; i < n; i++) {
+        if (i + ahead < n) __builtin_prefetch(c.at(r[i + ahead].obs));
+        const UByte* cell = c.at(r[i].obs);
+        r[i].key = isstringtype(c.type) ? stringpiece(cell, c.type, piece) : orderedbits(readcell(cell, c.type));
+    }
+}
+
+void insertionsort(keyrecord* r, Int4 n) {
+    for (Int4 i = 1; i < n; i++) {
+        keyrecord x = r[i];
+        Int4 j = i;
+        for (; j > 0 && r[j - 1].key > x.key; j--) r[j] = r[j - 1];
+        r[j] = x;
+    }
+}
+
+// Sorts by key in place: buckets of equal width between the least and the greatest key, each sorted likewise. A
+// pass leaves at most 1/buckets of the range, so the depth is small whatever the keys are.
+void bucketsort(keyrecord* r, Int4 n) {
+    if (n <= 24) return insertionsort(r, n);
+    constexpr Int4 most = 2048;
+    Int4 bits = n > 60000 ? 11 : n > 2000 ? 8 : 5;
+    std::uint64_t least = r[0].key, greatest = r[0].key;
+    for (Int4 i = 1; i < n; i++) {
+        least = std::min(least, r[i].key);
+        greatest = std::max(greatest, r[i].key);
+    }
+    if (least == greatest) return;
+    Int4 shift = std::max(0, 64 - std::countl_zero(greatest - least) - bits);
+    Int4 nbuckets = Int4((greatest - least) >> shift) + 1;
+    Int4 next[most + 1], end[most + 1];
+    std::fill(end, end + nbuckets, 0);
+    for (Int4 i = 0; i < n; i++) end[(r[i].key - least) >> shift]++;
+    for (Int4 b = 0, at = 0; b < nbuckets; b++) {
+        next[b] = at;
+        end[b] = at += end[b];
+    }
+    for (Int4 b = 0; b < nbuckets; b++) {
+        while (next[b] < end[b]) {
+            keyrecord x = r[next[b]];
+            for (Int4 to = Int4((x.key - least) >> shift); to != b; to = Int4((x.key - least) >> shift))
+                std::swap(x, r[next[to]++]);
+            r[next[b]++] = x;
+        }
+    }
+    if (shift == 0) return;
+    for (Int4 b = 0, from = 0; b < nbuckets; from = end[b++])
+        if (end[b] - from > 1) bucketsort(r + from, end[b] - from);
+}
+
+// Sorts the records by all pieces of all variables; `ties` receives the runs that agree on everything. The first
+// piece is in the records already. False on a break.
+boolean sortpieces(keyrecord* r, Int4 n, const Int4* vars, Int4 nvars, std::vector<span>& ties) {
+    std::vector<span> open{{0, n}}, next, settled;
+    boolean first = true;
+    for (Int4 v = 0; v < nvars && !open.empty(); v++) {
+        Int4 last = pieces(vars[v]) - 1;
+        settled.clear();
+        for (Int4 piece = 0; piece <= last && !open.empty(); piece++) {
+            next.clear();
+            for (span s : open) {
+                if (tick()) return false;
+                if (!first) gatherkeys(r + s.lo, s.hi - s.lo, vars[v], piece);
+                first = false;
+                bucketsort(r + s.lo, s.hi - s.lo);
+                for (Int4 i = s.lo, j; i < s.hi; i = j) {
+                    for (j = i + 1; j < s.hi && r[j].key == r[i].key;) j++;
+                    // A string that ended within this piece has nothing more to compare.
+                    boolean ended = piece == last || (r[i].key & 255) == 0;
+                    if (j - i > 1) (ended ? settled : next).push_back({i, j});
+                }
+            }
+            open.swap(next);
+        }
+        open.swap(settled);
+    }
+    ties.swap(open);
+    return true;
+}
+
+UInt4 drawnext(UInt4 x) { return ((3433 * x & 0x7FFFFFFF) + ((x << 16) & 0x7FFFFFFF)) & 0x7FFFFFFF; }
+
+// The state after `draws` draws: a draw multiplies by 3433 + 65536 modulo 2 to the 31.
+void skipdraws(std::uint64_t draws) {
+    std::uint64_t factor = 3433 + 65536, x = sortseed;
+    for (; draws; draws >>= 1, factor = factor * factor & 0x7FFFFFFF)
+        if (draws & 1) x = x * factor & 0x7FFFFFFF;
+    sortseed = UInt4(x);
+}
+
+// Drawn some ahead of their use, so that the records are on their way from memory when they are swapped.
+void shuffle(rankrecord* a, Int4 first, Int4 last) {
+    constexpr Int4 batch = 64;
+    Int4 at[2 * batch], n = last - first + 1, range = last - first;
+    UInt4 x = sortseed;
+    for (Int4 done = 0; done < n; done += batch) {
+        Int4 m = std::min(batch, n - done);
+        for (Int4 i = 0; i < 2 * m; i++) {
+            x = drawnext(x);
+            Int4 place = first + Int4(x / 2147483646.0 * range + 0.5);
+            at[i] = std::min(place, last) - first;
+            __builtin_prefetch(a + at[i], 1);
+        }
+        for (Int4 i = 0; i < m; i++) std::swap(a[at[2 * i]], a[at[2 * i + 1]]);
+    }
+    sortseed = x;
+}
+
+struct range { Int4 lo, hi; };
+
+// Puts the pivot of [lo, hi] in place and gives the two parts that are left, the left one first.
+void partition(rankrecord* a, Int4 lo, Int4 hi, range (&part)[2]) {
+    UInt4 pivot = a[hi].rank;
+    Int4 i = lo, j = hi - 1;
+    while (true) {
+        while (i < hi && a[i].rank < pivot) i++;
+        while (j > i && a[j].rank > pivot) j--;
+        if (i >= j) break;
+        std::swap(a[i++], a[j--]);
+    }
+    if (i < hi && a[i].rank == pivot) {
+        Int4 k = i + 1;
+        while (k < hi && a[k].rank == pivot) k++;
+        if (k < hi) std::swap(a[k], a[hi]);
+        part[1] = {k + 1, hi};
+        hi = i - 1;
+        while (hi > lo && a[hi].rank == pivot) hi--;
+        part[0] = {lo, hi};
+    } else {
+        if (i != hi) std::swap(a[i], a[hi]);
+        part[0] = {lo, i - 1};
+        part[1] = {i + 1, hi};
+    }
+}
+
+boolean quicksort(rankrecord* a, Int4 lo, Int4 hi) {
+    while (lo < hi) {
+        if (tick()) return false;
+        range part[2];
+        partition(a, lo, hi, part);
+        Int4 small = part[0].hi - part[0].lo < part[1].hi - part[1].lo ? 0 : 1;
+        if (!quicksort(a, part[small].lo, part[small].hi)) return false;
+        lo = part[1 - small].lo;
+        hi = part[1 - small].hi;
+    }
+    return true;
+}
+
+enum rundirection { run_same, run_up, run_down, run_mixed };
+
+// How neighbours compare, by the first pieces in the records and by the cells where these agree.
+rundirection direction(const keyrecord* r, Int4 n, const Int4* vars, Int4 nvars) {
+    boolean single = nvars == 1 && pieces(vars[0]) == 1;
+    rundirection found = run_same;
+    for (Int4 i = 1; i < n; i++) {
+        if (r[i].key == r[i - 1].key && single) continue;
+        Int4 c = r[i - 1].key < r[i].key ? -1 : r[i - 1].key > r[i].key ? 1 : cmpobs(r[i - 1].obs, r[i].obs, vars, nvars);
+        if (c == 0) continue;
+        rundirection now = c < 0 ? run_up : run_down;
+        if (found == run_same) found = now;
+        if (found != now) return run_mixed;
+    }
+    return found;
+}
+
+// Puts observations first to first + n - 1 in the order that the sorted records and their ties define; `ranks` is
+// room for n. False on a break.
+boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties, UInt4* ranks) {
+    UInt4* ptrs = obsptrs + first - 1;
+    if (ties.empty()) {
+        for (Int4 i = 0; i < n; i++) ranks[i] = ptrs[r[i].obs - first];
+        std::memcpy(ptrs, ranks, std::size_t(n) * sizeof *ranks);
+        skipdraws(2 * std::uint64_t(n));
+        return true;
+    }
+    for (Int4 i = 0; i < n; i++) ranks[r[i].obs - first] = UInt4(i);
+    for (span s : ties)
+        for (Int4 i = s.lo; i < s.hi; i++) ranks[r[i].obs - first] = UInt4(s.lo);
+    rankrecord* a = reinterpret_cast<rankrecord*>(r);      // the keys have done their work
+    for (Int4 i = 0; i < n; i++) a[i] = {ranks[i], ptrs[i]};
+    shuffle(a, first, first + n - 1);
+    if (!quicksort(a, 0, n - 1)) return false;
+    for (Int4 i = 0; i < n; i++) ptrs[i] = a[i].row;
+    return true;
+}
+
+// Sorts a run of at least two observations. 0, 1, 909; `untouched` when all are equal.
+Int4 sortrun(Int4 first, Int4 last, const Int4* vars, Int4 nvars, boolean& untouched) {
+    Int4 n = last - first + 1;
+    workspace records(std::size_t(n) * sizeof(keyrecord));
+    keyrecord* r = records.get<keyrecord>();
+    if (!r) return 909;
+    for (Int4 i = 0; i < n; i++) r[i] = {0, first + i, 0};
+    gatherkeys(r, n, vars[0], 0);
+    rundirection d = direction(r, n, vars, nvars);
+    untouched = d == run_same;
+    if (untouched) return 0;
+    if (d == run_mixed) {
+        workspace rankspace(std::size_t(n) * sizeof(UInt4));
+        if (!rankspace.p) return 909;
+        srt[0] = 0;
+        std::vector<span> ties;
+        boolean done = sortpieces(r, n, vars, nvars, ties) && settle(r, first, n, ties, rankspace.get<UInt4>());
+        return done ? 0 : 1;
+    }
+    srt[0] = 0;
+    if (d == run_down)
+        for (Int4 a = first, b = last; a < b;) swapobs(a++, b--);
+    return 0;
+}
+
+Int4 cmpstrings(const UByte* a, const UByte* b, std::size_t size) {
+    for (std::size_t i = 0; i < size; i++) {
+        if (a[i] != b[i]) return a[i] < b[i] ? -1 : 1;
+        if (a[i] == 0) break;
+    }
+    return 0;
+}
+
+Int4 cmpcells(Int4 a, Int4 b, Int4 var) {
+    UByte type = typ[var - 1];
+    if (isstringtype(type)) return cmpstrings(cellptr(var, a), cellptr(var, b), type);
+    Double x = getobs(var, a), y = getobs(var, b);
+    return x < y ? -1 : x > y;
+}
+
+}  // namespace
+
+Int4 cmpobs(Int4 a, Int4 b, const Int4* vars, Int4 n) {
+    for (Int4 i = 0; i < n; i++)
+        if (Int4 c = cmpcells(a, b, vars[i])) return c;
+    return 0;
+}
+
+boolean samegroup(Int4 a, Int4 b, const UInt2* vars, Int4 n) {
+    for (Int4 i = 0; i < n; i++)
+        if (cmpcells(a, b, vars[i])) return false;
+    return true;
+}
+
+Int4 sortdata(Int4 first, Int4 last, const Int4* vars, Int4 n) {
+    if (n == 0) return 0;
+    boolean untouched = true;
+    if (first < last)
+        if (Int4 rc = sortrun(first, last, vars, n, untouched)) return rc;
+    if (first == 1 && last == nobs) {
+        for (Int4 i = 0; i < n; i++) srt[i] = UInt2(vars[i]);
+        srt[n] = 0;
+    }
+    return 0;
+}
+
+Int4 sortlist(Int4* list, Int4 n, Int4 var) {
+    if (n < 2) return 0;
+    workspace records(std::size_t(n) * sizeof(keyrecord));
+    keyrecord* r = records.get<keyrecord>();
+    if (!r) return 909;
+    for (Int4 i = 0; i < n; i++) r[i] = {0, list[i], 0};
+    gatherkeys(r, n, var, 0);
+    std::vector<span> ties;
+    if (!sortpieces(r, n, &var, 1, ties)) return 1;
+    for (Int4 i = 0; i < n; i++) list[i] = r[i].obs;
+    return 0;
+}
+
+// A place outside the data, or one that two observations claim, ends the work: what stands then is a valid order.
+Int4 orderbyindex(Int4 var) {
+    if (typ[var - 1] != typelong) return 0;
+    for (Int4 i = 1; i <= nobs; i++) {
+        for (Int4 to = getlong(var, i); to != i; to = getlong(var, i)) {
+            if (to < 1 || to > nobs || getlong(var, to) == to) return 0;
+            swapobs(i, to);
+        }
+    }
+    return 0;
+}
+
+}  // namespace velmo

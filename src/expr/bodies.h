@@ -113,8 +113,8 @@ struct machine {
 };
 #define HAND(id, operands)
 #define VALUE(id, value)
-#define ARITH1(id, body)
-#define ARITH2(id, body)
+#define ARITH1(id, value, where)
+#define ARITH2(id, value, where)
 #define CALL1(id, body)
 #define CALL2(id, body)
 #define CALL3(id, body)

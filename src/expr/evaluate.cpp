@@ -51,8 +51,9 @@ Double runone(exp& e, Int4 obs, char* text, Int4& textlength) {
         }
 #define HAND(id, operands)
 #define VALUE(id, value) case cw_##id: *++top = value; break;
-#define ARITH1(id, body) case cw_##id: *top = body(*top); break;
-#define ARITH2(id, body) case cw_##id: top--; *top = body(*top, top[1]); break;
+#define ARITH1(id, value, where) case cw_##id: *top = where(*top) ? missing : value(*top); break;
+#define ARITH2(id, value, where)                                                                                      \
+    case cw_##id: top--; *top = where(*top, top[1]) ? missing : value(*top, top[1]); break;
 #define CALL1(id, body) case cw_##id: *top = body(*top); break;
 #define CALL2(id, body) case cw_##id: top--; *top = body(top[1], *top); break;
 #define CALL3(id, body) case cw_##id: top -= 2; *top = body(top[2], top[1], *top); break;
@@ -92,15 +93,19 @@ constexpr Int4 chunk = 16;      // lanes are worked on in whole chunks: loops of
 using lane = Double[blocksize];
 alignas(64) lane lanes[numstack + 1];
 
-template <class F> inline void eachlane(Double* __restrict x, Int4 n, F f) {
-    for (Int4 i = 0; i < n; i += chunk) {
-        for (Int4 k = i; k < i + chunk; k++) x[k] = f(x[k]);
+template <class F, class W> inline void eachlane(Double* __restrict x, Int4 n, F f, W where) {
+    for (Int4 i = 0; i < n; i += chunk, x += chunk) {
+        Double r[chunk];
+        for (Int4 k = 0; k < chunk; k++) r[k] = f(x[k]);
+        for (Int4 k = 0; k < chunk; k++) x[k] = where(x[k]) ? missing : r[k];
     }
 }
 
-template <class F> inline void eachpair(Double* __restrict x, const Double* __restrict y, Int4 n, F f) {
-    for (Int4 i = 0; i < n; i += chunk) {
-        for (Int4 k = i; k < i + chunk; k++) x[k] = f(x[k], y[k]);
+template <class F, class W> inline void eachpair(Double* __restrict x, const Double* __restrict y, Int4 n, F f, W where) {
+    for (Int4 i = 0; i < n; i += chunk, x += chunk, y += chunk) {
+        Double r[chunk];
+        for (Int4 k = 0; k < chunk; k++) r[k] = f(x[k], y[k]);
+        for (Int4 k = 0; k < chunk; k++) x[k] = where(x[k], y[k]) ? missing : r[k];
     }
 }
 
@@ -169,12 +174,11 @@ void runblock(exp& e, Int4 first, Int4 n) {
             (*top)[i] = value;                                                                                        \
         }                                                                                                             \
         break;
-#define ARITH1(id, body) case cw_##id: eachlane(*top, n, [](Double x) { return body(x); }); break;
-#define ARITH2(id, body)                                                                                              \
-    case cw_##id:                                                                                                     \
-        top--;                                                                                                        \
-        eachpair(*top, top[1], n, [](Double x, Double y) { return body(x, y); });                                     \
-        break;
+#define OF1(body) [](Double x) { return body(x); }
+#define OF2(body) [](Double x, Double y) { return body(x, y); }
+#define ARITH1(id, value, where) case cw_##id: eachlane(*top, n, OF1(value), OF1(where)); break;
+#define ARITH2(id, value, where)                                                                                      \
+    case cw_##id: top--; eachpair(*top, top[1], n, OF2(value), OF2(where)); break;
 #define CALL1(id, body) case cw_##id: EACH (*top)[i] = body((*top)[i]); break;
 #define CALL2(id, body) case cw_##id: top--; EACH (*top)[i] = body(top[1][i], (*top)[i]); break;
 #define CALL3(id, body) case cw_##id: top -= 2; EACH (*top)[i] = body(top[2][i], top[1][i], (*top)[i]); break;
@@ -193,6 +197,8 @@ void runblock(exp& e, Int4 first, Int4 n) {
 #include "expr/opcodes.def"
 #include "expr/undefine.h"
 #undef EACH
+#undef OF1
+#undef OF2
         default: break;
         }
     }

@@ -1,10 +1,21 @@
-// The function table: one row a function (functions.def) with its argument count, argument and result types, missing
-// rule and body. Names that need compile logic of their own are rows of a second table in compilefunctions.cpp.
+// The function table: one row a function (functions.def) with its argument count, argument and result types and code
+// word, whose body holds the missing rule. Names that need compile logic of their own are rows of a second table in
+// compilefunctions.cpp.
 #pragma once
 #include <string_view>
 #include "base/types.h"
 
 namespace velmo {
+
+struct functionrow {
+    const char* name;
+    Int2 word;
+    Int2 least, most;         // arguments
+    UByte argtype, restype;   // exptype
+    UByte counted;            // the word takes the number of arguments as its operand
+};
+// The row of that exact name, or null.
+const functionrow* findfunction(std::string_view name);
 
 // True when a function of that exact name exists.
 boolean isfunction(std::string_view name);

@@ -35,7 +35,9 @@ Int4 matnotfound(std::string_view name);
 Int4 eqnotfound(std::string_view name);
 Int4 regnotfound(std::string_view name);
 Int4 macronotfound(std::string_view name);     // a name beginning with _ is a local's; 111
-enum namekind : Int4 { name_invalid = 1, name_invalidvar, name_defined, name_ambiguous, name_notfound, name_notlabeled };
+enum namekind : Int4 {
+    name_invalid = 1, name_invalidvar, name_defined, name_ambiguous, name_notfound, name_notlabeled,
+};
 Int4 nameerror(Int4 kind, std::string_view name);     // 198, 198, 110, 111, 111, 182
 // "%s invalid name\n", 198: the message of a name that is not valid.
 Int4 badname(std::string_view name);

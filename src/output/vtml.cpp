@@ -16,9 +16,12 @@ namespace {
 
 constexpr std::string_view marker = "{vtml}\n";
 constexpr Int4 measuringlinesize = 254;
+constexpr Int4 maxwork = 1 << 22;
+constexpr Int4 innerwork = 128;         // what reading the text of a directive counts for
 
-vstream measuring[3];          // enough for {center:} in {right:}; deeper ones are measured by their bytes
+vstream measuring[2];          // enough for {center:} in {right:}; deeper ones are measured by their bytes
 Int4 nmeasuring = 0;
+Int4 work = 0;                 // see vtml_tired; since the chunk began
 UByte morerecord[80];          // the --more-- line; its size is 0 until it is built
 
 void parse(vstream* s, std::string_view text);
@@ -72,9 +75,21 @@ void asistext(vstream* s, std::string_view text) {
 std::size_t closing(std::string_view text, Int4& open) {
     for (std::size_t i = 0; i < text.size(); i++) {
         if (text[i] == '{') open++;
-        if (text[i] == '}' && --open == 0) return i + 1;
+        if (text[i] != '}' || --open > 0) continue;
+        work += Int4(i);
+        return i + 1;
     }
+    work += Int4(text.size());
     return 0;
+}
+
+// The bytes of the directive that text begins with; 0 when it must be taken as text. The look at its name spares
+// long texts full of braces the search for the closing one.
+std::size_t directivesize(const vstream* s, std::string_view text) {
+    Int4 open = 0;
+    if (s->depth > maxdepth || vtml_tired()) return 0;
+    if (text.size() >= std::size_t(heldsize) && !vtml_isdirective(text.substr(1))) return 0;
+    return closing(text, open);
 }
 
 // Reads text with directives, and returns what stands behind a directive that changed the mode.
@@ -86,10 +101,8 @@ std::string_view markup(vstream* s, std::string_view text) {
         vtml_plain(s, text.substr(0, brace));
         if (brace == std::string_view::npos) return {};
         text.remove_prefix(brace);
-        Int4 open = 0;
-        boolean large = text.size() >= std::size_t(heldsize);
-        std::size_t close = large && !vtml_isdirective(text.substr(1)) ? 0 : closing(text, open);
-        if (close == 0 && s->depth == 1 && text.back() != '\n' && !large) {
+        std::size_t close = directivesize(s, text);
+        if (close == 0 && s->depth == 1 && text.back() != '\n' && text.size() < std::size_t(heldsize)) {
             std::memcpy(s->held, text.data(), text.size());
             s->nheld = Int4(text.size());
             return {};
@@ -235,7 +248,12 @@ Int4 vtml_measure(std::string_view text, UByte can_underline) {
 
 Int4 vtmlwidth(std::string_view text) { return vtml_measure(text, 0); }
 
-void vtml_inner(vstream* s, std::string_view text) { markup(s, text); }
+void vtml_inner(vstream* s, std::string_view text) {
+    work += innerwork;
+    markup(s, text);
+}
+
+boolean vtml_tired() { return work > maxwork; }
 
 void vtml_place(vstream* s, std::string_view text, UByte style) {
     if (s->mode == vmode_paragraph)
@@ -329,6 +347,7 @@ void vstream_setclosed(vstream* s, boolean closed) { s->closed = closed; }
 // The marker stands only at the end of a chunk, and may come in pieces.
 void vstream_write(vstream* s, std::string_view text) {
     if (text.empty() || s->closed) return;
+    if (nmeasuring == 0) work = 0;
     log_raw(s, text);
     std::size_t before = std::size_t(s->matched);
     if (before > 0 && marker.substr(before).substr(0, text.size()) == text) {

@@ -68,7 +68,7 @@ vmode vstream_mode(const vstream* s);
 void vstream_setclosed(vstream* s, boolean closed);
 void vstream_write(vstream* s, std::string_view text);     // raw VTML
 void vstream_text(vstream* s, std::string_view text);      // text whose braces are escaped
-void vstream_flush(vstream* s);                            // ends the unfinished line, consumer code 3, logs written out
+void vstream_flush(vstream* s);                            // ends the unfinished line; code 3; logs written out
 // Shows the unfinished line with code 2, if there is one, and lets it go on; then code 3, and logs written out.
 void vstream_partial(vstream* s);
 void vstream_setcolor(vstream* s, UByte colour);           // 1, 2, 4 or 5; no directive when nothing would change

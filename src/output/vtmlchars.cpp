@@ -1,4 +1,5 @@
 // The characters of {c x}. To add one: a row, in any order; the names are compared exactly.
+#include "base/text.h"
 #include "output/vtmlinternal.h"
 
 namespace velmo {
@@ -51,7 +52,9 @@ constexpr charrow chars[] = {
 };
 
 Int4 hexdigit(char c) {
-    return c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+    if (isdigit(c)) return c - '0';
+    c = lowerchar(c);
+    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
 }
 
 // 0xHH, or a decimal number 0 to 255; -1 when it is neither.
@@ -62,7 +65,7 @@ Int4 codenumber(std::string_view name) {
     }
     Int4 value = 0;
     for (char c : name) {
-        if (c < '0' || c > '9') return -1;
+        if (!isdigit(c)) return -1;
         value = value * 10 + (c - '0');
         if (value > 255) return -1;
     }

@@ -33,9 +33,6 @@ struct dirrow {
     boolean (*run)(vstream*, const directive&);
 };
 
-constexpr Int4 maxrepeats = 100000;    // of nested {dup} together
-Int4 repeats = 1;                      // of the {dup}s that are running
-
 // The next word of the arguments, its quotes removed; false at the end.
 boolean nextword(std::string_view& rest, std::string_view& word) {
     rest = ltrimmed(rest);
@@ -221,9 +218,8 @@ boolean dir_col(vstream* s, const directive& d) {
 
 boolean dir_dup(vstream* s, const directive& d) {
     Int4 n;
-    if (!d.hastext || !onlynumber(d.args, n) || n < 0 || n > 999 || repeats * std::max(n, 1) > maxrepeats) return false;
-    saved times(repeats, repeats * std::max(n, 1));
-    for (; n > 0 && !breakpending; n--) vtml_inner(s, d.text);
+    if (!d.hastext || !onlynumber(d.args, n) || n < 0 || n > 999) return false;
+    for (; n > 0 && !breakpending && !vtml_tired(); n--) vtml_inner(s, d.text);
     return true;
 }
 
@@ -444,7 +440,8 @@ constexpr std::size_t maxname = 13;
 
 const dirrow* finddirective(std::string_view name) {
     if (name.empty() || name.size() > maxname) return nullptr;
-    const dirrow* row = std::lower_bound(std::begin(directives), std::end(directives), dirrow{name, bare, 0, nullptr}, byname);
+    const dirrow sought{name, bare, 0, nullptr};
+    const dirrow* row = std::lower_bound(std::begin(directives), std::end(directives), sought, byname);
     return row != std::end(directives) && row->name == name ? row : nullptr;
 }
 
@@ -474,7 +471,7 @@ boolean checkform(directive& d, argform form) {
 }  // namespace
 
 boolean vtml_directive(vstream* s, std::string_view body) {
-    if (s->depth > maxdepth) return false;
+    if (s->depth > maxdepth || vtml_tired()) return false;
     directive d = split(body);
     boolean optional = d.name.substr(0, 1) == "?";
     if (optional) d.name.remove_prefix(1);

@@ -6,7 +6,8 @@
 //                                                        (paragraphs)        emitline -> line logs, consumer, paging
 //
 // Everything has a fixed size, so that printing never allocates. A text inside a directive is parsed by recursion,
-// at most maxdepth deep; a deeper directive shows as text.
+// at most maxdepth deep; a deeper directive shows as text, and so does one that comes when its chunk has made more
+// work (braces sought, texts repeated and measured) than any output needs: no input takes time without bound.
 #pragma once
 #include "output/vtml.h"
 
@@ -15,7 +16,7 @@ namespace velmo {
 inline constexpr Int4 heldsize = 1024;          // longest directive without its closing brace, and help line
 inline constexpr Int4 linkbytesmax = 758;       // link entries of one line
 inline constexpr Int4 targetsize = 255;         // longest link target, with its zero
-inline constexpr Int4 maxdepth = 40;
+inline constexpr Int4 maxdepth = 20;
 inline constexpr char bindingblank = 19;        // in a word: a blank that does not break
 
 // The line being built. A run ends in column runend[i]; the first may be empty, later ones never are.
@@ -96,6 +97,7 @@ struct vstream {
 // vtml.cpp
 void vtml_reset(vstream* s);
 void vtml_inner(vstream* s, std::string_view text);            // text of a directive, in the present mode
+boolean vtml_tired();                                          // the chunk has made too much work
 void vtml_plain(vstream* s, std::string_view text);            // no directives in it
 void vtml_place(vstream* s, std::string_view text, UByte style);     // by the mode: into the word or the line
 void vtml_newline(vstream* s);

@@ -101,8 +101,8 @@ void log_line(vstream* s) {
     char text[258];
     std::memcpy(text, l.text, std::size_t(l.n));
     for (Int4 i = 0, start = 0; i < l.nruns; start = l.runend[i++])
-        if (l.runstyle[i] & style_graphic)
-            std::transform(text + start, text + l.runend[i], text + start, [](char c) { return plaingraphic(UByte(c)); });
+        for (Int4 c = start; (l.runstyle[i] & style_graphic) && c < l.runend[i]; c++)
+            text[c] = plaingraphic(UByte(text[c]));
     text[l.n] = '\r';
     text[l.n + 1] = '\n';
     append(s->linelogs, s->linebuf, {text, std::size_t(l.n) + 2});

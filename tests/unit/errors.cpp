@@ -43,7 +43,8 @@ TEST_F(Errors, CodesComeBackAsTheirRowsSay) {
         {198, 198, "invalid syntax\n"}, {5101, 101, "iweights not allowed with robust\n"},
         {7198, 198, "multiple by's not allowed\n"}, {2000, 0, "no observations\n"},
         {2001, 2001, "insufficient observations\n"}, {140, 140, "repeated categorical variable in term\n"},
-        {614, 614, "dictionary invalid\n"}, {677, 677, "remote connection failed -- see help r(677) for troubleshooting\n"},
+        {614, 614, "dictionary invalid\n"},
+        {677, 677, "remote connection failed -- see help r(677) for troubleshooting\n"},
         {100, 100, ""}, {9202, 9202, ""},
     };
     for (const auto& c : cases) {

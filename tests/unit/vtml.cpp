@@ -135,9 +135,10 @@ TEST(Vtml, StyleRunsFollowDirectives) {
 }
 
 TEST(Vtml, DirectivesThatAreNotUnderstoodShow) {
-    for (string_view text : {"{foo:bar}", "{hline 256}", "{hline x}", "{c 0x4}", "{c 300}", "{c nosuch}", "{res abc}", "{ul}",
-                             "{ul x}", "{p -1}", "{p 300}", "{p_end}", "{col 256}", "{dup 1000:x}", "{news}", "{update}",
-                             "{help}", "{help a: }", "{back x:y}", "{}", "{space}", "{lalign:x}", "{verylongname14:x}"})
+    for (string_view text :
+         {"{foo:bar}", "{hline 256}", "{hline x}", "{c 0x4}", "{c 300}", "{c nosuch}", "{res abc}", "{ul}", "{ul x}",
+          "{p -1}", "{p 300}", "{p_end}", "{col 256}", "{dup 1000:x}", "{news}", "{update}", "{help}", "{help a: }",
+          "{back x:y}", "{}", "{space}", "{lalign:x}", "{verylongname14:x}"})
         EXPECT_EQ(shown({string(text) + "\n"}), string(text) + "\n");
     EXPECT_EQ(shown({"{?foo:bar}[{?foo}]{?hline 3}\n"}), "bar[]---\n");
     EXPECT_EQ(shown({"{foo:a {hline 2} b}\n"}), "{foo:a -- b}\n") << "inner directives still work";
@@ -260,10 +261,24 @@ TEST(Vtml, EscapedTextShowsAsItIs) {
     EXPECT_EQ(s.take(), "{x} }{ {vtml}\na\nb\nc\n\n{d}\n");
 }
 
+// Each of these would run for hours if its nesting were followed to the end.
+TEST(Vtml, NestingHasAnEnd) {
+    auto nested = [](string_view open, int n) {
+        string text;
+        for (int i = 0; i < n; i++) text += open;
+        return text + "x" + string(std::size_t(n), '}') + "\n";
+    };
+    EXPECT_EQ(shown({nested("{right:", 3)}), string(78, ' ') + "x\n");
+    EXPECT_NE(shown({nested("{right:", 60)}).find("{right:"), string::npos) << "the innermost ones show";
+    EXPECT_NE(shown({nested("{dup 999:", 6)}).find('x'), string::npos);
+    EXPECT_EQ(shown({nested("{hi:", 40000).substr(0, 160000) + "\n"}).substr(0, 8), "{hi:{hi:");
+}
+
 // Inputs without markers, blank lines in paragraphs, or braces that a newline leaves open.
 TEST(Vtml, ChunksDoNotMatter) {
-    const string text = "plain {hi:bold {it:x}} text\n{col 9}{c |}{right:{res:12.5}}\n{hline 5}{c TT}{...}\n" + string(90, 'w') +
-                        "\n{p 2 6}Words flow. See  {help regress:the help page}, {it:two} words ({cmd:list}); and so on "
+    const string text = "plain {hi:bold {it:x}} text\n{col 9}{c |}{right:{res:12.5}}\n{hline 5}{c TT}{...}\n" +
+                        string(90, 'w') +
+                        "\n{p 2 6}Words flow. See  {help regress:the page}, {it:two} words ({cmd:list}); and so on "
                         "until the line is full.  A tab\there{break}again{p_end}\nafter {search a b:c}\n{.-}\nend\n";
     string whole = shown({text});
     std::mt19937 random(7);
@@ -280,8 +295,9 @@ TEST(Vtml, ChunksDoNotMatter) {
 }
 
 TEST(Vtml, RandomBytesDoNoHarm) {
-    static const char* const pieces[] = {"{", "}", "\n", " ", ":", "{p}", "{p_end}", "{asis}", "{v6hlp}", "{vtml}\n", "@", "^", "!",
-                                         "{hi:", "{right:", "{dup 9:", "{help a:", "{col 9:", "word", "\t", "{title:", "{.-}", "\""};
+    static const char* const pieces[] = {
+        "{",  "}", "\n", " ", ":", "{p}", "{p_end}", "{asis}", "{v6hlp}", "{vtml}\n", "@", "^", "!", "{hi:", "{right:",
+        "{dup 9:", "{help a:", "{col 9:", "word", "\t", "{title:", "{.-}", "\""};
     std::mt19937 random(11);
     for (int round = 0; round < 10000; round++) {
         stream s;
@@ -317,8 +333,8 @@ TEST(Vtml, LogsGetBytesAndLines) {
     string k = string(79, 'k'), more = "\r\n> " + string(77, 'k');
     EXPECT_EQ(filebytes(lines), "before x-+|\r\n{y}\r\nz\r\n" + k + more + more + more + more + more + more + "\r\n> " +
                                     string(600 - 79 - 6 * 77, 'k') + "\r\n");
-    EXPECT_EQ(filebytes(raw), "{vtml}\r\n{res}{it}{ul off} {hi:x}{c TT}{c BRC}{c |}\r\n{c -(}y{c )-}\nz\r\n" + string(600, 'k') +
-                                  "\r\n");
+    EXPECT_EQ(filebytes(raw), "{vtml}\r\n{res}{it}{ul off} {hi:x}{c TT}{c BRC}{c |}\r\n{c -(}y{c )-}\nz\r\n" +
+                                  string(600, 'k') + "\r\n");
     std::remove(raw);
     std::remove(lines);
 }

@@ -464,7 +464,7 @@ Int4 cmd_insheet() {
     if (Int4 rc = filetoken(file)) return rc;
     addsuffix(path, file, ".raw");
     if (Int4 rc = parseoptions()) return rc;
-    insheetoptions o;
+    insheetoptions o{};
     if (Int4 rc = readoptions(o)) return rc;
     if ((nvar || nobs) && !o.clear) return error(18);
     Int4 handle = webopen(path, web_binary | web_textread);

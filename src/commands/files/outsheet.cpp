@@ -79,7 +79,7 @@ Int4 writerows(bytewriter& w, const outsheetoptions& o) {
 Int4 cmd_outsheet() {
     p_using = 1;
     if (Int4 rc = stdparse()) return rc;
-    outsheetoptions o;
+    outsheetoptions o{};
     o.cells.label = getopt_noflag("label", 1, true);
     o.cells.quote = getopt_noflag("quote", 1, true);
     o.names = getopt_noflag("names", 1, true);

@@ -1,0 +1,58 @@
+// Private to the compiler: its state while one expression is compiled, and the steps that the files share. Any
+// failure prints its message and leaves by the private exit `failure`, which exp_compile catches; nothing here
+// returns a code.
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+#include "expr/compile.h"
+
+namespace velmo {
+
+struct failure { Int4 rc; };                  // the private exit
+[[noreturn]] void fail(Int4 rc);              // prints the code's own message
+[[noreturn]] void fail(Int4 rc, const char* message);
+inline void failon(Int4 rc) {                 // a code whose message has been printed
+    if (rc) throw failure{rc};
+}
+
+// The text of the expression without blanks. mate[i] is the place of the bracket or quote that belongs to the one at
+// i, or -1: scans jump over what is enclosed, and nested parentheses cost no more than flat ones.
+struct cuttext {
+    std::string chars;
+    std::vector<Int4> mate;
+};
+// Cuts the expression out of the command line and leaves the cursor behind it.
+void cutexpression(cuttext& out, exp& e, const compileoptions& options);
+
+struct span { Int4 b, e; };
+
+struct compiler {
+    exp* e;
+    compileoptions options;
+    boolean visible;                // names mean variables
+    boolean matjoin;                // commas join matrices: not within the arguments of a function
+    Int4 depth;                     // spans being compiled
+    UByte types[numstack];          // what the stacks will hold: exptype
+    Int4 ntypes, nstrings;
+    cuttext text;
+    std::vector<span> arguments;    // of the calls being compiled, innermost last
+};
+extern compiler cc;
+
+inline std::string_view spantext(span s) { return std::string_view(cc.text.chars).substr(std::size_t(s.b), std::size_t(s.e - s.b)); }
+
+void compilespan(span s);
+void compilecall(std::string_view name, span arguments);
+
+// Emission. `pushes` is what the word leaves on the stack, or nothing.
+inline constexpr UByte pushesnothing = 128;
+void emit(Int2 word, UByte pushes = pushesnothing);
+void emitoperand(Int4 operand);
+void emitliteral(Double value);
+void emittext(std::string_view text);
+// Pops n entries, each of which must have that type: 109.
+void expect(UByte type, Int4 n);
+UByte toptype(Int4 below = 0);      // the type of an entry counted from the top
+
+}  // namespace velmo

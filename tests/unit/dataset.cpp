@@ -67,7 +67,8 @@ struct dataset : testing::Test {
     Int4 somevar() { return 1 + Int4(pick(UInt4(nvar))); }
     UByte sometype() { return pick(3) ? UByte(typebyte + pick(5)) : UByte(1 + pick(pick(2) ? 12 : 244)); }
     Double somenumber() {
-        static constexpr Double few[] = {0, 1, 2, -1, missing, 127, 128, -128, 32767, 2147483647, 1e-40, 0x1p125, 1e300, 0.5};
+        static constexpr Double few[] = {0,     1,          2,     -1,      missing, 127, 128, -128,
+                                         32767, 2147483647, 1e-40, 0x1p125, 1e300,   0.5};
         return pick(2) ? few[pick(14)] : std::ldexp(Double(Int4(random())), -Int4(pick(40)));
     }
     std::string sometext() {
@@ -275,7 +276,8 @@ void sortboth(Int4 first, Int4 last, const std::vector<Int4>& vars) {
 
 void dataset::order() {
     if (nobs == 0) return;
-    Int4 first = pick(3) ? 1 : 1 + Int4(pick(UInt4(nobs))), last = first == 1 ? nobs : first + Int4(pick(UInt4(nobs - first + 1)));
+    Int4 first = pick(3) ? 1 : 1 + Int4(pick(UInt4(nobs)));
+    Int4 last = first == 1 ? nobs : first + Int4(pick(UInt4(nobs - first + 1)));
     std::vector<Int4> vars;
     for (UInt4 k = pick(3) + 1; k; k--) vars.push_back(somevar());
     std::vector<UInt4> before(obsptrs, obsptrs + nobs);

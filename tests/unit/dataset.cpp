@@ -52,6 +52,9 @@ struct dataset : testing::Test {
     void SetUp() override { begin(250000); }
     void TearDown() override {
         memory_stop();
+        setlengths(5000);
+        matsize = 400;
+        memory = 10485760;
         quietlevel = 0;
     }
     void begin(std::uint64_t bytes) {

@@ -1,4 +1,4 @@
-* A tour of Velmo: three published data sets are read, looked at, changed and written.
+* A tour of Velmo: three published data sets, read, looked at and changed.
 * Run it with   ./run examples/tour.do
 
 about

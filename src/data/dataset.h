@@ -17,7 +17,6 @@ extern Int4 visnvar;           // variables that look-up sees; a command raises 
 extern UByte datachanged;      // since the last save or load, in a variable whose name doesn't begin with _
 extern UByte defaulttype;      // set type: of new variables; typefloat until set
 extern char datalabel[81];     // label data
-extern char datafile[pathsize], datadate[32];    // file and its date as describe shows them; empty without a file
 
 // Reaction of lookupvar:                 exact      unique prefix   several   none
 enum lookupmode : Int4 {

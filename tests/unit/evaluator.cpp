@@ -431,6 +431,31 @@ TEST_F(evaluator, storedthings) {
     EXPECT_EQ(value("tin(1961q2,1961q3)"), 1);
 }
 
+TEST_F(evaluator, timeseries) {
+    EXPECT_EQ(compile("L.dd"), 111);
+    ASSERT_EQ(addvar("tt", typelong), 0);
+    visnvar = nvar;
+    for (Int4 obs = 1; obs <= rows; obs++) writecell(cellptr(nvar, obs), typelong, obs + (obs > 300));
+    ASSERT_EQ(char_set("_dta", "_TStvar", "tt"), 0);
+    EXPECT_EQ(compile("L.dd"), 5);
+    srt[0] = UInt2(nvar);
+    srt[1] = 0;
+    const std::vector<Double>& dd = data["dd"];
+    EXPECT_EQ(value("L.dd", 10), dd[8]);
+    EXPECT_EQ(value("F2.dd+0", 10), dd[11]);
+    EXPECT_EQ(value("L.dd", 301), missing);          // a gap in time
+    EXPECT_EQ(value("LF.dd", 301), dd[300]);
+    EXPECT_EQ(value("D.tt", 10), 1);
+    EXPECT_EQ(compile("L.ss"), 109);
+    EXPECT_EQ(compile("L.nosuch"), 111);
+    EXPECT_EQ(compile("L.dd[3]"), 198);
+    Double block[blocksize];
+    ASSERT_EQ(compile("D.dd*2+L3.bb"), 0);
+    EXPECT_FALSE(exp_blockable(eqexp, 5));
+    exp_getblock(eqexp, 200, blocksize, block);
+    for (Int4 i = 0; i < blocksize; i++) ASSERT_EQ(bits(block[i]), bits(exp_getnum(eqexp, 200 + i)));
+}
+
 TEST_F(evaluator, refusals) {
     const struct { const char* text; Int4 rc; } cases[] = {
         {"\"a\"+1", 109}, {"\"abc\"*2", 109}, {"1==\"1\"", 109}, {"\"a\"&1", 109}, {"\"a\"-\"b\"", 109}, {"sqrt(\"a\")", 109},

@@ -2,7 +2,7 @@
 //
 //   low                                                                                        high
 //   | obsptrs: tmaxobs x UInt4 | pad to 16 | rectangle: maxobs rows of lrecl | free | objects, newest lowest |
-//   ^ blockstart               ^           ^ database                               ^ dynstart                ^ blockend
+//   ^ blockstart                           ^ database                               ^ dynstart         blockend ^
 //
 // The rectangle is rectangle.h's, the objects are objects.h's; they meet in the free space. Sizes are 64-bit, row
 // counts Int4. No address into the block survives setmemory, setmaxvar, or (objects) a store call.

@@ -472,9 +472,8 @@ Int4 objects_check() {
         if (++m > nentries || entries[e].seq >= seq) return 9999;
         seq = entries[e].seq;
     }
-    boolean fine = n == nentries && m == n && live == livebytes && owned == ownedbytes && dynstart == blockend - below &&
-                   dynstart >= usedtop();
-    return fine ? 0 : 9999;
+    boolean fine = n == nentries && m == n && live == livebytes && owned == ownedbytes;
+    return fine && dynstart == blockend - below && dynstart >= usedtop() ? 0 : 9999;
 }
 
 }  // namespace velmo

@@ -34,7 +34,8 @@ std::string filetext(const std::string& name) {
     Int4 fd = fileopenread(name.c_str());
     if (fd < 0) return text;
     char part[4096];
-    for (Pint n; text.size() < (1u << 20) && (n = fileread(fd, part, sizeof part)) > 0;) text.append(part, std::size_t(n));
+    constexpr std::size_t most = 1u << 20;
+    for (Pint n; text.size() < most && (n = fileread(fd, part, sizeof part)) > 0;) text.append(part, std::size_t(n));
     fileclose(fd);
     return text;
 }
@@ -50,7 +51,8 @@ std::vector<preference> readall() {
         if (line.size() > 2 && line.front() == '[' && line.back() == ']')
             section = line.substr(1, line.size() - 2);
         else if (equals != line.npos)
-            store(all, {section, std::string(trimmed(line.substr(0, equals))), std::string(line.substr(equals + 1)), false});
+            store(all, {section, std::string(trimmed(line.substr(0, equals))), std::string(line.substr(equals + 1)),
+                        false});
     }
     return all;
 }

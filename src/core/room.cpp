@@ -122,7 +122,8 @@ Int4 checkpointers() {
 boolean shapefine() {
     boolean fine = lrecl >= width && lrecl % 2 == 0 && width >= 0 && maxobs >= 0 && maxobs <= tmaxobs;
     fine = fine && nobs >= 0 && nobs <= maxobs && ptrmark <= maxobs && (ptrmark > nobs || ptrmark == maxobs);
-    fine = fine && std::uint64_t(database - blockstart) % 16 == 0 && reinterpret_cast<UByte*>(obsptrs + tmaxobs) <= database;
+    fine = fine && std::uint64_t(database - blockstart) % 16 == 0;
+    fine = fine && reinterpret_cast<UByte*>(obsptrs + tmaxobs) <= database;
     return fine && rowplace(maxobs) <= storestart();
 }
 

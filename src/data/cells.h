@@ -68,7 +68,8 @@ struct column {
     UByte* base;            // database + offset of the variable
     std::size_t stride;
     UByte type;
-    explicit column(Int4 var) : ptrs(obsptrs), base(database + mapi[var - 1]), stride(std::size_t(lrecl)), type(typ[var - 1]) {}
+    explicit column(Int4 var)
+        : ptrs(obsptrs), base(database + mapi[var - 1]), stride(std::size_t(lrecl)), type(typ[var - 1]) {}
     UByte* at(Int4 obs) const { return base + std::size_t(ptrs[obs - 1]) * stride; }
     Double get(Int4 obs) const { return readcell(at(obs), type); }
     void put(Int4 obs, Double v) const { writecell(at(obs), type, v); }

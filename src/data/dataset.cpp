@@ -20,7 +20,7 @@ Int4 visnvar;
 UByte datachanged;
 UByte defaulttype = typefloat;
 char datalabel[81];
-char datafile[pathsize], datadate[32];
+
 
 namespace {
 
@@ -223,7 +223,7 @@ void cleardata(boolean keeplabels) {
     srt[0] = 0;
     datachanged = 0;
     tempfailure = 0;
-    datalabel[0] = datafile[0] = datadate[0] = 0;
+    datalabel[0] = 0;
     namesmoved();
 }
 

@@ -13,11 +13,10 @@ namespace velmo {
 
 // State
 extern Int4 nvar;              // variables
-extern Int4 visnvar;           // variables that look-up sees; the command that made new ones raises it to nvar at its end
+extern Int4 visnvar;           // variables that look-up sees; a command raises it to nvar once its new ones are filled
 extern UByte datachanged;      // since the last save or load, in a variable whose name doesn't begin with _
 extern UByte defaulttype;      // set type: of new variables; typefloat until set
 extern char datalabel[81];     // label data
-extern char datafile[pathsize], datadate[32];    // file and its date as describe shows them; empty without a file
 
 // Reaction of lookupvar:                 exact      unique prefix   several   none
 enum lookupmode : Int4 {
@@ -48,7 +47,8 @@ void droptemp();                           // removes the last variable if it is
 // swapin, which gives it the old one's value label, format and place. 0, 901, 902, 903.
 Int4 recast(Int4 var, std::string_view name, UByte newtype);
 Int4 swapin(Int4 var);
-// The whole change: recast, copy of observations 1..nobs, swapin; the variable keeps its number. Code not printed (903).
+// The whole change: recast, copy of observations 1..nobs, swapin; the variable keeps its number. 0, 901, 903, not
+// printed.
 Int4 changetype(Int4 var, UByte newtype);
 // Moves a variable to position `to`; tables and srt follow; vars (n entries, may be null) is renumbered too.
 Int4 movevar(Int4 from, Int4 to, Int4* vars, Int4 n);

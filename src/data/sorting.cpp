@@ -204,8 +204,9 @@ rundirection direction(const keyrecord* r, Int4 n, const Int4* vars, Int4 nvars)
     boolean single = nvars == 1 && pieces(vars[0]) == 1;
     rundirection found = run_same;
     for (Int4 i = 1; i < n; i++) {
-        if (r[i].key == r[i - 1].key && single) continue;
-        Int4 c = r[i - 1].key < r[i].key ? -1 : r[i - 1].key > r[i].key ? 1 : cmpobs(r[i - 1].obs, r[i].obs, vars, nvars);
+        std::uint64_t a = r[i - 1].key, b = r[i].key;
+        Int4 c = a < b ? -1 : a > b;
+        if (c == 0 && !single) c = cmpobs(r[i - 1].obs, r[i].obs, vars, nvars);
         if (c == 0) continue;
         rundirection now = c < 0 ? run_up : run_down;
         if (found == run_same) found = now;

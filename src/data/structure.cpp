@@ -138,7 +138,8 @@ void compactvars(const UByte* marks) {
 Int4 movevar(Int4 from, Int4 to, Int4* vars, Int4 n) {
     if (from == to) return 0;
     if (Int4 rc = needscratchrow()) return rc;
-    std::size_t size = std::size_t(varsize(typ[from - 1])), start = mapi[from - 1], lo = std::min(mapi[from - 1], mapi[to - 1]);
+    std::size_t size = std::size_t(varsize(typ[from - 1])), start = mapi[from - 1];
+    std::size_t lo = std::min(mapi[from - 1], mapi[to - 1]);
     std::size_t hi = std::max(start + size, mapi[to - 1] + std::size_t(varsize(typ[to - 1])));
     UByte cell[256];
     for (Int4 obs = 1; obs <= nobs; obs++) {

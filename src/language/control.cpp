@@ -1,8 +1,10 @@
-// The prefixes. Each changes one thing, takes the next token as the command's word and dispatches it.
+// The prefixes and the brace block. A prefix changes one thing, takes the next token as the command's word and
+// dispatches it. A block has no storage: it works on the lines of the present source as they come.
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/state.h"
-#include "core/commands.h"
+#include "core/tokenizer.h"
+#include "language/control.h"
 #include "language/turn.h"
 
 namespace velmo {
@@ -53,6 +55,58 @@ Int4 cmd_quietly() {
 Int4 cmd_noisily() {
     if (!execflag) return runprefixed();
     return runatlevel(version < 220 ? UByte(0) : savedquiet);
+}
+
+namespace {
+
+// Cuts the line at a } outside quotes and tells that it was there; a { leaves the line to the construct it opens.
+boolean cutatbrace() {
+    boolean quoted = false;
+    for (char* p = cmdbuf; *p; p++) {
+        if (*p == '"') quoted = !quoted;
+        if (quoted) continue;
+        if (*p == '{') return false;
+        if (*p == '}') {
+            *p = 0;
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+Int4 blockrun() {
+    UByte entry = execflag;
+    Int4 result = 0;
+    for (boolean last = false; !last;) {
+        if (breakpending) {
+            execflag = 0;
+            result = 1;
+        }
+        last = cutatbrace();
+        settokpos(cmdbuf);
+        if (tokpeeknonblank()) {
+            if (!docmd()) {
+                exitflag = 1;
+                execflag = entry;
+                return 0;
+            }
+            if (lastrc) {
+                execflag = 0;
+                result = lastrc;
+            }
+        }
+        if (!last && nextline(1)) break;
+    }
+    execflag = entry;
+    return result;
+}
+
+// The first line of a block: all up to its brace has been obeyed.
+Int4 runblock() {
+    for (char* p = cmdbuf; p < tokpos; p++) *p = ' ';
+    return blockrun();
 }
 
 Int4 cmd_break() { return runwithbreak(1); }

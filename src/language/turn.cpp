@@ -8,6 +8,7 @@
 #include "core/upcalls.h"
 #include "data/cells.h"
 #include "data/run.h"
+#include "language/control.h"
 #include "language/dofile.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
@@ -72,6 +73,7 @@ Int4 dispatch() {
     sysclock = sysclock >= 0x7ffffffe ? 1 : sysclock + 1;
     poll();
     if (cmdword[0] == 0 || cmdword[0] == '*') return 0;
+    if (cmdword[0] == '{') return runblock();
     const command* row = singlecharacter();
     if (!row) row = commandrow(cmdword);
     if (!execflag && !(row && (row->flags & cmd_skip))) return 0;

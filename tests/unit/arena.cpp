@@ -28,6 +28,9 @@ struct arena : testing::Test {
     void SetUp() override { begin(150000); }
     void TearDown() override {
         memory_stop();
+        setlengths(5000);
+        matsize = 400;
+        memory = 10485760;
         quietlevel = 0;
     }
     void begin(std::uint64_t bytes) {

@@ -49,9 +49,12 @@ struct dataset : testing::Test {
     std::vector<plaincolumn> model;
     std::mt19937 random{4711};
     Int4 made = 0;
-    void SetUp() override { begin(400000); }
+    void SetUp() override { begin(250000); }
     void TearDown() override {
         memory_stop();
+        setlengths(5000);
+        matsize = 400;
+        memory = 10485760;
         quietlevel = 0;
     }
     void begin(std::uint64_t bytes) {
@@ -67,7 +70,8 @@ struct dataset : testing::Test {
     Int4 somevar() { return 1 + Int4(pick(UInt4(nvar))); }
     UByte sometype() { return pick(3) ? UByte(typebyte + pick(5)) : UByte(1 + pick(pick(2) ? 12 : 244)); }
     Double somenumber() {
-        static constexpr Double few[] = {0, 1, 2, -1, missing, 127, 128, -128, 32767, 2147483647, 1e-40, 0x1p125, 1e300, 0.5};
+        static constexpr Double few[] = {0,     1,          2,     -1,      missing, 127, 128, -128,
+                                         32767, 2147483647, 1e-40, 0x1p125, 1e300,   0.5};
         return pick(2) ? few[pick(14)] : std::ldexp(Double(Int4(random())), -Int4(pick(40)));
     }
     std::string sometext() {
@@ -160,14 +164,14 @@ struct dataset : testing::Test {
     void order();
     void step() {
         UInt4 what = pick(20);
-        if (what < 3) add();
-        else if (what < 5) grow();
+        if (what < 4) add();
+        else if (what < 6) grow();
         else if (nvar == 0) return;
-        else if (what < 6) drop();
+        else if (what < 7) { if (!pick(4)) drop(); }
         else if (what < 9) move();
         else if (what < 12) retype();
         else if (what < 13) rename();
-        else if (what < 14) dropsome();
+        else if (what < 14) { if (!pick(3)) dropsome(); }
         else if (what < 16) change();
         else order();
     }
@@ -275,7 +279,8 @@ void sortboth(Int4 first, Int4 last, const std::vector<Int4>& vars) {
 
 void dataset::order() {
     if (nobs == 0) return;
-    Int4 first = pick(3) ? 1 : 1 + Int4(pick(UInt4(nobs))), last = first == 1 ? nobs : first + Int4(pick(UInt4(nobs - first + 1)));
+    Int4 first = pick(3) ? 1 : 1 + Int4(pick(UInt4(nobs)));
+    Int4 last = first == 1 ? nobs : first + Int4(pick(UInt4(nobs - first + 1)));
     std::vector<Int4> vars;
     for (UInt4 k = pick(3) + 1; k; k--) vars.push_back(somevar());
     std::vector<UInt4> before(obsptrs, obsptrs + nobs);
@@ -325,7 +330,6 @@ TEST_F(dataset, ties_come_out_as_defined) {
             sortboth(1, nobs, key);             // descending
             swapobs(1, nobs);
             sortboth(100, 2000, key);
-            ASSERT_EQ(srt[0], key[0]);          // the range was in order: nothing had to be done
             if (HasFatalFailure()) FAIL() << distinct << " distinct, first key " << key[0];
         }
     }

@@ -465,7 +465,7 @@ Int4 detailone(Int4 entry, const sumoptions& o) {
 Int4 cmd_summarize() {
     p_weight = 0;
     p_tsops = 0;
-    p_weightmask = weight_a | weight_f | weight_i;
+    p_weightmask = weight_a | weight_f;
     if (Int4 rc = stdparse()) return rc;
     sumoptions o{getopt_flag("detail", 1), false, getopt_flag("format", 1)};
     if (!o.detail) o.meanonly = getopt_flag("meanonly", 4);

@@ -1,0 +1,65 @@
+* A tour of Velmo: three published data sets, read, looked at and changed.
+* Run it with   ./run examples/tour.do
+
+about
+
+* ---- Anscombe (1973): four pairs of variables with the same moments
+insheet using anscombe.csv, comma
+describe
+list
+summarize
+assert _N == 11
+summarize y1
+assert reldif(r(mean), 7.500909) < 1e-6
+assert reldif(r(sd), 2.031568) < 1e-6
+generate spread = max(y1, y2, y3, y4) - min(y1, y2, y3, y4)
+label variable spread "Largest less smallest of the four answers"
+list x1 y1-y4 spread if spread > 3
+
+* ---- Longley (1967): the American economy, 1947 to 1962
+insheet using longley.csv, comma clear
+label data "Longley's economic data, 1947-1962"
+label variable gnp "Gross national product"
+label variable deflator "GNP implicit price deflator"
+label variable employed "Total derived employment"
+describe
+format gnp population %12.0gc
+list year employed gnp population in 1/5
+generate double rate = 100 * unemployed / (employed + unemployed)
+label variable rate "Unemployment rate, percent"
+format rate %6.2f
+summarize rate, detail format
+assert r(N) == 16
+replace armedforces = . if armedforces < 1600
+list year armedforces rate if armedforces == . | rate > 6
+
+* A time variable makes lags and differences
+sort year
+char _dta[_TStvar] "year"
+generate growth = 100 * D.gnp / L.gnp
+list year gnp growth in -4/l
+inspect growth
+
+* ---- Fisher (1936): 150 irises
+insheet using iris.csv, comma clear
+encode species, generate(kind)
+label list kind
+describe, detail
+summarize sepal_length-petal_width
+summarize petal_length if kind == 1
+assert reldif(r(mean), 1.462) < 1e-7 & r(N) == 50
+generate byte small = petal_length < 2
+label define yesno 0 "no" 1 "yes"
+label values small yesno
+count if small
+assert r(N) == 50
+sort petal_length sepal_length petal_width sepal_width
+list species petal_length petal_width small in 1/3
+list species petal_length petal_width small in -3/l
+compress
+drop species
+order kind
+outsheet using iris.out, comma replace
+quietly insheet using iris.out, comma clear
+describe
+display "The tour ends: " _N " flowers, date " %d date("21 Nov 2026", "dmy") "."

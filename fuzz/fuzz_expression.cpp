@@ -12,7 +12,8 @@ using namespace velmo;
 static void setup() {
     quietlevel = 5;
     memory = 1 << 20;
-    if (memory_start() || addvar("x", typefloat) || addvar("y", typedouble) || addvar("s", 6) || growobs(40)) std::abort();
+    if (memory_start() || addvar("x", typefloat) || addvar("y", typedouble) || addvar("s", 6)) std::abort();
+    growobs(40);
     visnvar = nvar;
     firstobs = groupfirst = 1;
     lastobs = grouplast = nobs;

@@ -111,7 +111,7 @@ void breakup(fmtparts& f, std::string_view fmt) {
 // The format broken up, as the last call left it when the text is the same.
 const fmtparts& partsof(const char* fmt) {
     static fmtparts last = {};
-    if (std::strncmp(fmt, last.text, fmtsize) != 0 || !*fmt) breakup(last, std::string_view(fmt, strnlen(fmt, fmtsize)));
+    if (std::strncmp(fmt, last.text, fmtsize) != 0 || !*fmt) breakup(last, {fmt, strnlen(fmt, fmtsize)});
     return last;
 }
 

@@ -174,7 +174,9 @@ Int4 processid() { return getpid(); }
 void* pagealloc(std::size_t n) {
     if (n > memorylimit()) return nullptr;
     void* p = mmap(nullptr, n, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    return p == MAP_FAILED ? nullptr : p;
+    if (p == MAP_FAILED) return nullptr;
+    madvise(p, n, MADV_HUGEPAGE);    // fewer misses of the address cache; a refusal does not matter
+    return p;
 }
 
 void pagefree(void* p, std::size_t n) {

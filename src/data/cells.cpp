@@ -47,11 +47,20 @@ UByte typeneeded(UByte type, Double v) {
 
 namespace {
 
-template <class T> Double widened(T v, T code) { return v == code ? missing : Double(v); }
+// Rows are fetched well ahead: a permuted order defeats the machine's own prefetching, and rows in order profit too.
+constexpr Int4 ahead = 48;
 
-template <class T> void gather(const column& c, Int4 first, Int4 n, Double* out, T code) {
+template <class T, class F> void gather(const column& c, Int4 first, Int4 n, Double* out, F widen) {
     const UInt4* ptr = c.ptrs + first - 1;
-    for (Int4 i = 0; i < n; i++) out[i] = widened(readraw<T>(c.base + std::size_t(ptr[i]) * c.stride), code);
+    Int4 known = ptrmark - (first - 1) - ahead;
+    for (Int4 i = 0; i < n; i++) {
+        if (i < known) __builtin_prefetch(c.base + std::size_t(ptr[i + ahead]) * c.stride);
+        out[i] = widen(readraw<T>(c.base + std::size_t(ptr[i]) * c.stride));
+    }
+}
+
+template <class T> void gathercoded(const column& c, Int4 first, Int4 n, Double* out, T code) {
+    gather<T>(c, first, n, out, [code](T v) { return v == code ? missing : Double(v); });
 }
 
 }  // namespace
@@ -59,11 +68,11 @@ template <class T> void gather(const column& c, Int4 first, Int4 n, Double* out,
 void getcolumn(Int4 var, Int4 first, Int4 n, Double* out) {
     column c(var);
     switch (c.type) {
-    case typebyte: gather<SByte>(c, first, n, out, bytemissing); break;
-    case typeint: gather<Int2>(c, first, n, out, intmissing); break;
-    case typelong: gather<Int4>(c, first, n, out, longmissing); break;
-    case typefloat: gather<Float>(c, first, n, out, floatmissing); break;
-    case typedouble: gather<Double>(c, first, n, out, missing); break;
+    case typebyte: gathercoded<SByte>(c, first, n, out, bytemissing); break;
+    case typeint: gathercoded<Int2>(c, first, n, out, intmissing); break;
+    case typelong: gathercoded<Int4>(c, first, n, out, longmissing); break;
+    case typefloat: gathercoded<Float>(c, first, n, out, floatmissing); break;
+    case typedouble: gather<Double>(c, first, n, out, [](Double v) { return v; }); break;
     default:
         for (Int4 i = 0; i < n; i++) out[i] = missing;
     }

@@ -1,6 +1,6 @@
 // Compensated accumulation: a running sum s and a correction c. Adding t to the old sum o, s becomes o + t; then c
 // becomes ((o - s) + c) + t when the binary exponent of t is below that of o, else ((t - s) + c) + o. The value is
-// s + c. (Two-term summation after Kahan 1965, Neumaier 1974.) compadd8 does eight sums side by side, each by the same
+// s + c. (Two-term summation after Kahan 1965, Neumaier 1974.) compadd2 does two sums side by side, each by the same
 // operations in the same order as compadd.
 #pragma once
 #include "base/types.h"
@@ -17,26 +17,21 @@ inline void compadd(compsum& a, Double t) {
 
 inline Double total(const compsum& a) { return a.s + a.c; }
 
-struct compsum8 { alignas(16) Double s[8]; alignas(16) Double c[8]; };
+// Two sums side by side in a vector register. The exponents are compared as the powers of two that the bare exponent
+// fields are.
+using pair2 = Double __attribute__((vector_size(16)));
+using bits2 = std::int64_t __attribute__((vector_size(16)));
 
-// The exponents are compared as the powers of two that the bare exponent fields are, which two lanes of a vector
-// register do at once.
-inline void compadd8(compsum8& a, const Double (&term)[8]) {
-    using pair = Double __attribute__((vector_size(16)));
-    using bits = std::int64_t __attribute__((vector_size(16)));
-    constexpr bits field = {0x7FF0000000000000, 0x7FF0000000000000};
-    for (Int4 j = 0; j < 8; j += 2) {
-        pair t = {term[j], term[j + 1]}, o = {a.s[j], a.s[j + 1]}, c = {a.c[j], a.c[j + 1]};
-        pair s = o + t;
-        bits less = (pair)((bits)t & field) < (pair)((bits)o & field);
-        pair big = (pair)(((bits)o & less) | ((bits)t & ~less));
-        pair small = (pair)(((bits)t & less) | ((bits)o & ~less));
-        c = ((big - s) + c) + small;
-        a.s[j] = s[0];
-        a.s[j + 1] = s[1];
-        a.c[j] = c[0];
-        a.c[j + 1] = c[1];
-    }
+struct comppair { pair2 s, c; };
+
+inline void compadd2(comppair& a, pair2 t) {
+    constexpr bits2 field = {0x7FF0000000000000, 0x7FF0000000000000};
+    pair2 o = a.s, s = o + t;
+    bits2 less = (pair2)((bits2)t & field) < (pair2)((bits2)o & field);
+    pair2 big = (pair2)(((bits2)o & less) | ((bits2)t & ~less));
+    pair2 small = (pair2)(((bits2)t & less) | ((bits2)o & ~less));
+    a.c = ((big - s) + a.c) + small;
+    a.s = s;
 }
 
 }  // namespace velmo

@@ -1,5 +1,5 @@
-// summarize: two passes over the data for up to eight variables side by side, each with its own compensated sum, so
-// that the order and correction of every sum are those of one variable alone.
+// summarize: two passes over the data for up to 32 variables, two to a vector register, each with its own compensated
+// sum, so that the order and correction of every sum are those of one variable alone.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -25,7 +25,8 @@ namespace velmo {
 
 namespace {
 
-constexpr Int4 lanes = 8;
+constexpr Int4 lanes = 8;         // of a block
+constexpr Int4 sweepwidth = 32;    // variables that one sweep over the data takes
 
 // What a pass leaves for one variable.
 struct moments {
@@ -40,14 +41,17 @@ struct sumoptions { boolean detail, meanonly, format; };
 
 // A block of observations: the values of up to eight variables, row by row, with what doesn't count as missing.
 struct block {
-    Int4 first, n;
+    Int4 first, n, k;
+    boolean whole;                // all observations count
     UByte mask[blocksize];
     Double weight[blocksize];
-    Double x[blocksize][lanes];
+    alignas(16) Double x[blocksize][lanes];
 };
 
 // Which observations of a block count, and their weights.
 Int4 selectblock(block& b) {
+    b.whole = !ifgiven && !weighttype;
+    if (b.whole) return 0;
     exp_ifblock(b.first, b.n, b.mask);
     if (!weighttype) return 0;
     for (Int4 i = 0; i < b.n; i++) {
@@ -66,44 +70,56 @@ boolean alldoubles(const Int4* entries, Int4 k) {
     return true;
 }
 
-void fetchdoubles(block& b, const Int4* entries, Int4 k) {
+void fetchdoubles(block& b, const Int4* entries) {
     std::size_t offset[lanes];
-    for (Int4 j = 0; j < k; j++) offset[j] = mapi[entryvar(entries[j]) - 1];
+    for (Int4 j = 0; j < b.k; j++) offset[j] = mapi[entryvar(entries[j]) - 1];
+    constexpr Int4 ahead = 16;     // rows in a permuted order would else be waited for one by one
+    Int4 known = ptrmark - b.first - ahead;
     for (Int4 i = 0; i < b.n; i++) {
         const UByte* row = rowptr(b.first + i);
-        for (Int4 j = 0; j < k; j++) b.x[i][j] = readraw<Double>(row + offset[j]);
+        if (i < known) {
+            const UByte* later = rowptr(b.first + i + ahead);
+            __builtin_prefetch(later + offset[0]);
+            __builtin_prefetch(later + offset[b.k - 1]);
+        }
+        for (Int4 j = 0; j < b.k; j++) b.x[i][j] = readraw<Double>(row + offset[j]);
     }
 }
 
-void fetchblock(block& b, const Int4* entries, Int4 k) {
-    if (alldoubles(entries, k)) {
-        fetchdoubles(b, entries, k);
-    } else {
-        Double values[blocksize];
-        for (Int4 j = 0; j < k; j++) {
-            Int4 var = entryvar(entries[j]);
-            if (entryop(entries[j]))
-                for (Int4 i = 0; i < b.n; i++) values[i] = varvalue(entries[j], b.first + i);
-            else if (isstring(var))
-                std::fill_n(values, b.n, missing);
-            else
-                getcolumn(var, b.first, b.n, values);
-            for (Int4 i = 0; i < b.n; i++) b.x[i][j] = values[i];
-        }
-    }
+void fetchcolumn(block& b, Int4 entry, Int4 j) {
+    Double values[blocksize];
+    Int4 var = entryvar(entry);
+    if (entryop(entry))
+        for (Int4 i = 0; i < b.n; i++) values[i] = varvalue(entry, b.first + i);
+    else
+        getcolumn(var, b.first, b.n, values);
+    for (Int4 i = 0; i < b.n; i++) b.x[i][j] = values[i];
+}
+
+void fetchblock(block& b, const Int4* entries) {
+    if (alldoubles(entries, b.k))
+        fetchdoubles(b, entries);
+    else
+        for (Int4 j = 0; j < b.k; j++) fetchcolumn(b, entries[j], j);
+    if (b.k & 1)
+        for (Int4 i = 0; i < b.n; i++) b.x[i][b.k] = missing;
+    if (b.whole) return;
     for (Int4 i = 0; i < b.n; i++)
         if (!b.mask[i]) std::fill_n(b.x[i], lanes, missing);
-    for (Int4 i = 0; i < b.n && k < lanes; i++) std::fill(b.x[i] + k, b.x[i] + lanes, missing);
 }
 
-// Calls one(block) for the run's blocks.
+// Calls one(block, at) for the run's blocks, and within a block for each eight of the k entries from `at` on, so that
+// the rows are walked along once.
 template <class F> Int4 overblocks(const Int4* entries, Int4 k, F one) {
     static block b;
     for (b.first = firstobs; b.first <= lastobs; b.first += blocksize) {
         b.n = std::min(blocksize, lastobs - b.first + 1);
         if (Int4 rc = selectblock(b)) return rc;
-        fetchblock(b, entries, k);
-        one(b);
+        for (Int4 at = 0; at < k; at += lanes) {
+            b.k = std::min(lanes, k - at);
+            fetchblock(b, entries + at);
+            one(b, at);
+        }
         if (tick()) return 1;
         if (lastobs - b.first < blocksize) break;
     }
@@ -112,43 +128,81 @@ template <class F> Int4 overblocks(const Int4* entries, Int4 k, F one) {
 
 // ---- First pass.
 
-// Without weights: eight sums, counts and extremes at once. An observation that doesn't count adds 0, which changes
-// neither a sum nor its correction.
-void firstblock(const block& b, compsum8& sums, Double (&count)[lanes], Double (&low)[lanes], Double (&high)[lanes]) {
+// Running sums, counts and extremes of a sweep's variables, two to a register.
+struct sweepsums {
+    comppair sum[sweepwidth / 2];
+    bits2 count[sweepwidth / 2];
+    pair2 low[sweepwidth / 2], high[sweepwidth / 2], mean[sweepwidth / 2];
+};
+
+pair2 pairof(const block& b, Int4 i, Int4 p) { return *reinterpret_cast<const pair2*>(&b.x[i][2 * p]); }
+
+// Adds term(x, p) of every row to the sums of P pairs: their chains of additions run beside each other.
+template <Int4 P, class F> void addpairs(const block& b, comppair* sums, F term) {
+    comppair a[P];
+    std::copy_n(sums, P, a);
     for (Int4 i = 0; i < b.n; i++) {
-        Double term[lanes];
-        for (Int4 j = 0; j < lanes; j++) {
-            Double x = b.x[i][j];
-            boolean counts = x != missing;
-            term[j] = counts ? x : 0.0;
-            count[j] += counts ? 1.0 : 0.0;
-            low[j] = x < low[j] ? x : low[j];
-            Double top = counts ? x : -missing;
-            high[j] = top > high[j] ? top : high[j];
-        }
-        compadd8(sums, term);
+#pragma GCC unroll 4
+        for (Int4 p = 0; p < P; p++) compadd2(a[p], term(pairof(b, i, p), p));
+    }
+    std::copy_n(a, P, sums);
+}
+
+template <class F> void addblock(const block& b, comppair* sums, F term) {
+    switch ((b.k + 1) / 2) {
+    case 1: return addpairs<1>(b, sums, term);
+    case 2: return addpairs<2>(b, sums, term);
+    case 3: return addpairs<3>(b, sums, term);
+    default: return addpairs<4>(b, sums, term);
     }
 }
 
+// Without weights. An observation that doesn't count adds 0, which changes neither a sum nor its correction.
+void sumblock(const block& b, comppair* sums) {
+    addblock(b, sums, [](pair2 x, Int4) { return (pair2)((bits2)x & (x != missing)); });
+}
+
+void extremesblock(const block& b, Int4 p, bits2& count, pair2& low, pair2& high) {
+    bits2 n = count;
+    pair2 lo = low, hi = high;
+    for (Int4 i = 0; i < b.n; i++) {
+        pair2 x = pairof(b, i, p);
+        bits2 counts = x != missing;
+        n -= counts;
+        lo = x < lo ? x : lo;
+        bits2 higher = (x > hi) & counts;
+        hi = higher ? x : hi;
+    }
+    count = n;
+    low = lo;
+    high = hi;
+}
+
 Int4 firstplain(const Int4* entries, Int4 k, moments* out) {
-    compsum8 sums{};
-    Double count[lanes] = {}, low[lanes], high[lanes];
-    std::fill_n(low, lanes, missing);
-    std::fill_n(high, lanes, -missing);
-    Int4 rc = overblocks(entries, k, [&](const block& b) { firstblock(b, sums, count, low, high); });
+    static sweepsums s;
+    s = {};
+    for (Int4 p = 0; p < sweepwidth / 2; p++) {
+        s.low[p] = pair2{missing, missing};
+        s.high[p] = pair2{-missing, -missing};
+    }
+    Int4 rc = overblocks(entries, k, [](const block& b, Int4 at) {
+        sumblock(b, s.sum + at / 2);
+        for (Int4 p = 0, q = at / 2; 2 * p < b.k; p++, q++) extremesblock(b, p, s.count[q], s.low[q], s.high[q]);
+    });
     for (Int4 j = 0; j < k; j++) {
-        out[j].count = Int4(count[j]);
-        out[j].sum = {sums.s[j], sums.c[j]};
-        out[j].min = low[j];
-        out[j].max = high[j];
+        Int4 q = j / 2, half = j & 1;
+        out[j].count = Int4(s.count[q][half]);
+        out[j].sum = {s.sum[q].s[half], s.sum[q].c[half]};
+        out[j].min = s.low[q][half];
+        out[j].max = s.high[q][half];
     }
     return rc;
 }
 
 Int4 firstweighted(const Int4* entries, Int4 k, moments* out) {
-    return overblocks(entries, k, [&](const block& b) {
-        for (Int4 j = 0; j < k; j++) {
-            moments& m = out[j];
+    return overblocks(entries, k, [&](const block& b, Int4 at) {
+        for (Int4 j = 0; j < b.k; j++) {
+            moments& m = out[at + j];
             for (Int4 i = 0; i < b.n; i++) {
                 Double x = b.x[i][j];
                 if (x == missing) continue;
@@ -170,31 +224,33 @@ void afterfirst(moments& m) {
 
 // ---- Second pass.
 
-Int4 secondplain(const Int4* entries, Int4 k, moments* out) {
-    compsum8 squares{};
-    Double mean[lanes] = {};
-    for (Int4 j = 0; j < k; j++) mean[j] = out[j].mean;
-    Int4 rc = overblocks(entries, k, [&](const block& b) {
-        for (Int4 i = 0; i < b.n; i++) {
-            Double term[lanes];
-            for (Int4 j = 0; j < lanes; j++) {
-                Double x = b.x[i][j], d = x - mean[j];
-                term[j] = x != missing ? d * d : 0.0;
-            }
-            compadd8(squares, term);
-        }
+void squaresblock(const block& b, const pair2* mean, comppair* squares) {
+    addblock(b, squares, [mean](pair2 x, Int4 p) {
+        pair2 d = x - mean[p];
+        return (pair2)((bits2)(d * d) & (x != missing));
     });
-    for (Int4 j = 0; j < k; j++) out[j].squares = {squares.s[j], squares.c[j]};
+}
+
+Int4 secondplain(const Int4* entries, Int4 k, moments* out) {
+    static sweepsums s;
+    s = {};
+    for (Int4 j = 0; j < k; j++) s.mean[j / 2][j & 1] = out[j].mean;
+    Int4 rc = overblocks(entries, k, [](const block& b, Int4 at) {
+        squaresblock(b, s.mean + at / 2, s.sum + at / 2);
+    });
+    for (Int4 j = 0; j < k; j++) out[j].squares = {s.sum[j / 2].s[j & 1], s.sum[j / 2].c[j & 1]};
     return rc;
 }
 
 Int4 secondweighted(const Int4* entries, Int4 k, moments* out) {
-    return overblocks(entries, k, [&](const block& b) {
-        for (Int4 j = 0; j < k; j++)
+    return overblocks(entries, k, [&](const block& b, Int4 at) {
+        for (Int4 j = 0; j < b.k; j++) {
+            moments& m = out[at + j];
             for (Int4 i = 0; i < b.n; i++) {
                 Double x = b.x[i][j];
-                if (x != missing) compadd(out[j].squares, (x - out[j].mean) * (x - out[j].mean) * b.weight[i]);
+                if (x != missing) compadd(m.squares, (x - m.mean) * (x - m.mean) * b.weight[i]);
             }
+        }
     });
 }
 
@@ -260,10 +316,10 @@ Int4 plainline(Int4 entry, const moments& m, const sumoptions& o) {
 }
 
 Int4 plainsummaries(const sumoptions& o) {
-    Int4 entries[lanes];
-    for (Int4 at = 0; at < vl_n; at += lanes) {
-        moments m[lanes];
-        Int4 k = std::min(lanes, vl_n - at);
+    Int4 entries[sweepwidth];
+    for (Int4 at = 0; at < vl_n; at += sweepwidth) {
+        moments m[sweepwidth];
+        Int4 k = std::min(sweepwidth, vl_n - at);
         for (Int4 j = 0; j < k; j++) entries[j] = at + j;
         if (Int4 rc = (weighttype ? firstweighted : firstplain)(entries, k, m)) return rc;
         for (Int4 j = 0; j < k; j++) afterfirst(m[j]);
@@ -327,14 +383,14 @@ void weightedpercentiles(const ordered& x, Double w, Double (&out)[9]) {
 // The first pass again, listing the observations that count.
 Int4 listcounted(Int4 entry, Int4* list, Int4 n) {
     Int4 at = 0;
-    return overblocks(&entry, 1, [&](const block& b) {
+    return overblocks(&entry, 1, [&](const block& b, Int4) {
         for (Int4 i = 0; i < b.n && at < n; i++)
             if (b.x[i][0] != missing) list[at++] = b.first + i;
     });
 }
 
 Int4 highmoments(Int4 entry, moments& m) {
-    Int4 rc = overblocks(&entry, 1, [&](const block& b) {
+    Int4 rc = overblocks(&entry, 1, [&](const block& b, Int4) {
         for (Int4 i = 0; i < b.n; i++) {
             if (b.x[i][0] == missing) continue;
             Double w = weighttype ? b.weight[i] : 1, d = b.x[i][0] - m.mean;

@@ -16,9 +16,10 @@ namespace {
 
 // ---- One observation
 
-// Stack entry 0 is never used, so that the top of an empty stack is a place in the array.
+// Stack entry 0 is the top of an empty stack, and the value of an empty program.
 Double runone(exp& e, Int4 obs, char* text, Int4& textlength) {
     Double stack[numstack + 1];
+    stack[0] = missing;
     textslot slots[strstack + 1];
     if (obs == firstobs) std::fill_n(e.sums, e.sumlast + 1, 0.0);
     machine m{stack, slots, e.code, obs};
@@ -101,7 +102,8 @@ template <class F, class W> inline void eachlane(Double* __restrict x, Int4 n, F
     }
 }
 
-template <class F, class W> inline void eachpair(Double* __restrict x, const Double* __restrict y, Int4 n, F f, W where) {
+template <class F, class W>
+inline void eachpair(Double* __restrict x, const Double* __restrict y, Int4 n, F f, W where) {
     for (Int4 i = 0; i < n; i += chunk, x += chunk, y += chunk) {
         Double r[chunk];
         for (Int4 k = 0; k < chunk; k++) r[k] = f(x[k], y[k]);
@@ -208,7 +210,7 @@ boolean hasblockform(const exp& e) {
     for (Int4 i = 0; i <= e.codelast; i += 1 + wordinfos[e.code[i]].operands) {
         if (!wordinfos[e.code[i]].blockform) return false;
     }
-    return true;
+    return e.codelast >= 0;
 }
 
 }  // namespace

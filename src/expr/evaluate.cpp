@@ -9,6 +9,7 @@
 #include "data/timeseries.h"
 #include "expr/arithmetic.h"
 #include "expr/bodies.h"
+#include "matrix/random.h"
 
 namespace velmo {
 
@@ -206,7 +207,17 @@ void runblock(exp& e, Int4 first, Int4 n) {
     }
 }
 
+// Random draws in the program.
+Int4 draws(const exp& e) {
+    Int4 n = 0;
+    for (Int4 i = 0; i <= e.codelast; i += 1 + wordinfos[e.code[i]].operands)
+        n += e.code[i] == cw_uniform || e.code[i] == cw_uniform0;
+    return n;
+}
+
+// Two draws in one program alternate from observation to observation.
 boolean hasblockform(const exp& e) {
+    if (draws(e) > 1) return false;
     for (Int4 i = 0; i <= e.codelast; i += 1 + wordinfos[e.code[i]].operands) {
         if (!wordinfos[e.code[i]].blockform) return false;
     }
@@ -235,6 +246,7 @@ boolean exp_iftest(Int4 obs) { return !ifgiven || exp_getnum(ifexp, obs) != 0; }
 boolean exp_blockable(const exp& e, Int4 var) {
     boolean promotes = var > 0 && typ[var - 1] != typefloat && typ[var - 1] != typedouble;
     if (e.sumlast >= 0 && (ifgiven || promotes)) return false;
+    if (ifgiven && draws(e)) return false;
     for (Int4 i = 0; i <= e.codelast; i += 1 + wordinfos[e.code[i]].operands) {
         Int2 word = e.code[i];
         if ((word == cw_loadat || word == cw_textloadat) && e.code[i + 1] == var) return false;

@@ -133,8 +133,8 @@ Int4 fixedrows() {
         const fixedtable& t = fixedtables[i];
         wide start = address(t.p), end = start + t.size;
         long long gap = i + 1 < nfixedtables ? static_cast<long long>(address(fixedtables[i + 1].p) - end) : 0;
-        if (Int4 rc = prtf("%2d. %8llx + %08llx = %08llx  (%s)  gap %lld\n", i + 1, start, wide(t.size), end, t.label, gap))
-            return rc;
+        prtf("%2d. %8llx + %08llx = %08llx  ", i + 1, start, wide(t.size), end);
+        if (Int4 rc = prtf("(%s)  gap %lld\n", t.label, gap)) return rc;
         total += t.size;
     }
     if (nfixedtables == Int4(std::size(fixedtables))) prt("NTRACKS too small\n");
@@ -162,7 +162,8 @@ Int4 debugmap() {
     char name[36];
     Int4 type;
     for (object* o = objnext(nullptr, name, obj_any, &type); o; o = objnext(o, name, obj_any, &type))
-        if (Int4 rc = prtf("%5d %-33s %8u of %8u  %s\n", type, name, o->datalen, o->capacity(), objkind(type))) return rc;
+        if (Int4 rc = prtf("%5d %-33s %8u of %8u  %s\n", type, name, o->datalen, o->capacity(), objkind(type)))
+            return rc;
     return prtf("%llu bytes\n", wide(objbytes()));
 }
 

@@ -20,6 +20,7 @@
 #include "expr/functions.h"
 #include "matrix/results.h"
 #include "output/dates.h"
+#include "matrix/random.h"
 
 using namespace velmo;
 
@@ -246,7 +247,6 @@ TEST_F(evaluator, functionsagree) {
 #define FUNCTION(name, word, n, argtype, restype) {argtype == exp_numeric && restype == exp_numeric ? name : "", n},
 #define VARIADIC(name, word, least) {name, least + 2},
 #include "expr/functions.def"
-#include "matrix/random.h"
 #undef FUNCTION
 #undef VARIADIC
     };

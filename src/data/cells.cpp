@@ -47,11 +47,23 @@ UByte typeneeded(UByte type, Double v) {
 
 namespace {
 
-// Rows are fetched well ahead: a permuted order defeats the machine's own prefetching, and rows in order profit too.
+// Pointers in a permuted order defeat the machine's own prefetching: rows are then asked for well ahead. In the plain
+// order, which is the usual one, the rows lie one stride apart and nothing need be looked up.
 constexpr Int4 ahead = 48;
+
+boolean inorder(const UInt4* ptr, Int4 n) {
+    UInt4 differs = 0;
+    for (Int4 i = 0; i < n; i++) differs |= ptr[i] - ptr[0] - UInt4(i);
+    return differs == 0;
+}
 
 template <class T, class F> void gather(const column& c, Int4 first, Int4 n, Double* out, F widen) {
     const UInt4* ptr = c.ptrs + first - 1;
+    if (inorder(ptr, n)) {
+        const UByte* p = c.at(first);
+        for (Int4 i = 0; i < n; i++, p += c.stride) out[i] = widen(readraw<T>(p));
+        return;
+    }
     Int4 known = ptrmark - (first - 1) - ahead;
     for (Int4 i = 0; i < n; i++) {
         if (i < known) __builtin_prefetch(c.base + std::size_t(ptr[i + ahead]) * c.stride);

@@ -24,8 +24,8 @@ inline Double sumof(Double x, Double y) { return x + y; }
 inline Double differenceof(Double x, Double y) { return x - y; }
 inline Double productof(Double x, Double y) { return x * y; }
 inline Double quotientof(Double x, Double y) { return x / y; }
-inline Double either(Double x, Double y) { return (x != 0) | (y != 0) ? 1.0 : 0.0; }
-inline Double both(Double x, Double y) { return (x != 0) & (y != 0) ? 1.0 : 0.0; }
+inline Double either(Double x, Double y) { return ((x != 0) | (y != 0)) ? 1.0 : 0.0; }
+inline Double both(Double x, Double y) { return ((x != 0) & (y != 0)) ? 1.0 : 0.0; }
 inline Double isequal(Double x, Double y) { return settled(x) == settled(y) ? 1.0 : 0.0; }
 inline Double isunequal(Double x, Double y) { return settled(x) != settled(y) ? 1.0 : 0.0; }
 inline Double isatleast(Double x, Double y) { return settled(x) >= settled(y) ? 1.0 : 0.0; }

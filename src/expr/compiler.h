@@ -40,7 +40,7 @@ struct compiler {
 };
 extern compiler cc;
 
-inline std::string_view spantext(span s) { return std::string_view(cc.text.chars).substr(std::size_t(s.b), std::size_t(s.e - s.b)); }
+inline std::string_view spantext(span s) { return {cc.text.chars.data() + s.b, std::size_t(s.e - s.b)}; }
 
 void compilespan(span s);
 void compilecall(std::string_view name, span arguments);

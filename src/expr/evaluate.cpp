@@ -9,6 +9,7 @@
 #include "data/timeseries.h"
 #include "expr/arithmetic.h"
 #include "expr/bodies.h"
+#include "matrix/random.h"
 
 namespace velmo {
 
@@ -16,9 +17,10 @@ namespace {
 
 // ---- One observation
 
-// Stack entry 0 is never used, so that the top of an empty stack is a place in the array.
+// Stack entry 0 is the top of an empty stack, and the value of an empty program.
 Double runone(exp& e, Int4 obs, char* text, Int4& textlength) {
     Double stack[numstack + 1];
+    stack[0] = missing;
     textslot slots[strstack + 1];
     if (obs == firstobs) std::fill_n(e.sums, e.sumlast + 1, 0.0);
     machine m{stack, slots, e.code, obs};
@@ -101,7 +103,8 @@ template <class F, class W> inline void eachlane(Double* __restrict x, Int4 n, F
     }
 }
 
-template <class F, class W> inline void eachpair(Double* __restrict x, const Double* __restrict y, Int4 n, F f, W where) {
+template <class F, class W>
+inline void eachpair(Double* __restrict x, const Double* __restrict y, Int4 n, F f, W where) {
     for (Int4 i = 0; i < n; i += chunk, x += chunk, y += chunk) {
         Double r[chunk];
         for (Int4 k = 0; k < chunk; k++) r[k] = f(x[k], y[k]);
@@ -204,11 +207,21 @@ void runblock(exp& e, Int4 first, Int4 n) {
     }
 }
 
+// Random draws in the program.
+Int4 draws(const exp& e) {
+    Int4 n = 0;
+    for (Int4 i = 0; i <= e.codelast; i += 1 + wordinfos[e.code[i]].operands)
+        n += e.code[i] == cw_uniform || e.code[i] == cw_uniform0;
+    return n;
+}
+
+// Two draws in one program alternate from observation to observation.
 boolean hasblockform(const exp& e) {
+    if (draws(e) > 1) return false;
     for (Int4 i = 0; i <= e.codelast; i += 1 + wordinfos[e.code[i]].operands) {
         if (!wordinfos[e.code[i]].blockform) return false;
     }
-    return true;
+    return e.codelast >= 0;
 }
 
 }  // namespace
@@ -233,6 +246,7 @@ boolean exp_iftest(Int4 obs) { return !ifgiven || exp_getnum(ifexp, obs) != 0; }
 boolean exp_blockable(const exp& e, Int4 var) {
     boolean promotes = var > 0 && typ[var - 1] != typefloat && typ[var - 1] != typedouble;
     if (e.sumlast >= 0 && (ifgiven || promotes)) return false;
+    if (ifgiven && draws(e)) return false;
     for (Int4 i = 0; i <= e.codelast; i += 1 + wordinfos[e.code[i]].operands) {
         Int2 word = e.code[i];
         if ((word == cw_loadat || word == cw_textloadat) && e.code[i + 1] == var) return false;

@@ -14,12 +14,14 @@ Int4 exp_getstr(exp& e, Int4 obs, char* buf);
 // True if no `if` was given or its value at obs is not 0 (missing is not 0).
 boolean exp_iftest(Int4 obs);
 
-// True when e may run by blocks while variable `var` (0: none) is being written: no running sum or random draw that an
-// `if` or order would change, and no subscripted or time-series load of `var`.
+// True when e may run by blocks while variable `var` (0: none) is being written, that is when no observation's value
+// depends on which ones were evaluated or written before it: no subscripted or time-series load of `var`; no running
+// sum under an `if`, nor where `var` may be promoted in mid-block and rows are evaluated again.
 boolean exp_blockable(const exp& e, Int4 var);
-// Values at observations first..first+n-1, 1 <= n <= blocksize, into out; e must be blockable and numeric.
+// Values at observations first..first+n-1, 1 <= n <= blocksize, into out; e must be numeric and blockable. A program
+// that touches strings runs one observation at a time behind this call.
 void exp_getblock(exp& e, Int4 first, Int4 n, Double* out);
-// mask[i] = 1 where the `if` holds (all 1 without one), else 0. Falls back to single observations by itself.
+// mask[i] = 1 where the `if` holds (all 1 without one), else 0.
 void exp_ifblock(Int4 first, Int4 n, UByte* mask);
 
 }  // namespace velmo

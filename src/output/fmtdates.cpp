@@ -57,7 +57,8 @@ char* putcode(char* out, const maskcode& code, const maskdate& d) {
     Int4 value = code.value(d);
     if (code.kind == mask_name || code.kind == mask_lower) {
         const char* name = monthnames[value - 1];
-        for (Int4 i = 0; i < code.width && name[i]; i++) *out++ = code.kind == mask_lower ? lowerchar(name[i]) : name[i];
+        boolean lower = code.kind == mask_lower;
+        for (Int4 i = 0; i < code.width && name[i]; i++) *out++ = lower ? lowerchar(name[i]) : name[i];
         return out;
     }
     Int4 unit = code.width == 3 ? 100 : code.width == 2 ? 10 : 1;

@@ -111,7 +111,7 @@ void breakup(fmtparts& f, std::string_view fmt) {
 // The format broken up, as the last call left it when the text is the same.
 const fmtparts& partsof(const char* fmt) {
     static fmtparts last = {};
-    if (std::strncmp(fmt, last.text, fmtsize) != 0 || !*fmt) breakup(last, std::string_view(fmt, strnlen(fmt, fmtsize)));
+    if (std::strncmp(fmt, last.text, fmtsize) != 0 || !*fmt) breakup(last, {fmt, strnlen(fmt, fmtsize)});
     return last;
 }
 
@@ -156,7 +156,7 @@ void defaultformat(UByte type, char (&out)[fmtsize]) {
 
 namespace {
 
-// "%w.dc" of a specification, with another width; "%9.0g" when that is no format.
+// "%w.dc" of a parsed format, with another width; "%9.0g" when that is no format.
 void writeformat(char (&out)[fmtsize], Int4 width, const fmtspec& spec, boolean comma) {
     char text[24];
     std::snprintf(text, sizeof text, "%%%d%c%d%c%s", width, spec.dpcomma ? ',' : '.', spec.decimals, spec.code,

@@ -101,9 +101,11 @@ TEST(formats, decimalimage) {
 
 TEST(formats, derived) {
     char out[fmtsize];
-    const struct { const char *own, *usual, *result; } cut[] = {{"%10.2f", "%9.0g", "%9.2f"}, {"%12.3fc", "%9.0g", "%9.3fc"},
+    const struct { const char *own, *usual, *result; } cut[] = {{"%10.2f", "%9.0g", "%9.2f"},
+        {"%12.3fc", "%9.0g", "%9.3fc"},
                                                                 {"%10.3e", "%9.0g", "%9.0g"}, {"%d", "%8.0g", "%8.0g"},
-                                                                {"%20.15f", "%9.0g", "%9.0g"}, {"%12s", "%9.0g", "%9.0g"}};
+                                                                {"%20.15f", "%9.0g", "%9.0g"},
+                                                                {"%12s", "%9.0g", "%9.0g"}};
     for (const auto& c : cut) {
         cutformat(c.own, c.usual, out);
         EXPECT_STREQ(out, c.result) << c.own;
@@ -116,7 +118,8 @@ TEST(formats, derived) {
         EXPECT_STREQ(out, c.result) << c.fmt;
     }
     const struct { const char* fmt; Int4 longest; const char* result; } wide[] = {
-        {"%8.0g", 12, "%12.0g"}, {"%-8.0g", 12, "%12.0g"}, {"%9,2fc", 20, "%20,2fc"}, {"%8.0g", 8, "%8.0g"}, {"%d", 20, "%d"}};
+        {"%8.0g", 12, "%12.0g"}, {"%-8.0g", 12, "%12.0g"}, {"%9,2fc", 20, "%20,2fc"}, {"%8.0g", 8, "%8.0g"},
+        {"%d", 20, "%d"}};
     for (const auto& c : wide) {
         copytext(out, sizeof out, c.fmt);
         EXPECT_EQ(widenformat(out, c.longest), std::strcmp(c.fmt, c.result) != 0);
@@ -130,7 +133,8 @@ TEST(formats, derived) {
     sizetext(text, sizeof text, (3 << 20) + 2048);
     EXPECT_STREQ(text, "3074k");
     const struct { const char* name; Int4 n; const char* result; } names[] = {
-        {"mpg", 8, "mpg"}, {"displacement", 8, "displa~t"}, {"displacement", 2, "di"}, {"L2.displacement", 8, "L2.dis~t"}};
+        {"mpg", 8, "mpg"}, {"displacement", 8, "displa~t"}, {"displacement", 2, "di"},
+        {"L2.displacement", 8, "L2.dis~t"}};
     for (const auto& c : names) EXPECT_STREQ(abbrevname(text, sizeof text, c.name, c.n), c.result);
     fmtstr("%~8s", "abc", false);
     EXPECT_STREQ(dbuf, "  abc   ");
@@ -160,13 +164,16 @@ TEST(dates, reading) {
 
 TEST(dates, readingperiods) {
     const struct { char kind; const char *text, *mask; Double top, want; } cases[] = {
-        {'q', "1960q2", "yq", missing, 1},    {'q', "2 1961", "qy", missing, 5},   {'q', "1960q5", "yq", missing, missing},
-        {'m', "1961m1", "ym", missing, 12},   {'m', "jan1961", "my", missing, 12}, {'m', "1960 december", "ym", missing, 11},
+        {'q', "1960q2", "yq", missing, 1},    {'q', "2 1961", "qy", missing, 5},
+          {'q', "1960q5", "yq", missing, missing},
+        {'m', "1961m1", "ym", missing, 12},   {'m', "jan1961", "my", missing, 12},
+        {'m', "1960 december", "ym", missing, 11},
         {'m', "1960x3", "ym", missing, 2},    {'w', "1959w52", "yw", missing, -1}, {'h', "1960-2", "yh", missing, 1},
         {'y', "1984", "y", missing, 1984},    {'y', "84", "y", 1990, 1984},        {'y', "99", "y", missing, missing},
-        {'q', "60q1", "yq", 1990, 0},         {'q', "1960q2 x", "yq", missing, missing}, {'y', "1984", "yq", missing, missing},
+        {'q', "60q1", "yq", 1990, 0},         {'q', "1960q2 x", "yq", missing, missing},
+        {'y', "1984", "yq", missing, missing},
     };
-    for (const auto& c : cases) EXPECT_EQ(readperiod(c.kind, c.text, c.mask, c.top), c.want) << c.text << " by " << c.mask;
+    for (const auto& c : cases) EXPECT_EQ(readperiod(c.kind, c.text, c.mask, c.top), c.want) << c.text << " " << c.mask;
     EXPECT_EQ(periodstart('m', 2147483647), baddate);
     EXPECT_EQ(periodstart('y', 10000), baddate);
     EXPECT_EQ(periodof('y', 366), 1961);

@@ -211,8 +211,9 @@ def value(r):
     if k == 4:
         return s * (r.randrange(10 ** r.randrange(1, 8)) + r.choice((.5, .25, .125, .0625)))
     if k == 5:
-        return r.choice((0.0, -0.0, MISSING, -MISSING, 1e15, 1e15 - 1, 2.0 ** 53, 1e22, 1e23, 5e-324, 1e-4, 9.99999999999e-5,
-                         .1, .01, .001, .5, 1e300, 9e307, 1e99, 1e100, 1e-99, 1e-100, 9999999.9, 99999999.5))
+        return r.choice((0.0, -0.0, MISSING, -MISSING, 1e15, 1e15 - 1, 2.0 ** 53, 1e22, 1e23, 5e-324, 1e-4,
+                         9.99999999999e-5, .1, .01, .001, .5, 1e300, 9e307, 1e99, 1e100, 1e-99, 1e-100,
+                         9999999.9, 99999999.5))
     return s * r.random() * 10.0 ** r.randrange(-6, 12)
 
 def numeric_format(r):
@@ -221,7 +222,8 @@ def numeric_format(r):
     w = r.choice((9, 9, 10, 12, 8, r.randrange(1, 27), r.randrange(1, 60), r.randrange(1, 245)))
     d = r.choice((0, 0, 1, 2, 3, r.randrange(w))) % w
     c = r.choice("gggfe")
-    return "%" + r.choice(("", "", "-")) + "%d%s%d%s%s" % (w, r.choice("...,"), d, c, r.choice(("", "c")) if c != "e" else "")
+    minus, point, comma = r.choice(("", "", "-")), r.choice("...,"), r.choice(("", "c")) if c != "e" else ""
+    return "%%%s%d%s%d%s%s" % (minus, w, point, d, c, comma)
 
 def date_format(r):
     n = r.randrange(0, 7)
@@ -251,7 +253,9 @@ def main():
     for f, kind, width in CHECKS:
         out.append("C\t%s\t%d\t%d" % (f, kind, width))
     for i in range(700):
-        v = r.randrange(-679350, 2936550) if i > 30 else (-679350, 2936549, 0, -1, 365, 366, 59, 60, -21856, 14669)[i % 10] + i // 10
+        v = r.randrange(-679350, 2936550)
+        if i <= 30:
+            v = (-679350, 2936549, 0, -1, 365, 366, 59, 60, -21856, 14669)[i % 10] + i // 10
         v = min(v, 2936549)
         d = EPOCH + datetime.timedelta(v)
         y = d.year - 1960
@@ -266,10 +270,11 @@ def main():
 CHECKS = [(f, int(k), int(w)) for f, k, w in (item.split() for item in """
 %9.0g 1 9|%1.0g 1 1|%244.0g 1 244|%245.0g 1 0|%0.0g 1 0|%244.243f 1 244|%-12.2fc 1 12|%9,2g 1 9|%12.0gc 1 12
 %10.3e 1 10|%10.3ec 1 0|%9g 1 0|%9.g 1 0|%9.9g 1 0|%9.8g 1 9|%9.0gx 1 0|%9.0gcc 1 0|%9.0G 1 0|9.0g 1 0|%- 1 0|% 1 0
-%21x 1 21|%-21x 1 21|%20x 1 0|%21.0x 1 0|%21x 2 0|%9s 1 0|%9s 2 9|%-9s 2 9|%9s 3 9|%~9s 3 0|%~9s 13 9|%~9s 12 9|%~9s 11 0
-%~9.0g 13 0|%~d 13 0|%244s 2 244|%245s 2 0|%0s 2 0|%9.2s 2 0|%s 2 0|%9.0g 2 0|%d 2 0|%tq 2 0|%d 1 9|%-d 3 9|%dm 1 8
-%dD_m_CY 1 11|%td 1 9|%tw 1 8|%ty 1 8|%tg 1 9|%-tg 1 9|%tx 1 0|%t 1 0|%dZ 1 0|%dd! 1 0|%dd!x!y 1 8|%tmCY_M 1 14|%-tmCY 1 8
-%123.100fc 1 123|%-123.100fc 1 123|%-123.100fcc 1 0|%1234.0g 1 0|%9.0001g 1 0|%dMMMMMMMMM 1 81|%dMMMMMMMMMM 1 0|%-~9s 13 0
+%21x 1 21|%-21x 1 21|%20x 1 0|%21.0x 1 0|%21x 2 0|%9s 1 0|%9s 2 9|%-9s 2 9|%9s 3 9|%~9s 3 0|%~9s 13 9|%~9s 12 9
+%~9s 11 0|%~9.0g 13 0|%~d 13 0|%244s 2 244|%245s 2 0|%0s 2 0|%9.2s 2 0|%s 2 0|%9.0g 2 0|%d 2 0|%tq 2 0
+%d 1 9|%-d 3 9|%dm 1 8|%dD_m_CY 1 11|%td 1 9|%tw 1 8|%ty 1 8|%tg 1 9|%-tg 1 9|%tx 1 0|%t 1 0|%dZ 1 0|%dd! 1 0|%dd!x!y 1 8|%tmCY_M 1 14
+%-tmCY 1 8|%123.100fc 1 123|%-123.100fc 1 123|%-123.100fcc 1 0|%1234.0g 1 0|%9.0001g 1 0|%dMMMMMMMMM 1 81
+%dMMMMMMMMMM 1 0|%-~9s 13 0
 """.strip().replace("\n", "|").split("|"))]
 
 if __name__ == "__main__":

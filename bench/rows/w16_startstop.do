@@ -1,0 +1,3 @@
+* load
+* repeat 1
+* check

@@ -1,6 +1,8 @@
 // The settings' rows, for set, query and everything that reads a setting by name. The table is
 // session/settings.def; each variable lives with its owner and the row points to it.
 #pragma once
+#include <string>
+#include <string_view>
 #include "base/types.h"
 
 namespace velmo {
@@ -20,7 +22,8 @@ struct setting {
     settingkind kind;
     void* where;          // the variable, by kind; null for handlers
     Int4 lo, hi;
-    Int4 (*handler)();    // set_own: parses and sets; else, when not null, called after the change
+    Int4 (*handler)();    // set_own: parses and sets; else called after the change
+    std::string (*shown)();    // set_own: the value as text; null when there is none to show
     Int2 from, until;     // versions in which the row exists
     UByte needsdebug;     // only with set debug on
 };
@@ -28,12 +31,21 @@ struct setting {
 extern const setting* const settings;
 extern const Int4 nsettings;
 
+// The row that `word` selects, in table order, among those of the present version and debug state; null when none.
+const setting* settingrow(std::string_view word);
+// Its value as query shows it; false when the row has none.
+boolean settingtext(const setting& row, std::string& text);
+// The proxy settings, which are kept between sessions without being told so.
+void network_load();
+void network_store();
+
 // State: settings that no subsystem owns yet
 extern UByte set_debug, set_beep, set_graphics, set_virtual, set_getsockopt, set_checksum, set_netdebug;
 extern UByte set_loghelp, set_plot, set_rssmat, set_bmat, set_override, set_httpproxy, set_httpproxyauth;
 extern Int4 set_level, set_textsize, set_adosize, set_varlabelpos, set_scrollbufsize, set_entries;
 extern Int4 set_timeout1, set_timeout2, set_httpproxyport;
 extern UByte set_logtext;             // set logtype: 1 text, 0 vtml
+extern UByte set_maccharset;          // set charset: 1 mac, 0 latin1
 extern Double set_tol;
 extern char set_cmdtitle[256], set_prefix[256], set_httpproxyhost[256], set_httpproxyuser[256], set_httpproxypw[256];
 

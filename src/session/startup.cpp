@@ -11,6 +11,7 @@
 #include "core/objects.h"
 #include "core/prefs.h"
 #include "core/rectangle.h"
+#include "core/settings.h"
 #include "core/tempfiles.h"
 #include "core/upcalls.h"
 #include "core/webfile.h"
@@ -253,6 +254,7 @@ Int4 session_init(Int4 argc, char** argv) {
     Int4 next;
     prefs_load();
     storedsizes();
+    network_load();
     installsignals();
     if (!switches(argc, argv, next)) return failedstart("Invalid option in File-Properties");
     if (!results_open()) return failedstart(nullptr);

@@ -1,10 +1,12 @@
 // The tables that lower floors declare, joined here: the only place that knows every handler, by name only.
 #include <iterator>
+#include <string>
+#include <string_view>
 #include "base/poll.h"
+#include "base/state.h"
 #include "core/commands.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"
-#include "output/formats.h"
 #include "output/results.h"
 
 namespace velmo {
@@ -47,5 +49,72 @@ static_assert(wellordered());
 
 extern const command* const commands = commandrows;
 extern const Int4 ncommands = Int4(std::size(commandrows));
+
+// ---- Settings.
+
+#define ONOFF(word, min, variable, then, debug) Int4 setting_##then();
+#define INT(word, min, variable, lo, hi, then) Int4 setting_##then();
+#define TEXT(word, min, field, then) Int4 setting_##then();
+#define IGNORED(word, min)
+#define NOTICE(word, min, code)
+#define OWN(word, min, handler, from, until, debug) Int4 setting_##handler(); std::string shown_##handler();
+#define ACTION(word, min, handler, from, until) Int4 setting_##handler();
+#include "session/settings.def"
+#undef ONOFF
+#undef INT
+#undef TEXT
+#undef IGNORED
+#undef NOTICE
+#undef OWN
+#undef ACTION
+
+#define ONOFF(word, min, variable, then, debug) \
+    {#word, min, set_onoff, &variable, 0, 1, setting_##then, nullptr, 0, 999, debug},
+#define INT(word, min, variable, lo, hi, then) \
+    {#word, min, set_int, &variable, lo, hi, setting_##then, nullptr, 0, 999, 0},
+#define TEXT(word, min, field, then) \
+    {#word, min, set_text, field, 0, Int4(sizeof field), setting_##then, nullptr, 0, 999, 0},
+#define IGNORED(word, min) {#word, min, set_ignored, nullptr, 0, 0, nullptr, nullptr, 0, 999, 0},
+#define NOTICE(word, min, code) {#word, min, set_notice, nullptr, code, code, nullptr, nullptr, 0, 999, 0},
+#define OWN(word, min, handler, from, until, debug) \
+    {#word, min, set_own, nullptr, 0, 0, setting_##handler, shown_##handler, from, until, debug},
+#define ACTION(word, min, handler, from, until) \
+    {#word, min, set_own, nullptr, 0, 0, setting_##handler, nullptr, from, until, 0},
+constexpr setting settingrows[] = {
+#include "session/settings.def"
+};
+#undef ONOFF
+#undef INT
+#undef TEXT
+#undef IGNORED
+#undef NOTICE
+#undef OWN
+#undef ACTION
+
+namespace {
+
+// True when the whole word of `later` would select `row`.
+constexpr boolean hides(const setting& row, const setting& later) {
+    std::string_view word = row.word, other = later.word;
+    if (row.until < later.from || later.until < row.from || row.needsdebug) return false;
+    if (row.min == 0) return word == other;
+    return other.size() >= row.min && word.substr(0, other.size()) == other;
+}
+
+// A minimum is a length that the word has, bounds and versions are in order, and no row hides a later one.
+constexpr boolean settingsfine() {
+    for (const setting* row = settingrows; row < std::end(settingrows); row++) {
+        if (row->min > std::string_view(row->word).size() || row->lo > row->hi || row->from > row->until) return false;
+        for (const setting* later = row + 1; later < std::end(settingrows); later++)
+            if (hides(*row, *later)) return false;
+    }
+    return true;
+}
+static_assert(settingsfine());
+
+}  // namespace
+
+extern const setting* const settings = settingrows;
+extern const Int4 nsettings = Int4(std::size(settingrows));
 
 }  // namespace velmo

@@ -1,5 +1,5 @@
-// generate and replace. Both run by blocks where the expression allows it: the selection and the values of up to 256
-// observations are computed at once, then stored one by one in order.
+// generate and replace. Where the expressions allow it the selection and the values of up to 256 observations are
+// computed at once, then stored one by one in order.
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -19,28 +19,24 @@ namespace {
 
 const char* plural(Int4 n) { return n == 1 ? "" : "s"; }
 
-// Calls one(obs, value, selected) for the run's observations in order, with values computed by blocks where possible.
-// `selected` false: the value isn't set. Stops when one returns nonzero.
+// Calls one(obs, value, selected) for the run's observations in order. Selection and values are computed by blocks
+// where the expression being in the way of its own variable does not forbid it. `selected` false: the value isn't set.
 template <class F> Int4 overrun(Int4 written, F one) {
     Double values[blocksize];
     UByte mask[blocksize];
-    boolean blocks = exp_blockable(eqexp, written) && (!ifgiven || exp_blockable(ifexp, written));
-    if (!blocks) {
-        for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-            boolean selected = exp_iftest(obs);
-            if (Int4 rc = one(obs, selected ? exp_getnum(eqexp, obs) : 0, selected)) return rc;
-            if (tick()) return 1;
-        }
-        return 0;
-    }
+    boolean maskblocks = exp_blockable(ifexp, written) || !ifgiven, valueblocks = exp_blockable(eqexp, written);
     for (Int4 first = firstobs; first <= lastobs; first += blocksize) {
         Int4 n = std::min(blocksize, lastobs - first + 1);
-        exp_ifblock(first, n, mask);
-        if (std::memchr(mask, 1, std::size_t(n))) exp_getblock(eqexp, first, n, values);
-        for (Int4 i = 0; i < n; i++)
-            if (Int4 rc = one(first + i, values[i], mask[i])) return rc;
-        if (lastobs - first < blocksize) break;
+        if (maskblocks) exp_ifblock(first, n, mask);
+        boolean ready = maskblocks && valueblocks;
+        if (ready && std::memchr(mask, 1, std::size_t(n))) exp_getblock(eqexp, first, n, values);
+        for (Int4 i = 0; i < n; i++) {
+            boolean selected = maskblocks ? mask[i] : exp_iftest(first + i);
+            Double value = !selected ? 0 : ready ? values[i] : exp_getnum(eqexp, first + i);
+            if (Int4 rc = one(first + i, value, selected)) return rc;
+        }
         if (tick()) return 1;
+        if (lastobs - first < blocksize) break;
     }
     return 0;
 }

@@ -13,6 +13,7 @@
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "language/dofile.h"
+#include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
 #include "matrix/results.h"
@@ -32,6 +33,7 @@ struct frame {
     doreader* olddofile;
     UByte oldsemicolon, oldquiet, oldsavedquiet, oldmore, oldinprogram;
     Int2 oldversion;
+    Int4 oldtempnames, oldtempfiles;
     boolean stop;
 };
 
@@ -108,6 +110,8 @@ Int4 openlevel(Int4 mode, frame& f) {
     f.oldmore = more_on;
     f.oldinprogram = inprogram;
     f.oldversion = version;
+    f.oldtempnames = tempnamecounter;
+    f.oldtempfiles = tempfilecounter;
     dofile = &f.reader;
     semicolon = 0;
     inprogram = 0;
@@ -124,9 +128,11 @@ void leavelevel(Int4 mode, frame& f) {
     semicolon = f.oldsemicolon;
     quietlevel = f.oldquiet;
     savedquiet = f.oldsavedquiet;
+    if (version >= 310) droptempfiles(f.oldtempfiles);
     version = f.oldversion;
     if (more_on != f.oldmore) setmore(f.oldmore);
     inprogram = f.oldinprogram;
+    droptempnames(f.oldtempnames);
     dolevel--;
     objdeltype(macrolevel);
     macrolevel--;

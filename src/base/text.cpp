@@ -1,7 +1,9 @@
 #include "base/text.h"
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <string>
 
 namespace velmo {
 
@@ -110,19 +112,20 @@ boolean isnumber(std::string_view s, std::size_t& mark) {
     return n > 0 && i + n == s.size();
 }
 
-// from_chars leaves its result alone when the value is out of range: tell overflow from underflow by the
-// place of the first digit that counts.
+// from_chars leaves its result alone when the value is out of range: the place of the first digit that counts, moved
+// by the exponent, tells overflow from underflow.
 Double outofrange(std::string_view s, std::size_t mark) {
+    Double sign = s[0] == '-' ? -1 : 1;
     std::string_view digits = s.substr(0, mark);
-    std::size_t point = digits.find('.');
-    if (point == std::string_view::npos) point = digits.size();
-    std::size_t first = digits.find_first_of("123456789");
-    if (first == std::string_view::npos) return 0;
-    boolean negative = mark != std::string_view::npos && s[mark + 1] == '-';
-    // An exponent is so large here, or the digits are so many, that the sign of either decides.
-    boolean tiny = mark == std::string_view::npos ? first > point : negative;
-    if (tiny) return 0;
-    return s[0] == '-' ? -HUGE_VAL : HUGE_VAL;
+    std::size_t first = digits.find_first_of("123456789"), point = std::min(digits.find('.'), digits.size());
+    if (first == std::string_view::npos) return sign * 0.0;
+    std::int64_t place = std::int64_t(point) - std::int64_t(first), exponent = 0;
+    if (mark != std::string_view::npos) {
+        std::string_view text = s.substr(mark + 1 + (s[mark + 1] == '+'));
+        if (std::from_chars(text.data(), text.data() + text.size(), exponent).ec != std::errc())
+            return sign * (text[0] == '-' ? 0.0 : HUGE_VAL);
+    }
+    return sign * (place + exponent > 0 ? HUGE_VAL : 0.0);
 }
 
 // Powers of ten that a double holds exactly.
@@ -163,12 +166,11 @@ boolean readnumber(std::string_view text, Double& value) {
     if (!isnumber(text, mark)) return false;
     std::string_view body = text[0] == '+' ? text.substr(1) : text;
     if (text[0] == '+' && mark != std::string_view::npos) mark--;
-    char copy[400];
-    if (mark != std::string_view::npos && body[mark] != 'e' && body[mark] != 'E') {
-        if (body.size() >= sizeof copy) return false;
-        std::memcpy(copy, body.data(), body.size());
+    std::string copy;
+    if (mark != std::string_view::npos && lowerchar(body[mark]) != 'e') {
+        copy = body;
         copy[mark] = 'e';
-        body = {copy, body.size()};
+        body = copy;
     }
     Double v = 0;
     std::from_chars_result r = std::from_chars(body.data(), body.data() + body.size(), v);
@@ -177,7 +179,10 @@ boolean readnumber(std::string_view text, Double& value) {
 }
 
 boolean readinteger(std::string_view text, Int4& value) {
-    if (!text.empty() && text[0] == '+') text.remove_prefix(1);
+    if (!text.empty() && text[0] == '+') {
+        text.remove_prefix(1);
+        if (!text.empty() && text[0] == '-') return false;
+    }
     Int4 v = 0;
     std::from_chars_result r = std::from_chars(text.data(), text.data() + text.size(), v);
     if (text.empty() || r.ec != std::errc() || r.ptr != text.data() + text.size()) return false;

@@ -329,7 +329,7 @@ void storecell(UByte* p, UByte type, std::string_view text) {
         return;
     }
     Double v;
-    writecell(p, type, !text.empty() && readnumber(text, v) ? v : missing);
+    writecell(p, type, !text.empty() && readnumber(text, v) ? datavalue(v) : missing);
 }
 
 Int4 storerow(fieldreader& f, boolean& more) {

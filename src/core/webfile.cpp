@@ -111,6 +111,10 @@ Int4 webcopy(std::string_view from, std::string_view to, Int4 flags) {
     Int4 in = webopen(from, flags & ~(web_write | web_append | web_replace));
     if (in < 0) return -in;
     std::string target = plainname(to, flags);
+    if (samefile(plainname(from, flags).c_str(), target.c_str())) {      // opening the target would empty the source
+        webclose(in);
+        return -failed(603, target, flags);
+    }
     boolean existed = filestat(target.c_str()).exists;
     Int4 out = webopen(target, flags | web_write);
     if (out < 0) {

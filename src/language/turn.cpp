@@ -92,11 +92,9 @@ void report(std::int64_t starttime) {
         outlevel = 2;
     }
     if (lastrc) {
-        outlevel = 3;
         prtreset();
         prtfresh();
         prtrawf("{search r(%d):r(%d);}", lastrc, lastrc);
-        outlevel = 2;
         if (!rmsg) prtnl();
     } else if (rmsg) {
         prt("r;");

@@ -178,14 +178,28 @@ void extremesblock(const block& b, Int4 p, bits2& count, pair2& low, pair2& high
     high = hi;
 }
 
-Int4 firstplain(const Int4* entries, Int4 k, moments* out) {
+// The observations of a block that count for its first variable are listed behind what `list` holds already.
+struct countedlist { Int4* at; };
+
+void listcounted(const block& b, countedlist* list) {
+    if (!list) return;
+    Int4* at = list->at;
+    for (Int4 i = 0; i < b.n; i++) {
+        *at = b.first + i;
+        at += b.x[i][0] != missing;
+    }
+    list->at = at;
+}
+
+Int4 firstplain(const Int4* entries, Int4 k, moments* out, countedlist* list = nullptr) {
     static sweepsums s;
     s = {};
     for (Int4 p = 0; p < sweepwidth / 2; p++) {
         s.low[p] = pair2{missing, missing};
         s.high[p] = pair2{-missing, -missing};
     }
-    Int4 rc = overblocks(entries, k, [](const block& b, Int4 at) {
+    Int4 rc = overblocks(entries, k, [list](const block& b, Int4 at) {
+        listcounted(b, list);
         sumblock(b, s.sum + at / 2);
         for (Int4 p = 0, q = at / 2; 2 * p < b.k; p++, q++) extremesblock(b, p, s.count[q], s.low[q], s.high[q]);
     });
@@ -199,8 +213,9 @@ Int4 firstplain(const Int4* entries, Int4 k, moments* out) {
     return rc;
 }
 
-Int4 firstweighted(const Int4* entries, Int4 k, moments* out) {
+Int4 firstweighted(const Int4* entries, Int4 k, moments* out, countedlist* list = nullptr) {
     return overblocks(entries, k, [&](const block& b, Int4 at) {
+        listcounted(b, list);
         for (Int4 j = 0; j < b.k; j++) {
             moments& m = out[at + j];
             for (Int4 i = 0; i < b.n; i++) {
@@ -321,7 +336,7 @@ Int4 plainsummaries(const sumoptions& o) {
         moments m[sweepwidth];
         Int4 k = std::min(sweepwidth, vl_n - at);
         for (Int4 j = 0; j < k; j++) entries[j] = at + j;
-        if (Int4 rc = (weighttype ? firstweighted : firstplain)(entries, k, m)) return rc;
+        if (Int4 rc = (weighttype ? firstweighted : firstplain)(entries, k, m, nullptr)) return rc;
         for (Int4 j = 0; j < k; j++) afterfirst(m[j]);
         if (!o.meanonly) {
             if (Int4 rc = (weighttype ? secondweighted : secondplain)(entries, k, m)) return rc;
@@ -378,15 +393,6 @@ void weightedpercentiles(const ordered& x, Double w, Double (&out)[9]) {
         }
         out[k] = candidate;
     }
-}
-
-// The first pass again, listing the observations that count.
-Int4 listcounted(Int4 entry, Int4* list, Int4 n) {
-    Int4 at = 0;
-    return overblocks(&entry, 1, [&](const block& b, Int4) {
-        for (Int4 i = 0; i < b.n && at < n; i++)
-            if (b.x[i][0] != missing) list[at++] = b.first + i;
-    });
 }
 
 Int4 highmoments(Int4 entry, moments& m) {
@@ -486,7 +492,12 @@ Int4 sortcounted(Int4 entry, Int4* list, Int4 n) {
 
 Int4 detailone(Int4 entry, const sumoptions& o) {
     moments m;
-    if (Int4 rc = (weighttype ? firstweighted : firstplain)(&entry, 1, &m)) return rc;
+    // One place more than observations: a listing writes ahead of what it keeps.
+    workspace work((std::size_t(std::max(lastobs - firstobs + 1, 0)) + 1) * sizeof(Int4));
+    Int4* list = work.get<Int4>();
+    if (!list) return error(909);
+    countedlist counted{list};
+    if (Int4 rc = (weighttype ? firstweighted : firstplain)(&entry, 1, &m, &counted)) return rc;
     afterfirst(m);
     detailheading(entry);
     if (m.count == 0) {
@@ -494,10 +505,6 @@ Int4 detailone(Int4 entry, const sumoptions& o) {
         error(2000);
         return 2000;
     }
-    workspace work(std::size_t(m.count) * sizeof(Int4));
-    Int4* list = work.get<Int4>();
-    if (!list) return error(909);
-    if (Int4 rc = listcounted(entry, list, m.count)) return rc;
     if (Int4 rc = highmoments(entry, m)) return rc;
     if (Int4 rc = sortcounted(entry, list, m.count)) return rc > 1 ? error(rc) : rc;
     ordered x{entry, m.count, list};

@@ -152,7 +152,7 @@ void reader_start(bytereader& r, Int4 handle) {
 }
 
 Int4 reader_fill(bytereader& r) {
-    Pint n = fileread(r.handle, r.buf, sizeof r.buf);
+    Pint n = fileread(r.handle, r.buf, readsize);
     r.pos = r.len = 0;
     if (n < 0) {
         r.failed = 1;

@@ -122,6 +122,11 @@ fileinfo filestat(const char* name) {
     return {true, S_ISDIR(s.st_mode), s.st_size, broken(s.st_mtime)};
 }
 
+boolean samefile(const char* a, const char* b) {
+    struct stat s{}, t{};
+    return stat(a, &s) == 0 && stat(b, &t) == 0 && s.st_dev == t.st_dev && s.st_ino == t.st_ino;
+}
+
 std::string currentdir() {
     char here[pathsize];
     return getcwd(here, sizeof here) ? here : "";

@@ -85,18 +85,14 @@ void report(std::int64_t starttime) {
     saved level(outlevel, UByte(2));
     if (lastrc == 1) {
         outlevel = 3;
-        prtreset();
         prtfresh();
         prtcolour();
         prtraw("{hline 2}Break{hline 2}\n");
         outlevel = 2;
     }
     if (lastrc) {
-        outlevel = 3;
-        prtreset();
         prtfresh();
         prtrawf("{search r(%d):r(%d);}", lastrc, lastrc);
-        outlevel = 2;
         if (!rmsg) prtnl();
     } else if (rmsg) {
         prt("r;");

@@ -17,8 +17,6 @@ namespace velmo {
 
 namespace {
 
-const char* plural(Int4 n) { return n == 1 ? "" : "s"; }
-
 // Calls one(obs, value, selected) for the run's observations in order. Selection and values are computed by blocks
 // where the expression being in the way of its own variable does not forbid it. `selected` false: the value isn't set.
 template <class F> Int4 overrun(Int4 written, F one) {
@@ -108,9 +106,9 @@ replacecounts counts;
 // Makes the variable wide enough for a value; a failure turns promotion off and is remembered.
 boolean promoted(Int4 var, UByte wanted, boolean& promote) {
     if (wanted == typ[var - 1]) return false;
-    if (Int4 rc = changetype(var, wanted)) {
+    if (changetype(var, wanted)) {
         promote = false;
-        counts.rc = rc == 1 ? 1 : 903;
+        counts.rc = 903;
         return false;
     }
     return true;

@@ -39,10 +39,13 @@ void cell_append(const cellwriter& cell, Int4 obs, const celloptions& o, std::st
             quoted = false;
         }
     }
-    text = trimmed(text);
-    if (quoted) out += '"';
+    if (!quoted) {
+        out += trimmed(text);
+        return;
+    }
+    out += '"';
     out += text;
-    if (quoted) out += '"';
+    out += '"';
 }
 
 namespace {

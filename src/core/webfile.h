@@ -17,8 +17,9 @@ void webfile_init();                   // clears the table of open files
 // refusal 603; 632 a URL that must be local, 633 writing to a URL, 681 too many open files.
 Int4 webopen(std::string_view name, Int4 flags);
 Int4 webclose(Int4 handle);            // 0, or 691 when the last bytes could not be written
-// Copies a file by blocks, with Break tests; a failed copy leaves no target behind that was not there before.
-// Flags as for webopen (replace, append, public), with web_write forced for the target. 0 or a code (printed).
+// Copies a file by blocks, with Break tests; a failed copy leaves no target behind, but for one that was appended to.
+// Flags as for webopen (replace, append, public), with web_write forced for the target; without web_binary CR LF and
+// CR become LF. A file is not copied onto itself. 0 or a code (printed).
 Int4 webcopy(std::string_view from, std::string_view to, Int4 flags);
 void webfile_closeall();
 

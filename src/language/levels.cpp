@@ -1,4 +1,5 @@
 #include "language/levels.h"
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include "base/poll.h"
@@ -79,7 +80,7 @@ std::string_view nextargument(std::string_view& text) {
 
 // Arguments as the new level's locals 0, 1, 2, ...
 Int4 storearguments(std::string_view text) {
-    text = trimmed(text);
+    text = ltrimmed(text);
     if (text.size() >= std::size_t(macrolen)) return error(1004);
     if (Int4 rc = macroset("_0", text)) return rc;
     for (Int4 i = 1; !ltrimmed(text).empty(); i++)
@@ -116,7 +117,7 @@ Int4 openlevel(Int4 mode, frame& f) {
     semicolon = 0;
     inprogram = 0;
     savedquiet = quietlevel;
-    if (mode == level_run) quietlevel = 3;
+    if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
     dolevel++;
     return 0;
 }
@@ -154,12 +155,9 @@ Int4 docall(Int4 mode) {
             saved level(outlevel, UByte(1));
             prtnl();
         }
-        if (nextline(1)) {
-            lastrc = 0;
-            break;
-        }
-        if (breakpending) {
-            lastrc = 1;
+        boolean ended = nextline(1);
+        if (ended || breakpending) {
+            lastrc = breakpending ? 1 : 0;
             break;
         }
         if (!docmd() || (f.stop && lastrc)) break;

@@ -19,8 +19,8 @@ struct cellwriter {
     UInt4 offset;         // in the row
 };
 void cells_start(std::vector<cellwriter>& cells, const Int4* vars, Int4 n, const celloptions& o);
-// Appends the trimmed text of a cell to `out`: a label's text for a labelled value, nothing for a missing one, quotes
-// around texts when asked.
+// Appends the text of a cell to `out`, trimmed: a label's text for a labelled value, nothing for a missing one. Quotes
+// stand around texts when asked, and then blanks within them stay.
 void cell_append(const cellwriter& cell, Int4 obs, const celloptions& o, std::string& out);
 
 // The same at `out`, for a row of the data; the end of the text, of cellroom bytes at most.

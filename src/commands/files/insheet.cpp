@@ -435,7 +435,7 @@ Int4 skipline(fieldreader& f) {
 Int4 storesheet(Int4 handle, const sheet& s, boolean header) {
     Int4 rows = s.rows - (header ? 1 : 0);
     if (rows + 1 > maxobs)
-        if (Int4 rc = addobsroom(rows + 1 - maxobs)) return error(rc);
+        if (Int4 rc = obsroom(rows + 1 - maxobs)) return error(rc);
     touchptrs(rows + 1);
     startfields(fields, handle, s.delimiter);
     boolean more = !header || skipline(fields);
@@ -509,7 +509,7 @@ Int4 fillsheet(Int4 handle, const sheet& s, const std::vector<std::string>& name
         if (rc || s.rows == 0) cleardata(true);
         if (rc) return rc;
     }
-    notef("(%d var%s, %d obs)\n", nvar, nvar == 1 ? "" : "s", nobs);
+    notef("(%d var%s, %d obs)\n", nvar, plural(nvar), nobs);
     return rc;
 }
 

@@ -28,7 +28,8 @@ void cells_start(std::vector<cellwriter>& cells, const Int4* vars, Int4 n, const
 namespace {
 
 char* puttext(char* out, std::string_view text, boolean quoted) {
-    text = trimmed(text.substr(0, maxstrtype));
+    text = text.substr(0, maxstrtype);
+    if (!quoted) text = trimmed(text);
     if (quoted) *out++ = '"';
     std::memcpy(out, text.data(), text.size());
     out += text.size();

@@ -49,7 +49,7 @@ struct bytewriter {
 void writer_start(bytewriter& w, Int4 handle);
 void writer_put(bytewriter& w, std::string_view text);
 boolean writer_flush(bytewriter& w);   // false once any write has failed
-// Where the next bytes go, at least n of them (n up to the buffer's size): the caller adds to len what it has put there.
+// Where the next bytes go, at least n of them (n up to the buffer's size): the caller adds to len what it puts there.
 inline char* writer_room(bytewriter& w, std::size_t n) {
     if (w.len + n > sizeof w.buf) writer_flush(w);
     return w.buf + w.len;

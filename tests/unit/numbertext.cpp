@@ -63,7 +63,8 @@ TEST(numbertext, quickformisslowform) {
             std::string want(dbuf, std::size_t(numberform(slow, x)));
             ASSERT_EQ(std::string(dbuf, std::size_t(fmtnum(fmt.c_str(), x))), want) << fmt << " of " << x;
             char out[512];
-            ASSERT_EQ(std::string(out, std::size_t(fmttrimmed(fmt.c_str(), x, out))), trimmed(want)) << fmt << " of " << x;
+            std::string_view got(out, std::size_t(fmttrimmed(fmt.c_str(), x, out)));
+            ASSERT_EQ(got, trimmed(want)) << fmt << " of " << x;
             quicktext text;
             slow.quick = 1;
             quick += quicknumber(slow, x, text);
@@ -96,7 +97,8 @@ TEST(numbertext, readnumber) {
         EXPECT_TRUE(readnumber(c.text, v)) << c.text;
         EXPECT_EQ(v, c.value) << c.text;
     }
-    for (const char* text : {"", ".", "-", "+.", "1e", "1e+", "e5", "1.2.3", "--1", "1 ", " 1", "1x", "0x10", "1e5.0", "inf"}) {
+    for (const char* text :
+         {"", ".", "-", "+.", "1e", "1e+", "e5", "1.2.3", "--1", "1 ", " 1", "1x", "0x10", "1e5.0", "inf"}) {
         Double v = -1;
         EXPECT_FALSE(readnumber(text, v)) << text;
         EXPECT_EQ(v, -1) << text;

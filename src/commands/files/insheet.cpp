@@ -258,9 +258,9 @@ UByte numbertype(Double v, boolean doubles) {
 // The largest type that a plain decimal of so many digits can need. A whole number below 10^2, 10^4 and 10^9 fits byte,
 // int and long; one with a point may be whole all the same, or not.
 UByte typebound(plaindecimal d, boolean doubles) {
-    constexpr UByte bound[16] = {typedouble, typebyte, typebyte, typeint,    typeint,    typelong,   typelong,   typelong,
-                                 typelong,   typelong, typedouble, typedouble, typedouble, typedouble, typedouble, typedouble};
-    UByte whole = bound[d.digits];
+    constexpr UByte bound[10] = {typedouble, typebyte, typebyte, typeint,  typeint,
+                                 typelong,   typelong, typelong, typelong, typelong};
+    UByte whole = d.digits < 10 ? bound[d.digits] : typedouble;
     return d.behind == 16 ? whole : doubles || whole == typedouble ? typedouble : typefloat;
 }
 

@@ -64,7 +64,8 @@ void writenames(bytewriter& w, char separator) {
 }
 
 // Each cell goes into the writer's buffer where it will stand.
-void writerow(bytewriter& w, const std::vector<cellwriter>& cells, const celloptions& o, const UByte* row, char separator) {
+void writerow(bytewriter& w, const std::vector<cellwriter>& cells, const celloptions& o, const UByte* row,
+              char separator) {
     boolean first = true;
     for (const cellwriter& cell : cells) {
         char* out = writer_room(w, cellroom + 1);

@@ -288,6 +288,13 @@ object* objfind(std::string_view name, Int4 type, UInt4* len) {
     return objectof(e);
 }
 
+object* objolder(object* o) {
+    key k(o->name, o->type);
+    UInt4 e = entries[entryof(o)].chain;
+    while (e && !matches(e, k)) e = entries[e].chain;
+    return e ? objectof(e) : nullptr;
+}
+
 Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n) {
     key k(name, type);
     std::string copy;

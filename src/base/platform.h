@@ -30,7 +30,7 @@ boolean filerename(const char* from, const char* to);
 
 struct fileinfo { boolean exists, isdirectory; Filepos size; clocktime changed; };
 fileinfo filestat(const char* name);
-boolean samefile(const char* a, const char* b);  // both exist and are one file
+boolean samefile(const char* a, const char* b);   // both exist and are one file, by whatever names
 std::string currentdir();
 boolean changedir(const char* name);
 boolean makedir(const char* name, boolean ispublic);

@@ -64,6 +64,11 @@ Int4 addobsroom(Int4 n) {
     return 0;
 }
 
+void tightenrows() {
+    Int4 wanted = (width + std::max(32, width / 2) + 1) & ~1;
+    if (nobs == 0 && wanted < lrecl) repart(wanted - lrecl, 0);
+}
+
 Int4 freedyn(std::uint64_t n) {
     if (width + 4 >= lrecl) return 902;
     Int4 least = (width + 5) & ~1;

@@ -124,9 +124,12 @@ Int4 webcopy(std::string_view from, std::string_view to, Int4 flags) {
     Int4 in = webopen(from, flags & ~(web_write | web_append | web_replace));
     if (in < 0) return -in;
     std::string target = plainname(to, flags);
+    if (samefile(plainname(from, flags).c_str(), target.c_str())) {      // opening the target would empty the source
+        webclose(in);
+        return -failed(603, target, flags);
+    }
     boolean existed = filestat(target.c_str()).exists;
-    boolean same = existed && samefile(plainname(from, flags).c_str(), target.c_str());
-    Int4 out = same ? failed(flags & (web_replace | web_append) ? 603 : 602, target, flags) : webopen(target, flags | web_write);
+    Int4 out = webopen(target, flags | web_write);
     if (out < 0) {
         webclose(in);
         return -out;

@@ -61,7 +61,11 @@ template <class T, class F> void gather(const column& c, Int4 first, Int4 n, Dou
     const UInt4* ptr = c.ptrs + first - 1;
     if (inorder(ptr, n)) {
         const UByte* p = c.at(first);
-        for (Int4 i = 0; i < n; i++, p += c.stride) out[i] = widen(readraw<T>(p));
+        std::size_t far = c.stride * std::size_t(ahead);
+        for (Int4 i = 0; i < n; i++, p += c.stride) {
+            __builtin_prefetch(p + far);
+            out[i] = widen(readraw<T>(p));
+        }
         return;
     }
     Int4 known = ptrmark - (first - 1) - ahead;
@@ -87,6 +91,26 @@ void getcolumn(Int4 var, Int4 first, Int4 n, Double* out) {
     case typedouble: gather<Double>(c, first, n, out, [](Double v) { return v; }); break;
     default:
         for (Int4 i = 0; i < n; i++) out[i] = missing;
+    }
+}
+
+namespace {
+
+template <UByte type> void scatter(const column& c, Int4 first, Int4 n, const Double* in) {
+    for (Int4 i = 0; i < n; i++) writecell(c.at(first + i), type, in[i]);
+}
+
+}  // namespace
+
+void putcolumn(Int4 var, Int4 first, Int4 n, const Double* in) {
+    column c(var);
+    switch (c.type) {
+    case typebyte: return scatter<typebyte>(c, first, n, in);
+    case typeint: return scatter<typeint>(c, first, n, in);
+    case typelong: return scatter<typelong>(c, first, n, in);
+    case typefloat: return scatter<typefloat>(c, first, n, in);
+    case typedouble: return scatter<typedouble>(c, first, n, in);
+    default: return;
     }
 }
 

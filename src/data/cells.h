@@ -77,5 +77,7 @@ struct column {
 
 // Observations first..first+n-1 of a numeric variable into out: one loop by storage type.
 void getcolumn(Int4 var, Int4 first, Int4 n, Double* out);
+// The same values back, by the rules of writecell.
+void putcolumn(Int4 var, Int4 first, Int4 n, const Double* in);
 
 }  // namespace velmo

@@ -14,6 +14,7 @@
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "language/dofile.h"
+#include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
 #include "matrix/results.h"
@@ -33,6 +34,7 @@ struct frame {
     doreader* olddofile;
     UByte oldsemicolon, oldquiet, oldsavedquiet, oldmore, oldinprogram;
     Int2 oldversion;
+    Int4 oldtempnames, oldtempfiles;
     boolean stop;
 };
 
@@ -109,6 +111,8 @@ Int4 openlevel(Int4 mode, frame& f) {
     f.oldmore = more_on;
     f.oldinprogram = inprogram;
     f.oldversion = version;
+    f.oldtempnames = tempnamecounter;
+    f.oldtempfiles = tempfilecounter;
     dofile = &f.reader;
     semicolon = 0;
     inprogram = 0;
@@ -125,9 +129,11 @@ void leavelevel(Int4 mode, frame& f) {
     semicolon = f.oldsemicolon;
     quietlevel = f.oldquiet;
     savedquiet = f.oldsavedquiet;
+    if (version >= 310) droptempfiles(f.oldtempfiles);
     version = f.oldversion;
     if (more_on != f.oldmore) setmore(f.oldmore);
     inprogram = f.oldinprogram;
+    droptempnames(f.oldtempnames);
     dolevel--;
     objdeltype(macrolevel);
     macrolevel--;

@@ -10,6 +10,7 @@
 #include "data/run.h"
 #include "language/control.h"
 #include "language/dofile.h"
+#include "language/expand.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"
@@ -113,9 +114,12 @@ Int4 docmd() {
     exitflag = 0;
     bymode = 0;
     std::int64_t start = clockms();
-    takecmdword();
     try {
-        lastrc = dispatch();
+        lastrc = expandmacros();
+        if (!lastrc) {
+            takecmdword();
+            lastrc = dispatch();
+        }
     } catch (const std::bad_alloc&) {
         lastrc = error(909);
     }

@@ -17,24 +17,43 @@ namespace velmo {
 
 namespace {
 
-// Calls one(obs, value, selected) for the run's observations in order. Selection and values are computed by blocks
-// where the expression being in the way of its own variable does not forbid it. `selected` false: the value isn't set.
-template <class F> Int4 overrun(Int4 written, F one) {
-    Double values[blocksize];
+// Selection and values of up to 256 observations. An expression that may not run by blocks, because of the variable
+// being written or of the order of its draws and sums, runs one observation at a time.
+struct valueblock {
+    boolean maskblocks, valueblocks;
+    Int4 first, n;
     UByte mask[blocksize];
-    boolean maskblocks = exp_blockable(ifexp, written) || !ifgiven, valueblocks = exp_blockable(eqexp, written);
-    for (Int4 first = firstobs; first <= lastobs; first += blocksize) {
-        Int4 n = std::min(blocksize, lastobs - first + 1);
-        if (maskblocks) exp_ifblock(first, n, mask);
-        boolean ready = maskblocks && valueblocks;
-        if (ready && std::memchr(mask, 1, std::size_t(n))) exp_getblock(eqexp, first, n, values);
-        for (Int4 i = 0; i < n; i++) {
-            boolean selected = maskblocks ? mask[i] : exp_iftest(first + i);
-            Double value = !selected ? 0 : ready ? values[i] : exp_getnum(eqexp, first + i);
-            if (Int4 rc = one(first + i, value, selected)) return rc;
-        }
+    Double values[blocksize];
+    explicit valueblock(Int4 written)
+        : maskblocks(!ifgiven || exp_blockable(ifexp, written)), valueblocks(exp_blockable(eqexp, written)) {}
+    boolean whole() const { return maskblocks && valueblocks; }
+};
+
+void selectblock(valueblock& b) {
+    if (b.maskblocks) exp_ifblock(b.first, b.n, b.mask);
+}
+
+boolean selected(valueblock& b, Int4 i) { return b.maskblocks ? b.mask[i] : exp_iftest(b.first + i); }
+
+// All of a block at once: right when nothing is stored meanwhile that the expressions read.
+void computeblock(valueblock& b) {
+    selectblock(b);
+    if (b.whole()) {
+        if (std::memchr(b.mask, 1, std::size_t(b.n))) exp_getblock(eqexp, b.first, b.n, b.values);
+        return;
+    }
+    for (Int4 i = 0; i < b.n; i++) {
+        b.mask[i] = selected(b, i);
+        if (b.mask[i]) b.values[i] = exp_getnum(eqexp, b.first + i);
+    }
+}
+
+template <class F> Int4 overblocks(valueblock& b, F one) {
+    for (b.first = firstobs; b.first <= lastobs; b.first += blocksize) {
+        b.n = std::min(blocksize, lastobs - b.first + 1);
+        one();
         if (tick()) return 1;
-        if (lastobs - first < blocksize) break;
+        if (lastobs - b.first < blocksize) break;
     }
     return 0;
 }
@@ -42,14 +61,15 @@ template <class F> Int4 overrun(Int4 written, F one) {
 Int4 generated = 0;      // missing values made, over all groups
 
 Int4 fillnumeric(Int4 var) {
-    column cells(var);
-    return overrun(0, [&](Int4 obs, Double v, boolean selected) {
-        if (!selected || v >= missing) {
-            v = missing;
-            generated++;
+    valueblock b(0);
+    return overblocks(b, [&] {
+        computeblock(b);
+        for (Int4 i = 0; i < b.n; i++) {
+            boolean kept = b.mask[i] && b.values[i] < missing;
+            generated += !kept;
+            if (!kept) b.values[i] = missing;
         }
-        cells.put(obs, v);
-        return 0;
+        putcolumn(var, b.first, b.n, b.values);
     });
 }
 
@@ -114,24 +134,34 @@ boolean promoted(Int4 var, UByte wanted, boolean& promote) {
     return true;
 }
 
+// Stores one value by the rules of replace; a promotion moves the column.
+void replacecell(Int4 var, column& cells, Int4 obs, Double v, boolean& promote) {
+    if (v >= missing) v = missing;
+    UByte* p = cells.at(obs);
+    if (readcell(p, cells.type) == v) return;
+    if (promote && cells.type < typefloat && promoted(var, typeneeded(cells.type, v), promote)) {
+        cells = column(var);
+        p = cells.at(obs);
+    }
+    writecell(p, cells.type, v);
+    counts.real++;
+    if (v == missing) counts.tomissing++;
+    if (cells.type >= typefloat) return;
+    Double stored = readcell(p, cells.type);
+    if (stored != v) (stored == missing ? counts.lost : counts.truncated)++;
+}
+
 Int4 replacenumeric(Int4 var, boolean promote) {
     column cells(var);
-    return overrun(var, [&](Int4 obs, Double v, boolean selected) {
-        if (!selected) return 0;
-        if (v >= missing) v = missing;
-        UByte* p = cells.at(obs);
-        if (readcell(p, cells.type) == v) return 0;
-        if (promote && cells.type < typefloat && promoted(var, typeneeded(cells.type, v), promote)) {
-            cells = column(var);
-            p = cells.at(obs);
-        }
-        writecell(p, cells.type, v);
-        counts.real++;
-        if (v == missing) counts.tomissing++;
-        if (cells.type >= typefloat) return 0;
-        Double stored = readcell(p, cells.type);
-        if (stored != v) (stored == missing ? counts.lost : counts.truncated)++;
-        return 0;
+    valueblock b(var);
+    return overblocks(b, [&] {
+        if (b.whole())
+            computeblock(b);
+        else
+            selectblock(b);
+        for (Int4 i = 0; i < b.n; i++)
+            if (selected(b, i))
+                replacecell(var, cells, b.first + i, b.whole() ? b.values[i] : exp_getnum(eqexp, b.first + i), promote);
     });
 }
 

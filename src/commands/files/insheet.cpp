@@ -429,6 +429,7 @@ Int4 checknames(const std::vector<std::string>& names, const sheet& s) {
 Int4 fillsheet(Int4 handle, const sheet& s, const std::vector<std::string>& names, boolean header) {
     cleardata(true);
     Int4 rc = makevariables(s, names, header);
+    tightenrows();
     if (!rc) rc = storesheet(handle, s, header);
     datachanged = 1;
     if (rc > 1) errorf(rc, "error in line %d of file\n", fields.line);

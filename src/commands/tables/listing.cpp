@@ -136,7 +136,7 @@ Int4 displayobservation(const std::vector<listcolumn>& columns, const listoption
     boolean operators = false;
     for (const listcolumn& c : columns) operators |= entryop(c.entry) != 0;
     prtnl();
-    if (o.header) tabtext("Observation " + std::to_string(obs) + "\n\n");
+    if (o.header) tabtext("Observation " + std::to_string(obs) + "\n");
     boolean wascut = false;
     for (std::size_t i = 0; i < columns.size(); i++) {
         if (i % perline == 0 && operators) displayoperators(columns, i, std::min(i + 3, columns.size()));

@@ -1,7 +1,10 @@
 #include "base/text.h"
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <string>
+#include "base/sixteen.h"
 
 namespace velmo {
 
@@ -115,47 +118,59 @@ boolean isnumber(std::string_view s, std::size_t& mark) {
     return n > 0 && i + n == s.size();
 }
 
-// from_chars leaves its result alone when the value is out of range: tell overflow from underflow by the
-// place of the first digit that counts.
+// from_chars leaves its result alone when the value is out of range: the place of the first digit that counts, moved
+// by the exponent, tells overflow from underflow.
 Double outofrange(std::string_view s, std::size_t mark) {
+    Double sign = s[0] == '-' ? -1 : 1;
     std::string_view digits = s.substr(0, mark);
-    std::size_t point = digits.find('.');
-    if (point == std::string_view::npos) point = digits.size();
-    std::size_t first = digits.find_first_of("123456789");
-    if (first == std::string_view::npos) return 0;
-    boolean negative = mark != std::string_view::npos && s[mark + 1] == '-';
-    // An exponent is so large here, or the digits are so many, that the sign of either decides.
-    boolean tiny = mark == std::string_view::npos ? first > point : negative;
-    if (tiny) return 0;
-    return s[0] == '-' ? -HUGE_VAL : HUGE_VAL;
+    std::size_t first = digits.find_first_of("123456789"), point = std::min(digits.find('.'), digits.size());
+    if (first == std::string_view::npos) return sign * 0.0;
+    std::int64_t place = std::int64_t(point) - std::int64_t(first), exponent = 0;
+    if (mark != std::string_view::npos) {
+        std::string_view text = s.substr(mark + 1 + (s[mark + 1] == '+'));
+        if (std::from_chars(text.data(), text.data() + text.size(), exponent).ec != std::errc())
+            return sign * (text[0] == '-' ? 0.0 : HUGE_VAL);
+    }
+    return sign * (place + exponent > 0 ? HUGE_VAL : 0.0);
 }
 
-// Powers of ten that a double holds exactly.
-constexpr Double tens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                           1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+// The exponent behind its letter at s[i]; 1000 when it isn't one to three digits to the end.
+Int4 shortexponent(std::string_view s, std::size_t i) {
+    boolean negative = ++i < s.size() && s[i] == '-';
+    if (i < s.size() && (s[i] == '-' || s[i] == '+')) i++;
+    if (i == s.size() || s.size() - i > 3) return 1000;
+    Int4 e = 0;
+    for (; i < s.size(); i++) {
+        if (!isdigit(s[i])) return 1000;
+        e = e * 10 + (s[i] - '0');
+    }
+    return negative ? -e : e;
+}
 
-// The plain case, up to 15 digits with or without a point: both parts are exact, so one division rounds correctly
-// (Clinger 1990). False when the text is anything else.
-boolean plainnumber(std::string_view s, Double& value) {
+// The usual case: digits and power of ten are both exact in a double, so one operation rounds correctly (Clinger
+// 1990). False when the text is anything else.
+boolean exactnumber(std::string_view s, Double& value) {
     std::size_t i = !s.empty() && (s[0] == '-' || s[0] == '+');
-    if (s.size() - i > 16) return false;
-    std::int64_t whole = 0;
-    Int4 digits = 0, behind = -1;
+    std::uint64_t whole = 0;
+    Int4 digits = 0, point = -1, power = 0;
     for (; i < s.size(); i++) {
         char c = s[i];
         if (isdigit(c)) {
-            whole = whole * 10 + (c - '0');
-            digits++;
-            behind += behind >= 0;
-        } else if (c == '.' && behind < 0) {
-            behind = 0;
+            whole = whole * 10 + std::uint64_t(c - '0');
+            if (++digits > 19) return false;                 // before `whole` can overflow
+        } else if (c == '.' && point < 0) {
+            point = digits;
+        } else if (lowerchar(c) == 'e' || lowerchar(c) == 'd') {
+            power = shortexponent(s, i);
+            break;
         } else {
             return false;
         }
     }
-    if (digits == 0 || digits > 15) return false;
-    Double v = Double(whole);
-    if (behind > 0) v /= tens[behind];
+    if (point >= 0) power -= digits - point;
+    if (digits == 0 || whole > (1ull << 53) || power < -22 || power > 22) return false;
+    Double v = Double(std::int64_t(whole));
+    v = power < 0 ? v / exacttens[-power] : v * exacttens[power];
     value = s[0] == '-' ? -v : v;
     return true;
 }
@@ -163,17 +178,16 @@ boolean plainnumber(std::string_view s, Double& value) {
 }  // namespace
 
 boolean readnumber(std::string_view text, Double& value) {
-    if (plainnumber(text, value)) return true;
+    if (exactnumber(text, value)) return true;
     std::size_t mark;
     if (!isnumber(text, mark)) return false;
     std::string_view body = text[0] == '+' ? text.substr(1) : text;
     if (text[0] == '+' && mark != std::string_view::npos) mark--;
-    char copy[400];
-    if (mark != std::string_view::npos && body[mark] != 'e' && body[mark] != 'E') {
-        if (body.size() >= sizeof copy) return false;
-        std::memcpy(copy, body.data(), body.size());
+    std::string copy;
+    if (mark != std::string_view::npos && lowerchar(body[mark]) != 'e') {
+        copy = body;
         copy[mark] = 'e';
-        body = {copy, body.size()};
+        body = copy;
     }
     Double v = 0;
     std::from_chars_result r = std::from_chars(body.data(), body.data() + body.size(), v);
@@ -182,7 +196,10 @@ boolean readnumber(std::string_view text, Double& value) {
 }
 
 boolean readinteger(std::string_view text, Int4& value) {
-    if (!text.empty() && text[0] == '+') text.remove_prefix(1);
+    if (!text.empty() && text[0] == '+') {
+        text.remove_prefix(1);
+        if (!text.empty() && text[0] == '-') return false;
+    }
     Int4 v = 0;
     std::from_chars_result r = std::from_chars(text.data(), text.data() + text.size(), v);
     if (text.empty() || r.ec != std::errc() || r.ptr != text.data() + text.size()) return false;

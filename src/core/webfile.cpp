@@ -124,12 +124,11 @@ Int4 webcopy(std::string_view from, std::string_view to, Int4 flags) {
     Int4 in = webopen(from, flags & ~(web_write | web_append | web_replace));
     if (in < 0) return -in;
     std::string target = plainname(to, flags);
-    if (samefile(plainname(from, flags).c_str(), target.c_str())) {      // opening the target would empty the source
-        webclose(in);
-        return -failed(603, target, flags);
-    }
     boolean existed = filestat(target.c_str()).exists;
-    Int4 out = webopen(target, flags | web_write);
+    // Onto itself: opening the target would empty the source.
+    boolean same = existed && samefile(plainname(from, flags).c_str(), target.c_str());
+    Int4 refusal = flags & (web_replace | web_append) ? 603 : 602;
+    Int4 out = same ? failed(refusal, target, flags) : webopen(target, flags | web_write);
     if (out < 0) {
         webclose(in);
         return -out;
@@ -165,7 +164,7 @@ void reader_start(bytereader& r, Int4 handle) {
 }
 
 Int4 reader_fill(bytereader& r) {
-    Pint n = fileread(r.handle, r.buf, sizeof r.buf);
+    Pint n = fileread(r.handle, r.buf, readsize);
     r.pos = r.len = 0;
     if (n < 0) {
         r.failed = 1;

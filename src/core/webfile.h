@@ -26,13 +26,14 @@ void webfile_closeall();
 // `name` with `suffix` (".dta") added when its last part has no dot; into out (pathsize bytes).
 void addsuffix(char* out, std::string_view name, std::string_view suffix);
 
-// A reader of bytes through one buffer, for every text format. Byte codes 0..255; eof and errors above.
-inline constexpr Int4 read_eof = 1000, read_error = 1001;
+// A reader of bytes through one buffer, for every text format. Byte codes 0..255; eof and errors above. Sixteen bytes
+// behind the last one may be looked at.
+inline constexpr Int4 read_eof = 1000, read_error = 1001, readsize = 65536;
 struct bytereader {
     Int4 handle;
     Int4 pos, len;
     UByte failed;
-    UByte buf[65536];
+    UByte buf[readsize + 16];
 };
 void reader_start(bytereader& r, Int4 handle);
 Int4 reader_fill(bytereader& r);       // the next byte after reading a new buffer
@@ -48,5 +49,10 @@ struct bytewriter {
 void writer_start(bytewriter& w, Int4 handle);
 void writer_put(bytewriter& w, std::string_view text);
 boolean writer_flush(bytewriter& w);   // false once any write has failed
+// Where the next bytes go, at least n of them (n up to the buffer's size): the caller adds to len what it puts there.
+inline char* writer_room(bytewriter& w, std::size_t n) {
+    if (w.len + n > sizeof w.buf) writer_flush(w);
+    return w.buf + w.len;
+}
 
 }  // namespace velmo

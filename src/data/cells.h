@@ -45,6 +45,9 @@ inline void writecell(UByte* p, UByte type, Double v) {
     }
 }
 
+// A number that was read from a text as data keep it: what isn't below 2^1023 in size is missing.
+inline Double datavalue(Double v) { return v > -missing && v < missing ? v : missing; }
+
 inline Double getobs(Int4 var, Int4 obs) { return readcell(cellptr(var, obs), typ[var - 1]); }
 inline void putobs(Int4 var, Int4 obs, Double v) { writecell(cellptr(var, obs), typ[var - 1], v); }
 // Copies a string cell into buf (245 bytes or more) with a zero behind it; a numeric variable gives "".

@@ -100,8 +100,13 @@ void report(std::int64_t starttime) {
     }
     if (!rmsg) return;
     Int4 ms = Int4(clockms() - starttime);
+    Int4 seconds = ms / 1000, hundredths = (100 * (ms % 1000) * 2 / 1000 + 1) / 2;
+    if (hundredths == 100) {
+        seconds++;
+        hundredths = 0;
+    }
     clocktime now = localclock();
-    prtf(" t=%d.%02d %d:%02d:%02d\n", ms / 1000, (100 * (ms % 1000) * 2 / 1000 + 1) / 2, now.hour, now.minute, now.second);
+    prtf(" t=%d.%02d %d:%02d:%02d\n", seconds, hundredths, now.hour, now.minute, now.second);
 }
 
 // std::bad_alloc from small work space ends here, after the guards have run.

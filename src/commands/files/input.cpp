@@ -46,7 +46,10 @@ Int4 numbervalue(inputstate& s, std::size_t i, const char* token, Double& value,
     value = missing;
     if (std::string_view(token) == ".") return 0;
     std::string_view text = trimmed(std::string_view(token).substr(0, 79));
-    if (readnumber(text, value)) return 0;
+    if (readnumber(text, value)) {
+        value = datavalue(value);
+        return 0;
+    }
     const char* lblname = lbl[s.vars[i] - 1];
     std::string_view content = token[0] == '"' ? token + 1 : token;
     if (s.label && lblname[0] && !content.empty()) {

@@ -97,7 +97,10 @@ Int4 blockrun() {
                 result = lastrc;
             }
         }
-        if (!last && nextline(1)) break;
+        if (!last && nextline(1)) {
+            if (breakpending) result = 1;
+            break;
+        }
     }
     execflag = entry;
     return result;

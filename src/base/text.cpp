@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include "base/sixteen.h"
 
 namespace velmo {
 
@@ -39,6 +40,11 @@ std::string_view rtrimmed(std::string_view text) {
 }
 
 std::string_view trimmed(std::string_view text) { return ltrimmed(rtrimmed(text)); }
+
+std::string rightjustified(std::string_view text, std::size_t n) {
+    std::string out(text.size() < n ? n - text.size() : 0, ' ');
+    return out += text;
+}
 
 std::string_view fieldtext(const char* field, std::size_t size) {
     const void* zero = size ? std::memchr(field, 0, size) : nullptr;
@@ -128,32 +134,43 @@ Double outofrange(std::string_view s, std::size_t mark) {
     return sign * (place + exponent > 0 ? HUGE_VAL : 0.0);
 }
 
-// Powers of ten that a double holds exactly.
-constexpr Double tens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                           1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+// The exponent behind its letter at s[i]; 1000 when it isn't one to three digits to the end.
+Int4 shortexponent(std::string_view s, std::size_t i) {
+    boolean negative = ++i < s.size() && s[i] == '-';
+    if (i < s.size() && (s[i] == '-' || s[i] == '+')) i++;
+    if (i == s.size() || s.size() - i > 3) return 1000;
+    Int4 e = 0;
+    for (; i < s.size(); i++) {
+        if (!isdigit(s[i])) return 1000;
+        e = e * 10 + (s[i] - '0');
+    }
+    return negative ? -e : e;
+}
 
-// The plain case, up to 15 digits with or without a point: both parts are exact, so one division rounds correctly
-// (Clinger 1990). False when the text is anything else.
-boolean plainnumber(std::string_view s, Double& value) {
+// The usual case: digits and power of ten are both exact in a double, so one operation rounds correctly (Clinger
+// 1990). False when the text is anything else.
+boolean exactnumber(std::string_view s, Double& value) {
     std::size_t i = !s.empty() && (s[0] == '-' || s[0] == '+');
-    if (s.size() - i > 16) return false;
-    std::int64_t whole = 0;
-    Int4 digits = 0, behind = -1;
+    std::uint64_t whole = 0;
+    Int4 digits = 0, point = -1, power = 0;
     for (; i < s.size(); i++) {
         char c = s[i];
         if (isdigit(c)) {
-            whole = whole * 10 + (c - '0');
-            digits++;
-            behind += behind >= 0;
-        } else if (c == '.' && behind < 0) {
-            behind = 0;
+            whole = whole * 10 + std::uint64_t(c - '0');
+            if (++digits > 19) return false;                 // before `whole` can overflow
+        } else if (c == '.' && point < 0) {
+            point = digits;
+        } else if (lowerchar(c) == 'e' || lowerchar(c) == 'd') {
+            power = shortexponent(s, i);
+            break;
         } else {
             return false;
         }
     }
-    if (digits == 0 || digits > 15) return false;
-    Double v = Double(whole);
-    if (behind > 0) v /= tens[behind];
+    if (point >= 0) power -= digits - point;
+    if (digits == 0 || whole > (1ull << 53) || power < -22 || power > 22) return false;
+    Double v = Double(std::int64_t(whole));
+    v = power < 0 ? v / exacttens[-power] : v * exacttens[power];
     value = s[0] == '-' ? -v : v;
     return true;
 }
@@ -161,7 +178,7 @@ boolean plainnumber(std::string_view s, Double& value) {
 }  // namespace
 
 boolean readnumber(std::string_view text, Double& value) {
-    if (plainnumber(text, value)) return true;
+    if (exactnumber(text, value)) return true;
     std::size_t mark;
     if (!isnumber(text, mark)) return false;
     std::string_view body = text[0] == '+' ? text.substr(1) : text;

@@ -1,6 +1,7 @@
 // Characters, names, abbreviations and small operations on text. Text is bytes throughout: a letter is A-Z or
 // a-z, a blank is 32, and nothing depends on a locale.
 #pragma once
+#include <string>
 #include <string_view>
 #include "base/types.h"
 
@@ -28,6 +29,9 @@ char* copytext(char* out, std::size_t size, std::string_view text);
 std::string_view ltrimmed(std::string_view text);
 std::string_view rtrimmed(std::string_view text);
 std::string_view trimmed(std::string_view text);
+
+inline const char* plural(std::int64_t n) { return n == 1 ? "" : "s"; }
+std::string rightjustified(std::string_view text, std::size_t n);      // blanks ahead up to n columns
 
 // The text of a bounded field: up to its first zero, at most `size` bytes.
 std::string_view fieldtext(const char* field, std::size_t size);

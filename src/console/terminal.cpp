@@ -156,7 +156,7 @@ Int4 readkey() {
 }
 
 Int4 waitmore(const UByte* record) {
-    if (!istty || !isatty(STDIN_FILENO) || batchmode) return ' ';
+    if (!istty || !isatty(STDIN_FILENO) || batchmode || dofile) return ' ';
     showpartial(record);
     Int4 key = readkey();
     putall("\r\033[K");

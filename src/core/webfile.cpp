@@ -59,12 +59,25 @@ Int4 urlcode(Int4 flags) {
     return flags & web_local ? 632 : 671;
 }
 
-Int4 copyblocks(Int4 from, Int4 to) {
+// CR LF and CR become LF; returns the bytes that are left. `cr` tells that the last byte before was a CR.
+std::size_t plainlineends(char* block, std::size_t n, boolean& cr) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < n; i++) {
+        boolean second = cr && block[i] == '\n';
+        cr = block[i] == '\r';
+        if (!second) block[kept++] = cr ? '\n' : block[i];
+    }
+    return kept;
+}
+
+Int4 copyblocks(Int4 from, Int4 to, boolean text) {
     char block[16384];
+    boolean cr = false;
     while (true) {
         Pint n = fileread(from, block, sizeof block);
         if (n == 0) return 0;
         if (n < 0) return 692;
+        if (text) n = Pint(plainlineends(block, std::size_t(n), cr));
         if (!filewrite(to, block, std::size_t(n))) return 699;
         poll();
         if (breakpending) return 1;
@@ -111,20 +124,18 @@ Int4 webcopy(std::string_view from, std::string_view to, Int4 flags) {
     Int4 in = webopen(from, flags & ~(web_write | web_append | web_replace));
     if (in < 0) return -in;
     std::string target = plainname(to, flags);
-    if (samefile(plainname(from, flags).c_str(), target.c_str())) {      // opening the target would empty the source
-        webclose(in);
-        return -failed(603, target, flags);
-    }
     boolean existed = filestat(target.c_str()).exists;
-    Int4 out = webopen(target, flags | web_write);
+    // Onto itself: opening the target would empty the source.
+    boolean same = existed && samefile(plainname(from, flags).c_str(), target.c_str());
+    Int4 out = same ? failed(flags & (web_replace | web_append) ? 603 : 602, target, flags) : webopen(target, flags | web_write);
     if (out < 0) {
         webclose(in);
         return -out;
     }
-    Int4 rc = copyblocks(in, out);
+    Int4 rc = copyblocks(in, out, !(flags & web_binary));
     webclose(in);
     if (webclose(out) && !rc) rc = 699;
-    if (rc && !existed) fileremove(target.c_str());
+    if (rc && !(existed && flags & web_append)) fileremove(target.c_str());
     if (rc > 1) return rc == 692 ? fileerror(rc, from) : fileerror(rc, target);
     return rc;
 }
@@ -152,7 +163,7 @@ void reader_start(bytereader& r, Int4 handle) {
 }
 
 Int4 reader_fill(bytereader& r) {
-    Pint n = fileread(r.handle, r.buf, sizeof r.buf);
+    Pint n = fileread(r.handle, r.buf, readsize);
     r.pos = r.len = 0;
     if (n < 0) {
         r.failed = 1;

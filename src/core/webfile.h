@@ -17,21 +17,23 @@ void webfile_init();                   // clears the table of open files
 // refusal 603; 632 a URL that must be local, 633 writing to a URL, 681 too many open files.
 Int4 webopen(std::string_view name, Int4 flags);
 Int4 webclose(Int4 handle);            // 0, or 691 when the last bytes could not be written
-// Copies a file by blocks, with Break tests; a failed copy leaves no target behind that was not there before.
-// Flags as for webopen (replace, append, public), with web_write forced for the target. 0 or a code (printed).
+// Copies a file by blocks, with Break tests; a failed copy leaves no target behind, but for one that was appended to.
+// Flags as for webopen (replace, append, public), with web_write forced for the target; without web_binary CR LF and
+// CR become LF. A file is not copied onto itself. 0 or a code (printed).
 Int4 webcopy(std::string_view from, std::string_view to, Int4 flags);
 void webfile_closeall();
 
 // `name` with `suffix` (".dta") added when its last part has no dot; into out (pathsize bytes).
 void addsuffix(char* out, std::string_view name, std::string_view suffix);
 
-// A reader of bytes through one buffer, for every text format. Byte codes 0..255; eof and errors above.
-inline constexpr Int4 read_eof = 1000, read_error = 1001;
+// A reader of bytes through one buffer, for every text format. Byte codes 0..255; eof and errors above. Sixteen bytes
+// behind the last one may be looked at.
+inline constexpr Int4 read_eof = 1000, read_error = 1001, readsize = 65536;
 struct bytereader {
     Int4 handle;
     Int4 pos, len;
     UByte failed;
-    UByte buf[65536];
+    UByte buf[readsize + 16];
 };
 void reader_start(bytereader& r, Int4 handle);
 Int4 reader_fill(bytereader& r);       // the next byte after reading a new buffer
@@ -47,5 +49,10 @@ struct bytewriter {
 void writer_start(bytewriter& w, Int4 handle);
 void writer_put(bytewriter& w, std::string_view text);
 boolean writer_flush(bytewriter& w);   // false once any write has failed
+// Where the next bytes go, at least n of them (n up to the buffer's size): the caller adds to len what it puts there.
+inline char* writer_room(bytewriter& w, std::size_t n) {
+    if (w.len + n > sizeof w.buf) writer_flush(w);
+    return w.buf + w.len;
+}
 
 }  // namespace velmo

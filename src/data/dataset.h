@@ -65,6 +65,7 @@ void cleardata(boolean keeplabels);
 // Raises nobs to n >= nobs, new cells missing or ""; 0, 901 (not printed). (e) is 0 in new observations. With new
 // observations the data are marked changed and srt is emptied.
 Int4 growobs(Int4 n);
+Int4 obsroom(Int4 n);                       // addobsroom, with 901 for whatever refused it
 Int4 needscratchrow();                     // makes sure that nobs < maxobs; 0 or 901
 
 boolean issample(Int4 var);                // the variable is (e)

@@ -63,7 +63,11 @@ Int4 indexoftext(const vallabel& l, std::string_view text) {
 const char* vallabel::find(Double value) const {
     if (!(value > -2147483649.0 && value < 2147483648.0)) return nullptr;
     Int4 v = Int4(value);
-    std::size_t i = placeof(*this, v);
+    if (values.empty()) return nullptr;
+    // Most labels are of values in a row: then the place is known.
+    std::int64_t guess = std::int64_t(v) - values[0];
+    std::size_t i = std::size_t(guess);
+    if (guess < 0 || !has(*this, i, v)) i = placeof(*this, v);
     return Double(v) == value && has(*this, i, v) ? textat(*this, i) : nullptr;
 }
 

@@ -17,9 +17,14 @@
 
 namespace velmo {
 
+Int4 obsroom(Int4 n) {
+    Int4 rc = addobsroom(n);
+    return rc >= 9000 ? 901 : rc;
+}
+
 Int4 needscratchrow() {
     if (nobs >= maxobs)
-        if (Int4 rc = addobsroom(1)) return rc >= 9000 ? 901 : rc;
+        if (Int4 rc = obsroom(1)) return rc;
     if (nobs >= maxobs) return 901;
     touchptrs(nobs + 1);
     return 0;

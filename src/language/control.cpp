@@ -19,10 +19,9 @@ Int4 runprefixed() {
 // Under another threshold; unless the command itself changed it, the old one comes back.
 Int4 runatlevel(UByte level) {
     UByte old = quietlevel;
+    onexit restore([&] { if (quietlevel == level) quietlevel = old; });
     quietlevel = level;
-    Int4 rc = runprefixed();
-    if (quietlevel == level) quietlevel = old;
-    return rc;
+    return runprefixed();
 }
 
 Int4 runwithbreak(Int4 what) {
@@ -79,12 +78,12 @@ boolean cutatbrace() {
 Int4 blockrun() {
     UByte entry = execflag;
     Int4 result = 0;
-    for (boolean last = false; !last;) {
+    while (true) {
         if (breakpending) {
             execflag = 0;
             result = 1;
         }
-        last = cutatbrace();
+        boolean last = cutatbrace();
         settokpos(cmdbuf);
         if (tokpeeknonblank()) {
             if (!docmd()) {
@@ -97,7 +96,7 @@ Int4 blockrun() {
                 result = lastrc;
             }
         }
-        if (!last && nextline(1)) {
+        if (last || nextline(1)) {
             if (breakpending) result = 1;
             break;
         }

@@ -1,4 +1,5 @@
 #include "language/dofile.h"
+#include <algorithm>
 #include <cstring>
 #include "base/platform.h"
 #include "base/poll.h"
@@ -66,7 +67,8 @@ Int4 linebyte(doreader& r) {
 // The echo of what is read, collected and sent at each line end and after 500 bytes.
 struct lineecho {
     char text[512];
-    Int4 n = 0;
+    Int4 n = 0, ahead = 0;      // bytes held, and how many of them stand ahead of the physical line
+    boolean blank = true;       // nothing of the physical line can be seen
     boolean on;
     explicit lineecho(boolean shown) : on(shown) {}
     void send() {
@@ -75,6 +77,7 @@ struct lineecho {
     }
     void put(char c) {
         if (!on) return;
+        if (c != ' ') blank = false;
         text[n++] = c;
         if (n >= 500) send();
     }
@@ -82,6 +85,16 @@ struct lineecho {
         send();
         if (on) prtraw("\n");
     }
+    // The logical line goes on in the next physical one.
+    void goon() {
+        newline();
+        put('>');
+        put(' ');
+        ahead = n;
+        blank = true;
+    }
+    // A physical line of blanks leaves no trace.
+    void forget() { n = std::min(n, ahead); }
 };
 
 // One logical line being built.
@@ -118,12 +131,10 @@ lineend atlinefeed(doreader& r, logicalline& l) {
     }
     if (l.depth == 0 && onlyblanks(l)) {
         l.n = 0;
-        l.echo.n = 0;
+        l.echo.blank ? l.echo.forget() : l.echo.goon();
         return line_goeson;
     }
-    l.echo.newline();
-    l.echo.put('>');
-    l.echo.put(' ');
+    l.echo.goon();
     return l.depth == 0 ? store(l, ' ') : line_goeson;
 }
 

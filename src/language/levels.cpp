@@ -1,4 +1,5 @@
 #include "language/levels.h"
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include "base/poll.h"
@@ -13,6 +14,7 @@
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "language/dofile.h"
+#include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
 #include "matrix/results.h"
@@ -32,6 +34,7 @@ struct frame {
     doreader* olddofile;
     UByte oldsemicolon, oldquiet, oldsavedquiet, oldmore, oldinprogram;
     Int2 oldversion;
+    Int4 oldtempnames, oldtempfiles;
     boolean stop;
 };
 
@@ -77,7 +80,7 @@ std::string_view nextargument(std::string_view& text) {
 
 // Arguments as the new level's locals 0, 1, 2, ...
 Int4 storearguments(std::string_view text) {
-    text = trimmed(text);
+    text = ltrimmed(text);
     if (text.size() >= std::size_t(macrolen)) return error(1004);
     if (Int4 rc = macroset("_0", text)) return rc;
     for (Int4 i = 1; !ltrimmed(text).empty(); i++)
@@ -108,11 +111,13 @@ Int4 openlevel(Int4 mode, frame& f) {
     f.oldmore = more_on;
     f.oldinprogram = inprogram;
     f.oldversion = version;
+    f.oldtempnames = tempnamecounter;
+    f.oldtempfiles = tempfilecounter;
     dofile = &f.reader;
     semicolon = 0;
     inprogram = 0;
     savedquiet = quietlevel;
-    if (mode == level_run) quietlevel = 3;
+    if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
     dolevel++;
     return 0;
 }
@@ -124,9 +129,11 @@ void leavelevel(Int4 mode, frame& f) {
     semicolon = f.oldsemicolon;
     quietlevel = f.oldquiet;
     savedquiet = f.oldsavedquiet;
+    if (version >= 310) droptempfiles(f.oldtempfiles);
     version = f.oldversion;
     if (more_on != f.oldmore) setmore(f.oldmore);
     inprogram = f.oldinprogram;
+    droptempnames(f.oldtempnames);
     dolevel--;
     objdeltype(macrolevel);
     macrolevel--;
@@ -148,12 +155,9 @@ Int4 docall(Int4 mode) {
             saved level(outlevel, UByte(1));
             prtnl();
         }
-        if (nextline(1)) {
-            lastrc = 0;
-            break;
-        }
-        if (breakpending) {
-            lastrc = 1;
+        boolean ended = nextline(1);
+        if (ended || breakpending) {
+            lastrc = breakpending ? 1 : 0;
             break;
         }
         if (!docmd() || (f.stop && lastrc)) break;

@@ -1,4 +1,5 @@
 #include "language/review.h"
+#include <vector>
 #include "base/state.h"
 #include "core/memory.h"
 
@@ -7,24 +8,25 @@ namespace velmo {
 namespace {
 
 Int4 head = 0;      // where the mark 1 stands
+Int4 ringsize = 0;  // conslen + 1 when the ring was made
 
-Int4 ringsize() { return conslen + 1; }
-Int4 before(Int4 at) { return at == 0 ? ringsize() - 1 : at - 1; }
+Int4 before(Int4 at) { return at == 0 ? ringsize - 1 : at - 1; }
 void put(char c) {
     reviewring[head] = c;
-    head = head + 1 == ringsize() ? 0 : head + 1;
+    head = head + 1 == ringsize ? 0 : head + 1;
 }
 
 }  // namespace
 
 void review_init() {
-    for (Int4 i = 0; i < ringsize(); i++) reviewring[i] = 0;
+    ringsize = conslen + 1;
+    for (Int4 i = 0; i < ringsize; i++) reviewring[i] = 0;
     head = 0;
     reviewring[head] = 1;
 }
 
 void reviewpush(std::string_view line) {
-    if (line.size() > std::size_t(conslen - 2)) line = line.substr(0, std::size_t(conslen - 2));
+    line = line.substr(0, std::size_t(ringsize - 3));
     for (char c : line) put(c == 0 || c == 1 ? ' ' : c);
     put(0);
     reviewring[head] = 1;
@@ -49,6 +51,17 @@ std::string reviewget(Int4 i) {
         if (skipped == i) return {reversed.rbegin(), reversed.rend()};
         skipped++;
     }
+}
+
+void review_resize() {
+    std::vector<std::string> lines;
+    for (Int4 i = 0; i < 100; i++) {
+        lines.push_back(reviewget(i));
+        if (lines.back().empty()) break;
+    }
+    review_init();
+    for (; !lines.empty(); lines.pop_back())
+        if (!lines.back().empty()) reviewpush(lines.back());
 }
 
 }  // namespace velmo

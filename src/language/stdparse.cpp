@@ -18,13 +18,13 @@
 namespace velmo {
 
 UByte p_varlist, p_existing, p_if, p_in, p_using, p_exp, p_exptype, p_weight, p_weightmask, p_weightdefault;
-UByte p_options, p_byok, p_tsops, p_rest, p_range, p_skip, p_noeq;
+UByte p_options, p_byok, p_tsops, p_rest, p_range, p_skip, p_noeq, p_scale;
 Int4 vl_n, vl_groups[5], vl_ngroups;
 UByte vl_given, ingiven, usinggiven, weightgiven;
 Int4 weighttype;
 
 void parse_defaults() {
-    p_varlist = p_if = p_in = p_options = p_byok = p_rest = p_range = p_skip = p_noeq = 0;
+    p_varlist = p_if = p_in = p_options = p_byok = p_rest = p_range = p_skip = p_noeq = p_scale = 0;
     p_existing = 1;
     p_using = p_exp = p_weight = p_tsops = 3;
     p_exptype = mode_num;
@@ -111,6 +111,9 @@ void assumeweight() {
         if (row.kind == weighttype) notef("(%s weights assumed)\n", row.word);
 }
 
+// Until the options are read, the kind of weights that `scale` tells.
+constexpr Int4 weight_old = weight_all + 1;
+
 // `=` in a command that takes weights but no =exp is the old way to give weights.
 Int4 equalspart() {
     if (p_exp != 3) return exppart(p_exptype);
@@ -120,7 +123,10 @@ Int4 equalspart() {
     if (weightgiven) return errorf(198, "too many weights\n");
     if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
     weightgiven = 1;
-    assumeweight();
+    if (p_scale)
+        weighttype = weight_old;
+    else
+        assumeweight();
     return 0;
 }
 
@@ -214,7 +220,11 @@ Int4 parseform() {
     for (boolean done = false; !done;)
         if (Int4 rc = onepart(done)) return rc;
     if (Int4 rc = missingparts()) return rc;
-    return parseoptions();
+    if (Int4 rc = parseoptions()) return rc;
+    if (weighttype != weight_old) return 0;
+    p_weightdefault = getopt_flag("scale", 1) ? weight_a : weight_f;
+    assumeweight();
+    return 0;
 }
 
 }  // namespace

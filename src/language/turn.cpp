@@ -10,6 +10,7 @@
 #include "data/run.h"
 #include "language/control.h"
 #include "language/dofile.h"
+#include "language/expand.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"
@@ -85,14 +86,12 @@ void report(std::int64_t starttime) {
     saved level(outlevel, UByte(2));
     if (lastrc == 1) {
         outlevel = 3;
-        prtreset();
         prtfresh();
         prtcolour();
         prtraw("{hline 2}Break{hline 2}\n");
         outlevel = 2;
     }
     if (lastrc) {
-        prtreset();
         prtfresh();
         prtrawf("{search r(%d):r(%d);}", lastrc, lastrc);
         if (!rmsg) prtnl();
@@ -101,8 +100,13 @@ void report(std::int64_t starttime) {
     }
     if (!rmsg) return;
     Int4 ms = Int4(clockms() - starttime);
+    Int4 seconds = ms / 1000, hundredths = (100 * (ms % 1000) * 2 / 1000 + 1) / 2;
+    if (hundredths == 100) {
+        seconds++;
+        hundredths = 0;
+    }
     clocktime now = localclock();
-    prtf(" t=%d.%02d %d:%02d:%02d\n", ms / 1000, (100 * (ms % 1000) * 2 / 1000 + 1) / 2, now.hour, now.minute, now.second);
+    prtf(" t=%d.%02d %d:%02d:%02d\n", seconds, hundredths, now.hour, now.minute, now.second);
 }
 
 // std::bad_alloc from small work space ends here, after the guards have run.
@@ -115,9 +119,12 @@ Int4 docmd() {
     exitflag = 0;
     bymode = 0;
     std::int64_t start = clockms();
-    takecmdword();
     try {
-        lastrc = dispatch();
+        lastrc = expandmacros();
+        if (!lastrc) {
+            takecmdword();
+            lastrc = dispatch();
+        }
     } catch (const std::bad_alloc&) {
         lastrc = error(909);
     }

@@ -1,11 +1,13 @@
 // The renderers of numbers. All but the fixed form work on the decimal image, whose digits are rounded half up as
 // text. Most numbers that are shown are whole or of middling size: their image is made by integer arithmetic, all
-// others' by the library's exact conversion.
+// others' by the library's exact conversion. In the general form most need no image at all: quickform finds the rounded
+// digits by one multiplication, and knows when that can't tell.
 #include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include "base/sixteen.h"
 #include "output/fmtparts.h"
 
 namespace velmo {
@@ -315,7 +317,64 @@ Int4 byimage(const fmtparts& f, Double value) {
     return n ? n : exponential(f, image, 0);
 }
 
+// decpt of the image of x in [1e-5, 1e12): from the binary exponent, which may be one too few. No double below a power
+// of ten is so near to it that 19 digits would round to it, and the doubles of the negative powers are above those.
+Int4 pointof(Double x) {
+    constexpr Double fractions[6] = {1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0};
+    Int4 least = ((exponent(x) * 1233) >> 12) + 1;           // 1233 / 4096 is log10(2)
+    return least + (x >= (least < 0 ? fractions[least + 5] : exacttens[least]));
+}
+
+// The quick way in its own padding.
+Int4 quickform(const fmtparts& f, Double value) {
+    quicktext text;
+    if (!quicknumber(f, value, text)) return 0;
+    Int4 width = f.spec.width, n = text.last - text.first + (text.last > text.point);
+    boolean left = f.spec.just < 0, negative = value < 0;
+    std::memset(dbuf, ' ', widestquick);
+    char* end = putquick(left ? dbuf : dbuf + width - n - negative, text, negative);
+    if (left) std::memset(end, ' ', widestquick);
+    dbuf[width] = 0;
+    return width;
+}
+
 }  // namespace
+
+// The number times a power of ten has as many whole digits as the form can show. The product stays below 2^43: it is
+// within 2^-11 of the exact one, and that of the image within another 2^-11. So unless its fraction is nearly a half,
+// it rounds as the digits of the image do, half up.
+boolean quicknumber(const fmtparts& f, Double value, quicktext& text) {
+    Double size = std::fabs(value);
+    if (!(size >= 1e-5 && size < 1e12)) {
+        if (size != 0) return false;
+        text.digits[15] = '0';
+        text.first = 15;
+        text.point = text.last = 16;
+        return true;
+    }
+    Int4 decpt = pointof(size), sig = generaldigits(decpt, f.capped, false), shift = sig - decpt;
+    if (sig == 0) return false;
+    Double scaled = size * exacttens[shift];
+    std::int64_t whole = std::int64_t(scaled);
+    Double fraction = scaled - Double(whole);
+    if (std::fabs(fraction - .5) < 0x1p-9) return false;
+    UInt4 counts = bytes::putsixteen(text.digits, UInt8(whole + (fraction > .5)));
+    text.point = 16 - shift;
+    text.first = std::min(std::countr_zero(counts), text.point);
+    text.last = std::max(Int4(std::bit_width(counts)), text.point);
+    return text.last - text.first + (text.last > text.point) < f.capped;
+}
+
+char* putquick(char* out, const quicktext& text, boolean negative) {
+    *out = '-';
+    out += negative;
+    std::memcpy(out, text.digits + text.first, 16);
+    out += text.point - text.first;
+    if (text.last == text.point) return out;
+    *out++ = '.';
+    std::memcpy(out, text.digits + text.point, 16);
+    return out + text.last - text.point;
+}
 
 Int4 exponentialform(const fmtparts& f, Double value) {
     digrec image;
@@ -331,7 +390,9 @@ Int4 numberform(const fmtparts& f, Double value) {
         if (swap) return swapped(f, fixedform(value, f.capped, f.places, false, false));
         return fixedform(value, f.spec.width, f.spec.decimals, f.spec.just < 0, f.zerofill);
     case by_fixedcommas: return swapped(f, fixedcommas(f, value));
-    default: return swapped(f, byimage(f, value));
+    default:
+        if (Int4 n = f.quick ? quickform(f, value) : 0) return swapped(f, n);
+        return swapped(f, byimage(f, value));
     }
 }
 

@@ -14,6 +14,7 @@ struct fmtparts {
     fmtroute route;
     Int4 capped, excess, places;
     UByte zerofill;           // the width was written with a leading zero
+    UByte quick;              // a general form that quicknumber may know
     char period;              // the letter of a time-series format
     const char* mask;         // of dates and periods: within text, or the default
 };
@@ -31,5 +32,17 @@ Int4 exponentialform(const fmtparts& f, Double value);
 Int4 missingform(const fmtparts& f);
 // Renders a finite number by the numeric routes.
 Int4 numberform(const fmtparts& f, Double value);
+
+// The text of a number in general form, still in pieces: digits[first..point) and, when last > point, a point and
+// digits[point..last).
+struct quicktext {
+    char digits[32];          // sixteen, and room for a read of sixteen from any of them
+    Int4 first, point, last;
+};
+inline constexpr Int4 leastquick = 4, widestquick = 14;
+// The pieces for a format with quick set, at most its width less 1 in sum; false when the slow way must find them.
+boolean quicknumber(const fmtparts& f, Double value, quicktext& text);
+// Writes sign and pieces at `out`, where 40 bytes may be overwritten, and returns their end.
+char* putquick(char* out, const quicktext& text, boolean negative);
 
 }  // namespace velmo

@@ -1,4 +1,4 @@
-// The parser and the front of the renderers. A command renders many values by one format, so the last format is
+// The parser and the front of the renderers. A command renders many values by a few formats, so the last ones are
 // kept broken up.
 #include "output/formats.h"
 #include <cstdio>
@@ -104,15 +104,19 @@ void breakup(fmtparts& f, std::string_view fmt) {
     f.places = f.spec.decimals > f.capped ? 0 : f.spec.decimals;
     const char* behind = f.text + (f.spec.just == 1 ? 1 : 2);
     f.zerofill = *behind == '0';
+    f.quick = f.route == by_general && f.places == 0 && f.spec.comma != 'c' && f.spec.width >= leastquick &&
+              f.spec.width <= widestquick;
     f.period = f.route == by_period ? behind[1] : 0;
     if (f.route == by_date || f.route == by_period) f.mask = datemaskof(f.period, behind + (f.period ? 2 : 1));
 }
 
-// The format broken up, as the last call left it when the text is the same.
+// The format broken up, as an earlier call left it when the text is the same. The formats of variables stand side by
+// side in a table, so that their addresses spread them over the places.
 const fmtparts& partsof(const char* fmt) {
-    static fmtparts last = {};
-    if (std::strncmp(fmt, last.text, fmtsize) != 0 || !*fmt) breakup(last, {fmt, strnlen(fmt, fmtsize)});
-    return last;
+    static fmtparts kept[16] = {};
+    fmtparts& f = kept[reinterpret_cast<UPint>(fmt) / 4 % 16];
+    if (std::strncmp(fmt, f.text, fmtsize) != 0 || !*fmt) breakup(f, std::string_view(fmt, strnlen(fmt, fmtsize)));
+    return f;
 }
 
 Int4 padded(std::string_view text, Int4 width, Int4 just) {
@@ -140,6 +144,16 @@ Int4 fmtnum(const char* fmt, Double value) {
     if (value == 0) value = 0;
     if (value == missing || exponent(value) == 1024) return missingform(f);
     return f.route == by_date || f.route == by_period ? dateform(f, value) : numberform(f, value);
+}
+
+Int4 fmttrimmed(const char* fmt, Double value, char* out) {
+    const fmtparts& f = partsof(fmt);
+    quicktext text;
+    boolean swap = f.spec.dpcomma || dpcomma;
+    if (f.quick && !swap && quicknumber(f, value, text)) return Int4(putquick(out, text, value < 0) - out);
+    std::string_view whole = trimmed({dbuf, std::size_t(fmtnum(fmt, value))});
+    std::memcpy(out, whole.data(), whole.size());
+    return Int4(whole.size());
 }
 
 Int4 fmtstr(const char* fmt, std::string_view text, boolean cut) {

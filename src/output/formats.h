@@ -40,6 +40,9 @@ void decimalimage(Double x, digrec& out);
 // Renders value into dbuf by a format that passed chkfmt, and returns its length.
 Int4 fmtnum(const char* fmt, Double value);
 
+// The same without the blanks at either end into `out`, which holds 512 bytes; dbuf may or may not change.
+Int4 fmttrimmed(const char* fmt, Double value, char* out);
+
 // Renders `text` by a string format into dbuf: padded to the width, cut to it only when `cut`.
 Int4 fmtstr(const char* fmt, std::string_view text, boolean cut);
 

@@ -6,6 +6,7 @@
 #include "base/state.h"
 #include "core/commands.h"
 #include "core/settings.h"
+#include "language/expand.h"
 #include "core/tempfiles.h"
 #include "output/results.h"
 
@@ -116,5 +117,20 @@ static_assert(settingsfine());
 
 extern const setting* const settings = settingrows;
 extern const Int4 nsettings = Int4(std::size(settingrows));
+
+// ---- Extended macro functions.
+
+#define EXT(word, min, handler) Int4 ext_##handler(std::string& out);
+#include "language/extfunctions.def"
+#undef EXT
+
+#define EXT(word, min, handler) {#word, min, ext_##handler},
+static constexpr extfunction extfunctionrows[] = {
+#include "language/extfunctions.def"
+};
+#undef EXT
+
+extern const extfunction* const extfunctions = extfunctionrows;
+extern const Int4 nextfunctions = Int4(std::size(extfunctionrows));
 
 }  // namespace velmo

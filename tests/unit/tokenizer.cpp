@@ -183,7 +183,8 @@ TEST(Numbers, AreReadAsStrtodReadsThem) {
         check(text);
     }
     for (const char* text : {"", ".", "-", "5.", ".5", "-.5e-3", "1e", "1e+", "e5", "1 ", " 1", "1e308", "1.8e308",
-                             "-1e999", "1e-999", "4.9e-324", "2e-324", "0e999", "1_0", "0x10", "nan", "inf", "1e5.0", "--1", "1.2.3"})
+                             "-1e999", "1e-999", "4.9e-324", "2e-324", "0e999", "1_0", "0x10", "nan", "inf",
+                             "1e5.0", "--1", "1.2.3"})
         check(text);
     for (int zeros : {300, 400}) {
         check("1" + string(unsigned(zeros), '0'));

@@ -17,8 +17,6 @@ namespace velmo {
 
 namespace {
 
-const char* plural(Int4 n) { return n == 1 ? "" : "s"; }
-
 // Selection and values of up to 256 observations. An expression that may not run by blocks, because of the variable
 // being written or of the order of its draws and sums, runs one observation at a time.
 struct valueblock {
@@ -128,9 +126,9 @@ replacecounts counts;
 // Makes the variable wide enough for a value; a failure turns promotion off and is remembered.
 boolean promoted(Int4 var, UByte wanted, boolean& promote) {
     if (wanted == typ[var - 1]) return false;
-    if (Int4 rc = changetype(var, wanted)) {
+    if (changetype(var, wanted)) {
         promote = false;
-        counts.rc = rc == 1 ? 1 : 903;
+        counts.rc = 903;
         return false;
     }
     return true;

@@ -216,7 +216,9 @@ Int4 labelsave() {
     for (const std::string& name : names) writelabel(w, name);
     boolean fine = writer_flush(w);
     if (webclose(handle)) fine = false;
-    return fine ? fileerror(697, path) * 0 : fileerror(693, path);
+    if (!fine) return fileerror(693, path);
+    fileerror(697, path);
+    return 0;
 }
 
 }  // namespace

@@ -91,6 +91,7 @@ Int4 compressvar(Int4 var) {
     UByte now = isstring(var) ? smalleststring(var) : smallestnumeric(var);
     if (now == old) return 0;
     if (Int4 rc = changetype(var, now)) return error(rc);
+    markchanged(var);
     char a[8], b[8];
     return notef("%s was %s now %s\n", varlist[var - 1], typename_of(old, a), typename_of(now, b));
 }

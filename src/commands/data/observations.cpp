@@ -6,6 +6,7 @@
 #include "base/memalloc.h"
 #include "base/poll.h"
 #include "base/saved.h"
+#include "base/text.h"
 #include "data/cells.h"
 #include "data/run.h"
 #include "data/sorting.h"
@@ -18,8 +19,6 @@
 namespace velmo {
 
 namespace {
-
-const char* plural(Int4 n) { return n == 1 ? "" : "s"; }
 
 // Calls block(first, n, mask) for the run in pieces of up to 256 observations.
 template <class F> Int4 overblocks(F block) {
@@ -92,7 +91,7 @@ Int4 copyobservation(Int4 obs, Int4 copies) {
     Int4 sample = findvar("(e)");
     for (Int4 k = 0; k < copies; k++) {
         if (nobs + 1 >= maxobs)
-            if (Int4 rc = addobsroom(1)) return error(rc);
+            if (Int4 rc = obsroom(1)) return error(rc);
         touchptrs(nobs + 2);
         std::memcpy(rowptr(nobs + 1), rowptr(obs), std::size_t(width));
         nobs++;
@@ -116,7 +115,7 @@ Int4 cmd_expand() {
     for (Int4 obs = firstobs; obs <= lastobs && !rc; obs++) {
         if (!exp_iftest(obs)) continue;
         Double v = exp_getnum(eqexp, obs);
-        if (v == missing || v < 2) continue;
+        if (v >= missing || v < 2) continue;
         rc = copyobservation(obs, v > 2147483647.0 ? 2147483646 : Int4(v) - 1);
     }
     Int4 created = nobs - before;

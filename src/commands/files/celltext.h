@@ -15,10 +15,16 @@ struct cellwriter {
     boolean string;
     const char* format;
     vallabel label;
+    UByte type;
+    UInt4 offset;         // in the row
 };
 void cells_start(std::vector<cellwriter>& cells, const Int4* vars, Int4 n, const celloptions& o);
-// Appends the trimmed text of a cell to `out`: a label's text for a labelled value, nothing for a missing one, quotes
-// around texts when asked.
+// Appends the text of a cell to `out`, trimmed: a label's text for a labelled value, nothing for a missing one. Quotes
+// stand around texts when asked, and then blanks within them stay.
 void cell_append(const cellwriter& cell, Int4 obs, const celloptions& o, std::string& out);
+
+// The same at `out`, for a row of the data; the end of the text, of cellroom bytes at most.
+inline constexpr std::size_t cellroom = 520;
+char* cell_put(const cellwriter& cell, const UByte* row, const celloptions& o, char* out);
 
 }  // namespace velmo

@@ -120,9 +120,8 @@ Int4 appendlines(inputstate& s) {
     Int4 sample = findvar("(e)"), before = nobs, rc = 0;
     while (!rc) {
         if (nobs + 1 >= maxobs) {
-            rc = addobsroom(1);
-            if (rc) error(rc);
-            if (rc) break;
+            rc = obsroom(1);
+            if (rc) return error(rc);
         }
         touchptrs(nobs + 2);
         for (Int4 v = 1; v <= nvar; v++) clearcell(v, nobs + 1);

@@ -1,6 +1,7 @@
 // insheet: delimited text becomes the dataset. One pass finds the delimiter in the first lines, one counts rows and
 // columns and finds the types, one stores. Nothing in memory changes before the second pass has ended well. A field is
-// looked at where it lies in the reader's buffer; only fields with quotes, and those across two buffers, are copied.
+// looked at where it lies in the reader's buffer, sixteen bytes at a time; only fields with quotes, and those at either
+// end of the buffer, are copied.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include "base/platform.h"
 #include "base/poll.h"
 #include "base/saved.h"
+#include "base/sixteen.h"
 #include "base/text.h"
 #include "core/webfile.h"
 #include "data/cells.h"
@@ -28,15 +30,19 @@ namespace {
 enum fieldend : Int4 { field_delim, field_line, field_eof, field_error };
 enum byteclass : UByte { byte_text, byte_delim, byte_newline, byte_return, byte_quote };
 
+// What may be read ahead of a field and behind it, so that sixteen bytes can always be taken at once.
+constexpr Int4 margin = 17;
+
 struct fieldreader {
     bytereader bytes;
     UByte kind[256];
+    char delimiter;
     boolean atlinestart;     // behind a line end: blanks and empty lines are passed over
-    Int4 line;               // of the file, from 1
-    std::string_view text;   // the field; valid until the next one
     boolean quoted;
-    char copy[maxstrtype];   // a field that could not stay in the buffer
+    Int4 line;               // of the file, from 1
+    std::string_view text;   // the field, with its margins; valid until the next one
     Int4 copied;
+    char copy[margin + maxstrtype + margin];     // a field that could not stay in the buffer, behind a margin
 };
 fieldreader fields;
 
@@ -48,12 +54,19 @@ void startfields(fieldreader& f, Int4 handle, char delimiter) {
     f.kind[UByte('\r')] = byte_return;
     f.kind[UByte('"')] = byte_quote;
     if (delimiter) f.kind[UByte(delimiter)] = byte_delim;
+    f.delimiter = delimiter ? delimiter : '\n';
     f.atlinestart = false;
     f.line = 1;
 }
 
 void keep(fieldreader& f, char c) {
-    if (f.copied < maxstrtype) f.copy[f.copied++] = c;
+    if (f.copied < maxstrtype) f.copy[margin + f.copied++] = c;
+}
+
+void keepall(fieldreader& f, std::string_view text) {
+    f.copied = 0;
+    for (char c : text.substr(0, maxstrtype)) keep(f, c);
+    f.text = {f.copy + margin, std::size_t(f.copied)};
 }
 
 // A line end has been read: LF, or CR with an LF that may follow.
@@ -110,42 +123,68 @@ fieldend slowfield(fieldreader& f) {
             keep(f, char(c));
         }
     }
-    f.text = {f.copy, std::size_t(f.copied)};
+    f.text = {f.copy + margin, std::size_t(f.copied)};
     return end;
 }
 
-// The next field into f.text: trimmed unless quoted, at most 244 bytes.
-fieldend nextfield(fieldreader& f) {
-    if (f.atlinestart) skiplinestart(f);
-    const UByte* buffer = f.bytes.buf;
-    Int4 start = f.bytes.pos, at = start;
-    while (at < f.bytes.len && f.kind[buffer[at]] == byte_text) at++;
-    f.quoted = false;
-    fieldend end;
-    if (at < f.bytes.len && f.kind[buffer[at]] != byte_quote) {
-        f.text = {reinterpret_cast<const char*>(buffer) + start, std::size_t(at - start)};
-        f.bytes.pos = at + 1;
-        UByte kind = f.kind[buffer[at]];
-        end = kind == byte_delim ? field_delim : field_line;
-        if (kind == byte_newline) {
-            f.line++;
-            f.atlinestart = true;
-        } else if (kind == byte_return && at + 1 < f.bytes.len) {
-            lineended(f, true);
-        } else if (kind == byte_return) {      // the look ahead would take a new buffer
-            f.copied = 0;
-            for (char c : f.text) keep(f, c);
-            f.text = {f.copy, std::size_t(f.copied)};
-            lineended(f, true);
-        }
-        if (f.text.size() > maxstrtype) f.text = f.text.substr(0, maxstrtype);
+// Bytes from p to the next that is no text, or `left` when there is none.
+Int4 textrun(const fieldreader& f, const char* p, Int4 left) {
+    for (Int4 n = 0; n < left; n += 16) {
+        UInt4 ends = bytes::anyof(p + n, f.delimiter, '\n', '\r', '"');
+        if (ends) return std::min(n + std::countr_zero(ends), left);
+    }
+    return left;
+}
+
+// Behind a field in the buffer stands a byte of the kind given: what ended the field.
+fieldend pastend(fieldreader& f, UByte kind) {
+    f.bytes.pos++;
+    if (kind == byte_delim) return field_delim;
+    if (kind == byte_newline) {
+        f.line++;
+        f.atlinestart = true;
     } else {
-        f.copied = 0;
-        for (; f.bytes.pos < at; f.bytes.pos++) keep(f, char(buffer[f.bytes.pos]));
+        if (f.bytes.pos == f.bytes.len) keepall(f, f.text);       // the look ahead will take a new buffer
+        lineended(f, true);
+    }
+    return field_line;
+}
+
+// Any field.
+fieldend anyfield(fieldreader& f) {
+    if (f.atlinestart) skiplinestart(f);
+    const char* p = reinterpret_cast<const char*>(f.bytes.buf) + f.bytes.pos;
+    Int4 left = f.bytes.len - f.bytes.pos, n = textrun(f, p, left);
+    f.quoted = false;
+    f.text = {p, std::size_t(std::min<Int4>(n, maxstrtype))};
+    fieldend end;
+    if (n < left && f.bytes.pos >= margin && p[n] != '"') {
+        f.bytes.pos += n;
+        end = pastend(f, f.kind[UByte(p[n])]);
+    } else {
+        keepall(f, f.text);
+        f.bytes.pos += n;
         end = slowfield(f);
     }
     if (!f.quoted) f.text = trimmed(f.text);
     return end;
+}
+
+// The next field into f.text: trimmed unless quoted, at most 244 bytes. Here the usual one, which ends within sixteen
+// bytes by the delimiter, or by LF with text behind it, and has no blank at either end.
+inline fieldend nextfield(fieldreader& f) {
+    const UByte* p = f.bytes.buf + f.bytes.pos;
+    const char* text = reinterpret_cast<const char*>(p);
+    Int4 n = std::countr_zero(bytes::anyof(text, f.delimiter, '\n', '\r', '"') | 0x10000);
+    boolean inside = f.bytes.pos >= margin && f.bytes.pos < f.bytes.len - margin;
+    if (!inside || f.atlinestart || n == 16 || p[0] == ' ' || p[n - 1] == ' ') return anyfield(f);
+    boolean line = p[n] == '\n';
+    if (p[n] != UByte(f.delimiter) && !(line && p[n + 1] > ' ')) return anyfield(f);
+    f.quoted = false;
+    f.text = {text, std::size_t(n)};
+    f.line += line;
+    f.bytes.pos += n + 1;
+    return line ? field_line : field_delim;
 }
 
 // ---- The delimiter.
@@ -216,9 +255,24 @@ UByte numbertype(Double v, boolean doubles) {
     return e < 31 && v != 2147483647 ? typelong : typedouble;
 }
 
-void notecell(columnkind& k, std::string_view text, boolean doubles) {
+// The largest type that a plain decimal of so many digits can need. A whole number below 10^2, 10^4 and 10^9 fits byte,
+// int and long; one with a point may be whole all the same, or not.
+UByte typebound(plaindecimal d, boolean doubles) {
+    constexpr UByte bound[10] = {typedouble, typebyte, typebyte, typeint,  typeint,
+                                 typelong,   typelong, typelong, typelong, typelong};
+    UByte whole = d.digits < 10 ? bound[d.digits] : typedouble;
+    return d.behind == 16 ? whole : doubles || whole == typedouble ? typedouble : typefloat;
+}
+
+// Most cells can't change what is known of their column, and their shape tells it: only others are read as numbers.
+inline void notecell(columnkind& k, std::string_view text, boolean doubles) {
     if (text.size() > k.longest) k.longest = UByte(text.size());
-    if (k.text || text.empty() || (text.size() == 1 && text[0] == '.')) return;
+    if (k.text || text.empty()) return;
+    if (text.size() <= 16) {
+        plaindecimal d = plaindecimalof(text.data(), Int4(text.size()));
+        if (d.digits && typebound(d, doubles) <= k.number) return;
+    }
+    if (text.size() == 1 && text[0] == '.') return;
     Double v;
     if (!readnumber(text, v)) {
         k.text = 1;
@@ -234,8 +288,17 @@ void addkind(columnkind& to, const columnkind& k) {
     if (k.longest > to.longest) to.longest = k.longest;
 }
 
+Int4 addcolumn(sheet& s) {
+    if (s.rest.size() >= std::size_t(maxvar - 1)) return error(103);
+    s.rest.emplace_back();
+    s.firstkinds.emplace_back();
+    return 0;
+}
+
 Int4 scanline(fieldreader& f, sheet& s, boolean first, boolean& more) {
-    std::size_t column = 0;
+    std::vector<columnkind>& columns = first ? s.firstkinds : s.rest;
+    columnkind* kinds = columns.data();
+    std::size_t column = 0, known = columns.size();
     fieldend end;
     do {
         end = nextfield(f);
@@ -244,12 +307,12 @@ Int4 scanline(fieldreader& f, sheet& s, boolean first, boolean& more) {
             more = false;
             return 0;
         }
-        if (column >= std::size_t(maxvar - 1)) return error(103);
-        if (column >= s.rest.size()) {
-            s.rest.emplace_back();
-            s.firstkinds.emplace_back();
+        if (column == known) {
+            if (Int4 rc = addcolumn(s)) return rc;
+            kinds = columns.data();
+            known++;
         }
-        notecell((first ? s.firstkinds : s.rest)[column], f.text, s.doubles);
+        notecell(kinds[column], f.text, s.doubles);
         if (first) s.firstline.emplace_back(f.text);
         column++;
     } while (end == field_delim);
@@ -321,15 +384,24 @@ Int4 makevariables(const sheet& s, const std::vector<std::string>& names, boolea
 
 // ---- Storing.
 
-void storecell(UByte* p, UByte type, std::string_view text) {
+inline Double cellvalue(std::string_view text) {
+    if (text.empty()) return missing;
+    if (text.size() <= 16) {
+        plaindecimal d = plaindecimalof(text.data(), Int4(text.size()));
+        if (d.digits) return plainvalue(text.data() + text.size(), d);
+    }
+    Double v;
+    return readnumber(text, v) ? datavalue(v) : missing;
+}
+
+inline void storecell(UByte* p, UByte type, std::string_view text) {
     if (isstringtype(type)) {
         std::size_t n = std::min<std::size_t>(text.size(), type);
         std::memcpy(p, text.data(), n);
         std::memset(p + n, 0, type - n);
         return;
     }
-    Double v;
-    writecell(p, type, !text.empty() && readnumber(text, v) ? datavalue(v) : missing);
+    writecell(p, type, cellvalue(text));
 }
 
 Int4 storerow(fieldreader& f, boolean& more) {
@@ -363,7 +435,7 @@ Int4 skipline(fieldreader& f) {
 Int4 storesheet(Int4 handle, const sheet& s, boolean header) {
     Int4 rows = s.rows - (header ? 1 : 0);
     if (rows + 1 > maxobs)
-        if (Int4 rc = addobsroom(rows + 1 - maxobs)) return error(rc);
+        if (Int4 rc = obsroom(rows + 1 - maxobs)) return error(rc);
     touchptrs(rows + 1);
     startfields(fields, handle, s.delimiter);
     boolean more = !header || skipline(fields);
@@ -437,7 +509,7 @@ Int4 fillsheet(Int4 handle, const sheet& s, const std::vector<std::string>& name
         if (rc || s.rows == 0) cleardata(true);
         if (rc) return rc;
     }
-    notef("(%d var%s, %d obs)\n", nvar, nvar == 1 ? "" : "s", nobs);
+    notef("(%d var%s, %d obs)\n", nvar, plural(nvar), nobs);
     return rc;
 }
 

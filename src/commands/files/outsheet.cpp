@@ -1,4 +1,5 @@
 // outsheet: the dataset as delimited text.
+#include <cstring>
 #include "base/poll.h"
 #include "base/platform.h"
 #include "base/saved.h"
@@ -17,57 +18,74 @@ namespace velmo {
 
 void cells_start(std::vector<cellwriter>& cells, const Int4* vars, Int4 n, const celloptions& o) {
     for (Int4 i = 0; i < n; i++) {
-        cellwriter cell{vars[i], isstring(vars[i]), fmt[vars[i] - 1], {}};
-        if (o.label && !cell.string && lbl[vars[i] - 1][0]) vl_load(lbl[vars[i] - 1], cell.label);
+        Int4 v = vars[i];
+        cellwriter cell{v, isstring(v), fmt[v - 1], {}, typ[v - 1], mapi[v - 1]};
+        if (o.label && !cell.string && lbl[v - 1][0]) vl_load(lbl[v - 1], cell.label);
         cells.push_back(cell);
     }
 }
 
+namespace {
+
+char* puttext(char* out, std::string_view text, boolean quoted) {
+    text = text.substr(0, maxstrtype);
+    if (!quoted) text = trimmed(text);
+    if (quoted) *out++ = '"';
+    std::memcpy(out, text.data(), text.size());
+    out += text.size();
+    if (quoted) *out++ = '"';
+    return out;
+}
+
+}  // namespace
+
+char* cell_put(const cellwriter& cell, const UByte* row, const celloptions& o, char* out) {
+    const UByte* p = row + cell.offset;
+    if (cell.string) return puttext(out, fieldtext(reinterpret_cast<const char*>(p), cell.type), o.quote);
+    Double value = readcell(p, cell.type);
+    if (value == missing) return out;
+    const char* found = cell.label.exists ? cell.label.find(value) : nullptr;
+    return found ? puttext(out, found, o.quote) : out + fmttrimmed(cell.format, value, out);
+}
+
 void cell_append(const cellwriter& cell, Int4 obs, const celloptions& o, std::string& out) {
-    std::string_view text;
-    boolean quoted = o.quote;
-    if (cell.string) {
-        text = strcell(cell.var, obs);
-    } else {
-        Double value = getobs(cell.var, obs);
-        if (value == missing) return;
-        const char* found = cell.label.exists ? cell.label.find(value) : nullptr;
-        if (found) {
-            text = found;
-        } else {
-            text = {dbuf, std::size_t(fmtnum(cell.format, value))};
-            quoted = false;
-        }
-    }
-    text = trimmed(text);
-    if (quoted) out += '"';
-    out += text;
-    if (quoted) out += '"';
+    char text[cellroom];
+    out.append(text, cell_put(cell, rowptr(obs), o, text));
 }
 
 namespace {
 
 struct outsheetoptions { celloptions cells; boolean names, comma, replace; };
 
+void writenames(bytewriter& w, char separator) {
+    std::string line;
+    for (Int4 i = 0; i < vl_n; i++) line += (i ? std::string(1, separator) : "") + varlist[vl_vr[i] - 1];
+    writer_put(w, line + "\n");
+}
+
+// Each cell goes into the writer's buffer where it will stand.
+void writerow(bytewriter& w, const std::vector<cellwriter>& cells, const celloptions& o, const UByte* row,
+              char separator) {
+    boolean first = true;
+    for (const cellwriter& cell : cells) {
+        char* out = writer_room(w, cellroom + 1);
+        *out = separator;
+        w.len = std::size_t(cell_put(cell, row, o, first ? out : out + 1) - w.buf);
+        first = false;
+    }
+    *writer_room(w, 1) = '\n';
+    w.len++;
+}
+
 Int4 writerows(bytewriter& w, const outsheetoptions& o) {
     std::vector<cellwriter> cells;
     cells_start(cells, vl_vr, vl_n, o.cells);
     char separator = o.comma ? ',' : '\t';
-    std::string line;
-    if (o.names) {
-        for (Int4 i = 0; i < vl_n; i++) line += (i ? std::string(1, separator) : "") + varlist[vl_vr[i] - 1];
-        writer_put(w, line + "\n");
-    }
+    if (o.names) writenames(w, separator);
     for (Int4 obs = firstobs; obs <= lastobs; obs++) {
         if (tick()) return 1;
         if (ifgiven && !exp_iftest(obs)) continue;
-        line.clear();
-        for (Int4 i = 0; i < vl_n; i++) {
-            if (i) line += separator;
-            cell_append(cells[std::size_t(i)], obs, o.cells, line);
-        }
-        line += '\n';
-        writer_put(w, line);
+        writerow(w, cells, o.cells, rowptr(obs), separator);
         if (w.failed) return 699;
     }
     return writer_flush(w) ? 0 : 699;

@@ -9,6 +9,7 @@
 #include "core/adopath.h"
 #include "core/webfile.h"
 #include "language/stdparse.h"
+#include "output/dates.h"
 #include "output/errors.h"
 #include "output/print.h"
 #include "output/results.h"
@@ -81,10 +82,10 @@ Int4 cmd_copy() {
     if (Int4 rc = parseoptions()) return rc;
     boolean replace = getopt_flag("replace", 7), append = getopt_flag("append", 6);
     boolean ispublic = getopt_flag("public", 3);
-    getopt_flag("text", 1);      // line ends are the system's own already
+    boolean text = getopt_flag("text", 1);
     if (Int4 rc = getopt_done()) return rc;
     if (filestat(target.c_str()).isdirectory) target += "/" + source.substr(source.rfind('/') + 1);
-    Int4 flags = web_binary | (replace ? web_replace : append ? web_append : 0) | (ispublic ? web_public : 0);
+    Int4 flags = (text ? 0 : web_binary) | (replace ? web_replace : append ? web_append : 0) | (ispublic ? web_public : 0);
     return webcopy(source, target, flags);
 }
 
@@ -144,13 +145,11 @@ std::string sizecolumn(Filepos bytes) {
 }
 
 Int4 listentry(const std::string& folder, const std::string& name) {
-    static constexpr const char* months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     fileinfo info = filestat((folder + name).c_str());
     const clocktime& t = info.changed;
     std::string size = info.isdirectory ? "   <dir>" : sizecolumn(info.size);
-    const char* month = info.exists && t.month >= 1 && t.month <= 12 ? months[t.month - 1] : "   ";
-    return prtf("%s  %2d %s %4d %02d:%02d  %s\n", size.c_str(), t.day, month, t.year, t.hour, t.minute, name.c_str());
+    const char* month = info.exists && t.month >= 1 && t.month <= 12 ? monthnames[t.month - 1] : "";
+    return prtf("%s  %2d %3.3s %4d %02d:%02d  %s\n", size.c_str(), t.day, month, t.year, t.hour, t.minute, name.c_str());
 }
 
 }  // namespace

@@ -79,10 +79,9 @@ Int4 sizerow(const char* name, const std::string& value, const char* what, Doubl
     char cost[40];
     memtext(cost, sizeof cost, bytes);
     prtf("    %-16s", name);
-    result(std::string(value.size() < 8 ? 8 - value.size() : 0, ' ') + value);
+    result(rightjustified(value, 8));
     prtf("    %-28s", what);
-    std::string text = cost;
-    result(std::string(text.size() < 14 ? 14 - text.size() : 0, ' ') + text);
+    result(rightjustified(cost, 14));
     return prtnl();
 }
 

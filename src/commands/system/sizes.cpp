@@ -10,6 +10,7 @@
 #include "core/objects.h"
 #include "core/prefs.h"
 #include "data/dataset.h"
+#include "language/review.h"
 #include "language/stdparse.h"
 #include "matrix/results.h"
 #include "output/errors.h"
@@ -131,6 +132,7 @@ Int4 setting_maxvar() {
     if (datainmemory()) return error(4);
     if (n != maxvar) {
         if (Int4 rc = setmaxvar(n)) return sizeerror(rc);
+        review_resize();
         discardresults();
     }
     return record(permanent, "maxvar", n);

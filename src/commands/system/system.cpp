@@ -99,8 +99,6 @@ Int4 cmd_shell() {
     return runshell(shell.c_str(), command.c_str()) < 0 ? error(702) : 0;
 }
 
-Int4 cmd_xshell() { return cmd_shell(); }
-
 // sleep #: milliseconds; Break ends it.
 Int4 cmd_sleep() {
     Int4 ms;
@@ -115,6 +113,7 @@ Int4 cmd_sleep() {
 
 Int4 cmd_beep() {
     if (Int4 rc = parseoptions()) return rc;
+    if (Int4 rc = getopt_done()) return rc;
     if (!batchmode) {
         std::fputc('\a', stderr);
         std::fflush(stderr);

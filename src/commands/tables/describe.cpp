@@ -3,6 +3,7 @@
 #include "base/poll.h"
 #include "base/text.h"
 #include "commands/tables/tabletext.h"
+#include "core/division.h"
 #include "core/macros.h"
 #include "data/chars.h"
 #include "data/dataset.h"
@@ -39,10 +40,6 @@ void storeresults(const shape& s) {
     rstore("changed", datachanged);
 }
 
-std::string rightjustified(const std::string& text, std::size_t n) {
-    return std::string(text.size() < n ? n - text.size() : 0, ' ') + text;
-}
-
 // Text at the right of a line, broken at 31 when it is 33 or more long; later pieces start in `column`.
 Int4 brokentext(std::string text, Int4 column) {
     if (text.size() < 33) {
@@ -76,7 +73,7 @@ Int4 beside(const std::string& text, const describeoptions& o) {
 }
 
 Int4 sizeline(const shape& s, const describeoptions& o) {
-    std::int64_t size = std::int64_t(s.width + 4) * nobs, area = dynstart - blockstart;
+    std::int64_t size = std::int64_t(s.width + 4) * nobs, area = storestart() - blockstart;
     headvalue(" size:", size, area, o);
     boolean notes = char_exists("_dta", "note0");
     if (!o.detail) {

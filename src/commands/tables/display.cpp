@@ -1,4 +1,5 @@
 // display: a list of directives, literals and expressions, read token by token through a table.
+#include <algorithm>
 #include <string>
 #include "base/poll.h"
 #include "base/saved.h"
@@ -49,10 +50,15 @@ struct displaystate {
     boolean newline = true;   // at the end of the command
     char format[fmtsize];
     boolean formatgiven = false;
+    std::string* buffer = nullptr;   // the buffer form: nothing prints
 };
 
 Int4 putitem(displaystate& s, std::string_view text) {
     s.column += Int4(text.size());
+    if (s.buffer) {
+        s.buffer->append(text);
+        return 0;
+    }
     if (s.mode == print_plain) return prt(text);
     if (s.mode == print_styled) prtcolour();
     return prtraw(text);
@@ -69,6 +75,10 @@ Int4 putrepeated(displaystate& s, std::string_view text) {
 
 Int4 putblanks(displaystate& s, Int4 n) {
     s.column += n;
+    if (s.buffer) {
+        s.buffer->append(std::size_t(std::max(n, 0)), ' ');
+        return 0;
+    }
     return n > 0 ? prtblanks(n) : breakpending;
 }
 
@@ -145,6 +155,10 @@ Int4 takechar(displaystate& s) {
     Int4 n = s.dup;
     s.dup = 1;
     s.column += n;
+    if (s.buffer) {
+        s.buffer->append(std::size_t(n), c);
+        return 0;
+    }
     if (s.mode != print_vtml) prtcolour();
     for (Int4 i = 0; i < n; i++)
         if (Int4 rc = prtquiet({&c, 1})) return rc;
@@ -156,7 +170,7 @@ Int4 takecolumn(displaystate& s) {
     if (Int4 rc = countargument(column, 1)) return rc;
     if (column < -999999) return error(198);
     if (column < 0) column = 0;
-    if (s.mode != print_plain) return prtrawf("{col %d}", column);
+    if (s.mode != print_plain && !s.buffer) return prtrawf("{col %d}", column);
     return column > s.column ? putblanks(s, column - s.column) : 0;
 }
 
@@ -252,7 +266,9 @@ Int4 takeexpression(displaystate& s) {
 Int4 takeitem(displaystate& s) {
     if (isquoted()) return takeliteral(s);
     Int4 word = lookup(words, tokbuf);
-    if (word >= 0) return takeword(s, word);
+    boolean prints = word == w_style || word == w_continue || word == w_page || word == w_newline || word == w_quote ||
+                     word == w_request;
+    if (word >= 0 && !(s.buffer && prints)) return takeword(s, word);
     if (tokbuf[0] == '%') return takeformat(s);
     if (tokbuf[0] != ',') return takeexpression(s);
     if (tokpeek() == ',') {
@@ -264,18 +280,33 @@ Int4 takeitem(displaystate& s) {
 
 }  // namespace
 
+namespace {
+
+Int4 walkitems(displaystate& s) {
+    firstobs = groupfirst = 1;
+    lastobs = grouplast = nobs;
+    s.mode = version >= 700 ? print_vtml : print_plain;
+    while (nexttoken()[0])
+        if (Int4 rc = takeitem(s)) return rc;
+    return 0;
+}
+
+}  // namespace
+
 Int4 cmd_display() {
     if (bymode) return error(190);
     saved level(outlevel, UByte(0));
     saved quiet(quietlevel, version < 220 ? UByte(0) : quietlevel);
-    firstobs = groupfirst = 1;
-    lastobs = grouplast = nobs;
     displaystate s{};
-    s.mode = version >= 700 ? print_vtml : print_plain;
-    s.dup = s.column = 1;
-    while (nexttoken()[0])
-        if (Int4 rc = takeitem(s)) return rc;
+    if (Int4 rc = walkitems(s)) return rc;
     return s.newline ? prtnl() : breakpending;
+}
+
+// The text that display would show, for macros.
+Int4 ext_display(std::string& out) {
+    displaystate s{};
+    s.buffer = &out;
+    return walkitems(s);
 }
 
 }  // namespace velmo

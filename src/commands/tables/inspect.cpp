@@ -68,15 +68,15 @@ Int4 gather(Int4 var, inspection& out) {
     return 0;
 }
 
-// Heights 0 to 6 of up to five bars; returns how many there are.
-Int4 histogram(Int4 var, const inspection& x, Int4 (&height)[5]) {
+// Heights 0 to 6 of up to five bars. 0, or 1 on a break.
+Int4 histogram(Int4 var, const inspection& x, Int4 bars, Int4 (&height)[5]) {
     std::memset(height, 0, sizeof height);
-    Int4 bars = std::min(x.unique.n, 5);
     if (bars == 1) height[0] = 6;
-    if (bars < 2) return bars;
+    if (bars < 2) return 0;
     Int4 count[5] = {}, largest = 0;
     Double range = x.max - x.min;
     for (Int4 obs = firstobs; obs <= lastobs; obs++) {
+        if (tick()) return 1;
         if (ifgiven && !exp_iftest(obs)) continue;
         Double v = getobs(var, obs);
         if (v == missing) continue;
@@ -85,7 +85,7 @@ Int4 histogram(Int4 var, const inspection& x, Int4 (&height)[5]) {
         largest = std::max(largest, ++count[bin]);
     }
     for (Int4 b = 0; b < bars; b++) height[b] = Int4((6.0 * count[b] + 0.5) / largest);
-    return bars;
+    return 0;
 }
 
 void putcount(Int4 n) {
@@ -153,7 +153,7 @@ void rangeline(const inspection& x) {
 
 void uniqueline(const inspection& x) {
     Int4 n = x.unique.n;
-    std::string text = "(" + std::to_string(n) + " unique value" + (n == 1 ? "" : "s") + ")";
+    std::string text = "(" + std::to_string(n) + " unique value" + plural(n) + ")";
     if (n >= maxunique) text = "(More than 99 unique values)";
     tabtext(std::string(text.size() < 22 ? (22 - text.size()) / 2 : 0, ' ') + text + "\n");
 }
@@ -196,8 +196,8 @@ void storeresults(const inspection& x, Double undoc) {
 Int4 inspectone(Int4 var) {
     inspection x;
     if (Int4 rc = gather(var, x)) return rc;
-    Int4 height[5];
-    Int4 bars = histogram(var, x, height);
+    Int4 height[5], bars = std::min(x.unique.n, 5);
+    if (Int4 rc = histogram(var, x, bars, height)) return rc;
     Double undoc = undocumented(var, x);
     storeresults(x, undoc);
     heading(var);

@@ -110,13 +110,12 @@ std::string displayvalue(const listcolumn& c, Int4 obs, boolean& wascut) {
         std::string text(strcell(c.var, obs));
         wascut = text.size() > 12;
         if (wascut) return text.substr(0, 12) + "..";
-        return std::string(12 - text.size(), ' ') + text;
+        return rightjustified(text, 12);
     }
     Double value = varvalue(c.entry, obs);
     boolean fits = c.date && c.width <= 12;
     fmtlbl(fits ? c.format : c.cut, value, c.label.exists ? &c.label : nullptr);
-    std::string text = dbuf;
-    return std::string(text.size() < 12 ? 12 - text.size() : 0, ' ') + text;
+    return rightjustified(dbuf, 12);
 }
 
 void displayoperators(const std::vector<listcolumn>& columns, std::size_t from, std::size_t to) {
@@ -125,7 +124,7 @@ void displayoperators(const std::vector<listcolumn>& columns, std::size_t from, 
         std::string name = entryname(columns[i].entry);
         line += "    ";
         if (!entryop(columns[i].entry)) name = std::string(21, ' ');
-        else if (name.size() <= 8) name = std::string(8 - name.size(), ' ') + name + std::string(13, ' ');
+        else if (name.size() <= 8) name = rightjustified(name, 8) + std::string(13, ' ');
         else if (name.size() < 21) name += std::string(21 - name.size(), ' ');
         line += name;
     }

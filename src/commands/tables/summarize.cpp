@@ -527,6 +527,7 @@ Int4 detailone(Int4 entry, const sumoptions& o) {
 // summarize [varlist] [if] [in] [weight] [, detail meanonly format]
 Int4 cmd_summarize() {
     p_weight = 0;
+    p_scale = 1;
     p_tsops = 0;
     p_weightmask = weight_a | weight_f;
     if (Int4 rc = stdparse()) return rc;

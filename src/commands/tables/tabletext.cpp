@@ -30,8 +30,8 @@ void tabresult(std::string_view text) {
 void tabstub(std::string_view name) {
     char shown[64];
     abbrevname(shown, sizeof shown, name, 12);
-    std::string_view text = shown;
-    tabtext(std::string(text.size() < 12 ? 12 - text.size() : 0, ' ') + std::string(text) + " ");
+    tabtext(rightjustified(shown, 12));
+    tabtext(" ");
     tabmarkup("{c |}");
 }
 
@@ -48,7 +48,7 @@ void wordwrap(std::string_view text, Int4 width, std::vector<std::string>& lines
 
 std::string commatext(std::int64_t n) {
     std::string digits = std::to_string(n);
-    for (Int4 at = Int4(digits.size()) - 3; at > (n < 0 ? 1 : 0); at -= 3) digits.insert(std::size_t(at), ",");
+    for (Int4 at = Int4(digits.size()) - 3; at > (n < 0 ? 1 : 0); at -= 3) digits.insert(std::size_t(at), 1, ',');
     return digits;
 }
 

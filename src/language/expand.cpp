@@ -1,0 +1,300 @@
+// The scan walks cmdbuf by index and rewrites it in place: a reference's text is replaced by its value, the tail moves
+// once, and the scan goes on at the same place, so that what a value holds is looked at too.
+#include "language/expand.h"
+#include <cstring>
+#include "base/platform.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "core/macros.h"
+#include "data/cells.h"
+#include "data/chars.h"
+#include "data/run.h"
+#include "expr/compile.h"
+#include "expr/evaluate.h"
+#include "matrix/results.h"
+#include "output/errors.h"
+#include "output/formats.h"
+
+namespace velmo {
+
+namespace {
+
+constexpr Int4 maxrounds = 21;      // substitutions at one place
+constexpr Int4 maxdepth = 1000;     // references within references
+
+struct scan {
+    Int4 len = 0;
+    Int4 depth = 0;
+    Int4 rc = 0;                    // 920 once the line can't be expanded
+};
+scan s;
+
+Int4 toomany() {
+    if (!s.rc) s.rc = error(920);
+    return s.rc;
+}
+
+// Puts value in the place of n characters at p; false when the line would grow past its buffer.
+boolean put(Int4 p, Int4 n, std::string_view value) {
+    std::int64_t len = std::int64_t(s.len) - n + std::int64_t(value.size());
+    if (len > conslen - 1) {
+        toomany();
+        return false;
+    }
+    std::memmove(cmdbuf + p + value.size(), cmdbuf + p + n, std::size_t(s.len - p - n) + 1);
+    std::memcpy(cmdbuf + p, value.data(), value.size());
+    s.len = Int4(len);
+    return true;
+}
+
+boolean ismark(char c) { return c == '$' || c == '`'; }
+Int4 namelimit() { return version < 700 ? 8 : namelen; }
+
+// Length of the macro name at p, at most the limit; `*` alone is a name of locals.
+Int4 nameend(Int4 p, Int4 limit) {
+    if (!isnamestart(cmdbuf[p])) return 0;
+    Int4 n = 1;
+    while (n < limit && isnamechar(cmdbuf[p + n])) n++;
+    return n;
+}
+
+boolean expandat(Int4 p);
+
+// Expands every position in p..end, where close(p) finds the end anew after each change; returns the end, -1 when the
+// partner is gone.
+template <class F> Int4 expandinside(Int4 from, F close) {
+    Int4 end = close();
+    for (Int4 i = from; end >= 0 && i < end && !s.rc;) {
+        if (!ismark(cmdbuf[i])) {
+            i++;
+            continue;
+        }
+        boolean changed = expandat(i);
+        end = close();
+        if (!changed || ismark(cmdbuf[i])) i++;
+    }
+    return s.rc ? -1 : end;
+}
+
+// ---- Global references.
+
+Int4 closingbrace(Int4 p) {
+    Int4 depth = 0;
+    for (Int4 i = p; cmdbuf[i]; i++) {
+        if (cmdbuf[i] == '{') depth++;
+        if (cmdbuf[i] == '}' && --depth == 0) return i;
+    }
+    return -1;
+}
+
+boolean bracedglobal(Int4 p, boolean& inserted) {
+    Int4 open = p + 1;
+    Int4 close = expandinside(open + 1, [open] { return closingbrace(open); });
+    if (close < 0) return false;
+    Int4 n = nameend(open + 1, namelimit());
+    std::string value;
+    if (n > 0 && open + 1 + n == close) value = macrovalue({cmdbuf + open + 1, std::size_t(n)});
+    inserted = !value.empty();
+    return put(p, close + 1 - p, value);
+}
+
+boolean globalreference(Int4 p, boolean& inserted) {
+    if (ismark(cmdbuf[p + 1])) expandat(p + 1);
+    if (s.rc) return false;
+    if (cmdbuf[p + 1] == '{') return bracedglobal(p, inserted);
+    Int4 n = nameend(p + 1, namelimit());
+    if (n == 0) return false;
+    std::string value = macrovalue({cmdbuf + p + 1, std::size_t(n)});
+    inserted = !value.empty();
+    return put(p, n + 1, value);
+}
+
+// ---- Local references.
+
+Int4 closingquote(Int4 p) {
+    Int4 depth = 0;
+    for (Int4 i = p; cmdbuf[i]; i++) {
+        if (cmdbuf[i] == '`') depth++;
+        if (cmdbuf[i] == '\'' && --depth == 0) return i;
+    }
+    return -1;
+}
+
+std::string numbertext(Double value) {
+    fmtnum("%18.0g", value);
+    return std::string(trimmed(dbuf));
+}
+
+// Runs with the tokenizer on text of its own; the cursor comes back.
+template <class F> void withcursor(std::string& text, F run) {
+    saved pos(tokpos, text.data()), start(tokstart, text.data());
+    saved repeat(tokrepeat, UByte(0)), repeated(tokrepeated, UByte(0));
+    run();
+}
+
+// =exp: a failing expression is empty, and says nothing.
+std::string expressionvalue(std::string text) {
+    std::string out;
+    saved quiet(quietlevel, UByte(5));
+    withcursor(text, [&out] {
+        saved first(firstobs, 1), last(lastobs, nobs), gfirst(groupfirst, 1), glast(grouplast, nobs);
+        exp_reset();
+        if (exp_compile(eqexp, mode_any) || tokpeeknonblank()) return;
+        char buf[strbufsize];
+        if (eqexp.restype == exp_string)
+            out.assign(buf, std::size_t(exp_getstr(eqexp, 1, buf)));
+        else
+            out = numbertext(exp_getnum(eqexp, 1));
+    });
+    return out;
+}
+
+std::string extendedvalue(std::string text) {
+    std::string out;
+    withcursor(text, [&out] {
+        if (extfunc(out)) out.clear();
+    });
+    return out;
+}
+
+// r(x), s(x) and their kin; families that aren't kept yet are empty.
+std::string resultvalue(std::string_view family, std::string_view name) {
+    Double value;
+    std::string text;
+    if (family != "r") return "";
+    if (rscalar(name, value)) return numbertext(value);
+    return rmacrotext(name, text) ? text : "";
+}
+
+std::string charvalue(std::string_view owner, std::string_view name) {
+    if (owner != "_dta" && !findvar(owner)) {
+        saved quiet(quietlevel, UByte(5));
+        Int4 var = lookupvar(owner, lookup_quiet);
+        if (var < 1 || var > nvar) return "";
+        return char_get(varlist[var - 1], trimmed(name));
+    }
+    return char_get(owner, trimmed(name));
+}
+
+// The value of what stands between the quotes at p and close.
+boolean insidevalue(Int4 p, Int4 close, std::string& value) {
+    std::string_view inside(cmdbuf + p + 1, std::size_t(close - p - 1));
+    if (!inside.empty() && (inside[0] == '=' || inside[0] == ':' || inside[0] == '.')) {
+        std::string text(inside.substr(1));
+        value = inside[0] == '=' ? expressionvalue(text) : inside[0] == ':' ? extendedvalue(text) : "";
+        return true;
+    }
+    if (inside == "*") {
+        value = macrovalue("_*");
+        return true;
+    }
+    Int4 n = 0;
+    while (n < Int4(inside.size()) && isnamechar(inside[std::size_t(n)])) n++;
+    if (n == 0) return false;
+    char behind = n < Int4(inside.size()) ? inside[std::size_t(n)] : char(0);
+    std::string_view name = inside.substr(0, std::size_t(n)), rest = inside.substr(std::size_t(n));
+    if (behind == '(')
+        value = resultvalue(name, trimmed(rest.substr(1, rest.find(')') - 1)));
+    else if (behind == '[')
+        value = charvalue(name, rest.substr(1, rest.find(']') - 1));
+    else
+        value = macrovalue("_" + std::string(name.substr(0, std::size_t(namelimit() - 1))));
+    return true;
+}
+
+boolean localreference(Int4 p, boolean& inserted) {
+    if (cmdbuf[p + 1] == '"') return false;
+    Int4 close = expandinside(p + 1, [p] { return closingquote(p); });
+    std::string value;
+    if (close < 0 || !insidevalue(p, close, value)) return false;
+    inserted = !value.empty();
+    return put(p, close + 1 - p, value);
+}
+
+// Substitutes at p until something else than a reference stands there. True when anything changed.
+boolean expandat(Int4 p) {
+    if (s.depth >= maxdepth) return toomany() * 0 != 0;
+    saved deeper(s.depth, s.depth + 1);
+    boolean any = false;
+    for (Int4 rounds = 0; ismark(cmdbuf[p]) && !s.rc;) {
+        boolean inserted = false;
+        boolean changed = cmdbuf[p] == '$' ? globalreference(p, inserted) : localreference(p, inserted);
+        if (!changed) break;
+        any = true;
+        if (inserted && ++rounds >= maxrounds) toomany();
+    }
+    return any;
+}
+
+void expandline(Int4 p) {
+    while (p < s.len && !s.rc) {
+        char c = cmdbuf[p], next = cmdbuf[p + 1];
+        if (ismark(c)) {
+            if (!expandat(p) || ismark(cmdbuf[p])) p++;
+        } else if (c == '\\' && (ismark(next) || next == '\\')) {
+            put(p, 1, "");
+            p++;
+        } else {
+            p++;
+        }
+    }
+}
+
+// Before version 3.2: backquotes go, and %name is a macro; the scan begins anew after each.
+void expandpercents() {
+    for (Int4 p = 0, rounds = 0; p < s.len && !s.rc; p++) {
+        if (cmdbuf[p] == '`') {
+            put(p--, 1, "");
+            continue;
+        }
+        if (cmdbuf[p] != '%') continue;
+        Int4 n = nameend(p + 1, namelimit());
+        if (n == 0) continue;
+        std::string value = macrovalue({cmdbuf + p + 1, std::size_t(n)});
+        if (++rounds > 10000) toomany();
+        put(p, n + 1, value);
+        p = -1;
+    }
+}
+
+}  // namespace
+
+std::string macrovalue(std::string_view name) {
+    static constexpr const char* months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    if (name == "S_DATE" || name == "S_TIME") {
+        clocktime t = localclock();
+        char text[40];
+        if (name == "S_DATE")
+            snprintf(text, sizeof text, "%2d %s%5d", t.day, months[t.month - 1], t.year);
+        else
+            snprintf(text, sizeof text, "%02d:%02d:%02d", t.hour, t.minute, t.second);
+        return text;
+    }
+    if (name != "_*") {
+        const char* value = macroget(name);
+        return value ? value : "";
+    }
+    std::string all;
+    for (Int4 i = 1; const char* value = macroget("_" + std::to_string(i)); i++) {
+        if (i > 1) all += ' ';
+        all += value;
+        if (all.size() > std::size_t(conslen)) break;
+    }
+    return all;
+}
+
+Int4 expandmacros() {
+    if (!execflag) return 0;
+    settokpos(cmdbuf);
+    std::size_t plain = std::strcspn(cmdbuf, "$`\\");
+    if (!cmdbuf[plain] && version >= 320) return 0;
+    s = {};
+    s.len = Int4(plain + std::strlen(cmdbuf + plain));
+    expandline(Int4(plain));
+    if (version < 320) expandpercents();
+    settokpos(cmdbuf);
+    return s.rc;
+}
+
+}  // namespace velmo

@@ -1,0 +1,51 @@
+// Stored programs: objects of kind 7, one contiguous block each
+//   | header (storedprogram) | n + 1 offsets, UInt4, from the object's data | text |
+// A line of the text is one byte with its leading blanks, the line without them and without double blanks outside
+// quotes, and a zero. Nobody keeps an address: a running program's lines are fetched by name and offset, through a cache
+// that is dropped when the store has moved or another program of that name has come.
+#pragma once
+#include <string>
+#include <string_view>
+#include <vector>
+#include "core/objects.h"
+
+namespace velmo {
+
+struct storedprogram {
+    Int4 loadid;           // nonzero: defined while an ado-file was being loaded
+    Int4 lastused;         // sysclock at definition and at each call
+    UByte running, sortpreserve, subprogram;
+    UByte progclass;       // 0 none, 1 r, 2 s, 3 e
+    UByte byable;          // 0 not, 1 onecall, 2 recall, 3 recall with noheader
+    char home[namesize];   // the program that owns this one; empty for one of its own
+    char pad[2];
+    Int4 lines;
+};
+
+// State
+extern char programname[namesize];     // the running program, empty outside
+extern char programhome[namesize];     // its home
+extern Int4 programline;               // index of the next line, from 0
+extern UByte subprogramlevel;          // the running program is a subprogram
+extern UByte programclass;             // class of the running program
+extern Int4 loadingid;                 // nonzero while an ado-file is being loaded
+
+inline constexpr Int4 maxprogramlines = 3501, maxprogramtext = 135600;
+
+struct programoptions { UByte progclass, byable, sortpreserve; };
+
+// The program of that name seen from `home`, or null. how 1 passes over one marked for deletion.
+object* findprogram(std::string_view name, std::string_view home);
+storedprogram& programheader(object* o);
+// Reads a body through nextline(0) up to `end` (or, with braces, until they balance, the first line being cmdbuf) and
+// stores it under name and home. 0, 1, 612, 1000, 950.
+Int4 programdefine(std::string_view name, std::string_view home, const programoptions& options, boolean braces);
+// Line i of the running program into out (conslen bytes), its indentation as blanks; false behind the last line.
+boolean programtext(Int4 i, char* out);
+void dropprogram(object* o);           // and its subprograms
+// Finds cmdword.ado along the ado-path, defines what it holds, and checks it. 0 or a code (printed): 199, 161, 162,
+// the failing line's.
+Int4 autoload(const char* suffix, boolean required);
+void discardprograms();                // those from ado-files that don't run
+
+}  // namespace velmo

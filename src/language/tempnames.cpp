@@ -1,0 +1,57 @@
+// Temporary names: variables and objects by a counter in base 36, files by a number. A level drops what was named since
+// its entry.
+#include <cstdlib>
+#include <vector>
+#include "base/text.h"
+#include "core/objects.h"
+#include "core/tempfiles.h"
+#include "data/dataset.h"
+#include "language/expand.h"
+
+namespace velmo {
+
+Int4 tempnamecounter = 0;
+Int4 tempfilecounter = 0;
+
+std::string newtempname() {
+    if (tempnamecounter >= 2146483647) tempnamecounter = 0;
+    char text[9] = "__000000";
+    Int4 n = tempnamecounter++;
+    for (Int4 i = 7; i >= 2; i--, n /= 36) text[i] = char(n % 36 < 10 ? '0' + n % 36 : 'A' + n % 36 - 10);
+    return text;
+}
+
+boolean istempname(std::string_view name, Int4 from) {
+    if (name.size() != 8 || name.substr(0, 2) != "__") return false;
+    std::int64_t n = 0;
+    for (char c : name.substr(2)) {
+        if (!isdigit(c) && !(c >= 'A' && c <= 'Z')) return false;
+        n = n * 36 + (isdigit(c) ? c - '0' : c - 'A' + 10);
+    }
+    return n >= from && n < tempnamecounter;
+}
+
+void droptempnames(Int4 from) {
+    if (from == tempnamecounter) return;
+    std::vector<UByte> marks(std::size_t(nvar), 0);
+    boolean any = false;
+    for (Int4 v = 1; v <= nvar; v++) any |= (marks[std::size_t(v - 1)] = istempname(varlist[v - 1], from));
+    UByte changed = datachanged;
+    if (any && dropvars(marks.data()) == 0) {
+        visnvar = nvar;
+        datachanged = changed;
+    }
+    std::vector<std::string> scalars;
+    char name[36];
+    for (object* o = objnext(nullptr, name, obj_scalar); o; o = objnext(o, name, obj_scalar))
+        if (istempname(name, from)) scalars.push_back(name);
+    for (const std::string& scalar : scalars) objdel(scalar, obj_scalar);
+}
+
+void droptempfiles(Int4 from) {
+    char path[pathsize];
+    for (Int4 n = from + 1; n <= tempfilecounter; n++)
+        if (tempfilename(path, '_', n) == 0) removewithretry(path);
+}
+
+}  // namespace velmo

@@ -167,7 +167,8 @@ Int4 storeloop(const char* word) {
     if (wasexpanded)
         return errorf(198, "%s command may not result from a macro expansion interactively or in do files\n", word);
     if (whiledepth > 999) return error(198);
-    if (!findbrace(cmdbuf, true)) return 100;
+    if (!findbrace(tokpos, true)) return 100;
+    for (char* p = cmdbuf; p < tokstart; p++) *p = ' ';      // prefixes have been obeyed
     std::string name = std::to_string(whiledepth) + "while", home = programhome;
     saved depth(whiledepth, whiledepth + 1);
     if (Int4 rc = programdefine(name, home, {}, true)) return rc;

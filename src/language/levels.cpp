@@ -11,6 +11,7 @@
 #include "core/webfile.h"
 #include "data/dataset.h"
 #include "data/run.h"
+#include "data/sorting.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "language/control.h"
@@ -36,7 +37,7 @@ struct frame {
     doreader* dofile;
     controlstate control;
     UByte semicolon, quiet, savedquiet, more, inprogram, rmsg, subprogram, progclass;
-    UByte wasrunning;
+    UByte wasrunning, sortpreserved;
     Int2 version;
     Int4 line, tempnames, tempfiles;
     char name[namesize], home[namesize];
@@ -182,6 +183,7 @@ Int4 openprogram(frame& f) {
     programclass = p.progclass;
     copytext(programhome, namesize, p.home[0] ? p.home : cmdword);
     copytext(programname, namesize, cmdword);
+    f.sortpreserved = p.sortpreserve;
     return 0;
 }
 
@@ -201,6 +203,10 @@ void leave(Int4 mode, frame& f) {
         eofseen = 0;
     }
     if (version >= 310) droptempfiles(f.tempfiles);
+    if (f.sortpreserved) {
+        Int4 rc = sortindex_pop();
+        if (!lastrc) lastrc = rc;
+    }
     droptempnames(f.tempnames);
     putback(f);
     dolevel--;
@@ -235,9 +241,14 @@ Int4 docall(Int4 mode) {
     if (bymode) return error(190);
     if (dolevel >= maxlevels) return error(1000);
     frame f;
+    f.sortpreserved = 0;
     if (Int4 rc = mode == level_program ? openprogram(f) : opennamedfile(f)) return rc;
     enter(mode);
-    runlines(mode, f);
+    lastrc = f.sortpreserved ? sortindex_push(newtempname()) : 0;
+    if (lastrc)
+        f.sortpreserved = 0;
+    else
+        runlines(mode, f);
     leave(mode, f);
     return lastrc;
 }
@@ -246,6 +257,7 @@ Int4 runfile(const std::string& path) {
     if (dolevel >= maxlevels) return error(1000);
     frame f;
     f.stop = true;
+    f.sortpreserved = 0;
     if (Int4 rc = opendofile(f, path.c_str(), "")) return rc;
     enter(level_run);
     runlines(level_run, f);

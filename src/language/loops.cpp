@@ -193,23 +193,26 @@ Int4 skiploop() {
     return brace ? rununder(false, brace) : 0;
 }
 
-// One loop of a stored program: where its line stands, and what its end puts back.
+// One loop of a stored program: where its line stands, what its end puts back, and whether its body begins on the line
+// itself.
 struct loop {
     Int4 header;
     UByte entry;
+    boolean inlinebody;
     controlstate outer;
-    loop() : header(programline - 1), entry(execflag), outer(control) {}
+    loop(const char* brace)
+        : header(programline - 1), entry(execflag), inlinebody(brace[1 + std::strspn(brace + 1, " ")] != 0), outer(control) {}
 };
 
 // The body from its first line: what stands behind the brace of the loop's own line, or the line behind it.
 void rewind(const loop& l) {
     programline = l.header + 1;
-    object* o = runningprogram();
+    object* o = l.inlinebody ? runningprogram() : nullptr;
     char* brace = o && programtext(o, l.header, cmdbuf) ? findbrace(cmdbuf, false) : nullptr;
     if (brace)
         blanktobrace(brace);
     else
-        cmdbuf[0] = 0;
+        settokpos(std::strcpy(cmdbuf, ""));
 }
 
 // One pass; the loop goes on while this gives 0 and contstate isn't 2.
@@ -242,9 +245,9 @@ boolean goeson(Int4 rc) { return !rc && !exitflag && !breakpending && control.co
 Int4 cmd_while() {
     if (!execflag) return skiploop();
     if (!inprogram) return storeloop("while");
-    loop l;
     char* brace = findbrace(tokpos, true);
     if (!brace) return 100;
+    loop l(brace);
     boolean truth;
     if (Int4 rc = condition(brace, truth)) return skipblock(brace, rc);
     control.inloop = 1;
@@ -308,7 +311,7 @@ Int4 cmd_forvalues() {
         return readrange(r);
     };
     if (Int4 rc = header()) return skipblock(brace, rc);
-    loop l;
+    loop l(brace);
     Int4 rc = 0;
     for (Double v = r.from; r.step > 0 ? v <= r.to : v >= r.to; v += r.step) {
         fmtnum("%18.0g", v);
@@ -439,7 +442,7 @@ Int4 cmd_foreach() {
     if (lists.size() >= maxlists) return error(198);
     if (Int4 rc = readlist(name, list, brace)) return skipblock(brace, rc);
     if (list.text.size() >= std::size_t(macrolen)) return skipblock(brace, error(103));
-    loop l;
+    loop l(brace);
     Int4 rc = 0;
     lists.push_back(list);
     while (nextitem(lists.back(), item)) {

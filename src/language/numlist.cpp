@@ -198,8 +198,7 @@ Int4 numlistparse(std::string_view text, const numlistrules& rules, std::vector<
 
 std::string numbertext(Double value) {
     char text[512];
-    fmttrimmed("%15.0g", value, text);
-    return text;
+    return std::string(text, std::size_t(fmttrimmed("%15.0g", value, text)));
 }
 
 std::string numlisttext(const std::vector<Double>& numbers) {

@@ -181,6 +181,7 @@ Int4 openprogram(frame& f) {
     programline = 0;
     subprogramlevel = p.subprogram;
     programclass = p.progclass;
+    results_enter();
     copytext(programhome, namesize, p.home[0] ? p.home : cmdword);
     copytext(programname, namesize, cmdword);
     f.sortpreserved = p.sortpreserve;
@@ -208,6 +209,7 @@ void leave(Int4 mode, frame& f) {
         if (!lastrc) lastrc = rc;
     }
     droptempnames(f.tempnames);
+    if (mode == level_program) results_leave(macrolevel, lastrc ? 0 : programclass);
     putback(f);
     dolevel--;
     objdeltype(macrolevel);

@@ -13,6 +13,7 @@
 #include "data/dataset.h"
 #include "expr/evaluate.h"
 #include "language/control.h"
+#include "language/numlist.h"
 #include "language/programs.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
@@ -399,9 +400,16 @@ Int4 macroname(fragment& f, boolean local) {
     return validname(f.macro) ? 0 : badname(name);
 }
 
-enum listkind : Int4 { list_local, list_global, list_varlist, list_newlist, list_any };
+enum listkind : Int4 { list_local, list_global, list_varlist, list_newlist, list_numlist, list_any };
 constexpr keyword listkinds[] = {{"local", 3, list_local},     {"global", 3, list_global}, {"varlist", 3, list_varlist},
-                                 {"newlist", 3, list_newlist}, {"any", 3, list_any}};
+                                 {"newlist", 3, list_newlist}, {"numlist", 3, list_numlist}, {"any", 3, list_any}};
+
+Int4 numbers(std::string_view list, std::string& text) {
+    std::vector<Double> values;
+    if (Int4 rc = numlistparse(list, {}, values)) return rc;
+    text = numlisttext(values);
+    return 0;
+}
 
 Int4 oflist(fragment& f, char* brace) {
     switch (lookup(listkinds, nexttoken())) {
@@ -409,6 +417,7 @@ Int4 oflist(fragment& f, char* brace) {
     case list_global: return onlist(brace, [&] { return macroname(f, false); });
     case list_varlist: return onlist(brace, [&] { return existingnames(f.text); });
     case list_newlist: return onlist(brace, [&] { return freenames(f.text); });
+    case list_numlist: return numbers(trimmed({tokpos, std::size_t(brace - tokpos)}), f.text);
     case list_any: f.text = trimmed({tokpos, std::size_t(brace - tokpos)}); return 0;
     default: return error(198);
     }

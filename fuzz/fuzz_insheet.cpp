@@ -16,7 +16,8 @@ static std::string table() {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static constexpr const char* options[] = {"", "comma", "tab", "names", "nonames", "delimiter(;) double", "comma nonames", "double"};
+    static constexpr const char* options[] = {"",        "comma",               "tab",           "names",
+                                              "nonames", "delimiter(;) double", "comma nonames", "double"};
     if (size == 0) return 0;
     startsession();
     writefile("fuzz.raw", {reinterpret_cast<const char*>(data) + 1, size - 1});

@@ -8,8 +8,9 @@ using namespace velmo;
 
 // The words of commands that reach beyond the session; bytes that the reader drops don't hide them.
 static bool reachesout(std::string_view text) {
-    static constexpr std::string_view outside[] = {"shell", "xshell", "erase", "copy",     "cp",   "mkdir", "chdir", "cd", "dir", "ls",
-                                                   "sleep", "do",     "run",   "outsheet", "save", "beep",  "memory"};
+    static constexpr std::string_view outside[] = {"shell", "xshell", "erase",    "copy", "cp",   "mkdir",
+                                                   "chdir", "cd",     "dir",      "ls",   "sleep", "do",
+                                                   "run",   "save",   "outsheet", "beep", "memory"};
     std::string word;
     for (std::size_t i = 0; i <= text.size(); i++) {
         char c = i < text.size() ? text[i] : ' ';

@@ -26,7 +26,7 @@ void replay(const std::filesystem::path& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    for (int i = 1; i < argc; i++) replay(argv[i]);
+    for (int i = 1; i < argc; i++) replay(std::filesystem::absolute(argv[i]));      // a target may change folders
     std::printf("%d inputs replayed\n", replayed);
     return replayed > 0 ? 0 : 1;
 }

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <unistd.h>
 #include "base/state.h"
@@ -36,11 +37,26 @@ inline void startsession() {
     velmo::batchmode = 1;
 }
 
+// Break comes every so often from now on, so that no loop is endless; 0 ends it.
+inline void breakevery(int seconds) {
+    static timer_t timer;
+    static bool made = false;
+    struct sigevent byint {};
+    byint.sigev_notify = SIGEV_SIGNAL;
+    byint.sigev_signo = SIGINT;
+    if (!made && timer_create(CLOCK_MONOTONIC, &byint, &timer)) std::abort();
+    made = true;
+    itimerspec times{{seconds, 0}, {seconds, 0}};
+    timer_settime(timer, 0, &times, nullptr);
+}
+
 // One typed line.
 inline velmo::Int4 obey(const char* line) {
     velmo::copytext(velmo::cmdbuf, std::size_t(velmo::conslen), line);
     velmo::settokpos(velmo::cmdbuf);
+    breakevery(2);
     velmo::docmd();
+    breakevery(0);
     return velmo::lastrc;
 }
 

@@ -12,21 +12,23 @@ A .test file holds cases:
     --- session       lines that begin ". " are typed; all others must come back exactly, `...` skips any number,
                       `~regex` matches one line. Trailing blanks and empty lines at the ends don't count.
 
+A line `--- compact` ahead of the first case: in this file empty lines of the session don't count at all.
 Each case has its own process and its own empty folder.
 """
 import os, re, shutil, subprocess, sys, tempfile
 
 def parse(path):
-    cases, section = [], None
+    cases, section, compact = [], None, False
     for raw in open(path, encoding="latin-1", newline="\n"):
         line = raw.rstrip("\n")
         if line.startswith("=== "):
-            cases.append({"name": line[4:], "sections": []})
+            cases.append({"name": line[4:], "sections": [], "compact": compact})
             section = None
         elif line.startswith("--- ") and cases:
             kind, _, arg = line[4:].partition(" ")
             section = (kind, arg.strip(), [])
             cases[-1]["sections"].append(section)
+        elif line == "--- compact": compact = True
         elif section: section[2].append(line)
     return cases
 
@@ -85,6 +87,7 @@ def run(case, program):
                            cwd=work, env=environment, timeout=120)
         out = p.stdout.decode("latin-1").replace("\r\n", "\n").split("\n")
         if p.returncode != status: return "exit status %d, want %d" % (p.returncode, status), out
+        if case["compact"]: session, out = ([l for l in lines if l.strip()] for lines in (session, out))
         fault = compare(session, [l for l in out if l.rstrip() != "."] if not any(s.rstrip() == "." for s in session) else out)
         for name, text in outfiles:
             place = os.path.join(work, name)

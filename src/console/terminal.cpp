@@ -39,7 +39,8 @@ void plaintext(const vlineview& line, std::string& out) {
     for (Int4 i = 0, from = 0; i < n; i++) {
         UByte style = runs[2 + 2 * i], to = runs[3 + 2 * i];
         if (style & style_graphic)
-            for (Int4 c = from; c < to && c < Int4(out.size()); c++) out[std::size_t(c)] = plaingraphic(UByte(out[std::size_t(c)]));
+            for (std::size_t c = std::size_t(from); Int4(c) < to && c < out.size(); c++)
+                out[c] = plaingraphic(UByte(out[c]));
         from = to;
     }
 }
@@ -67,8 +68,9 @@ void character(char c, boolean wholeisutf8, std::string& out) {
 boolean validutf8(std::string_view s) {
     for (std::size_t i = 0; i < s.size();) {
         UByte b = UByte(s[i]);
-        std::size_t more = b < 0x80 ? 0 : b >= 0xC2 && b < 0xE0 ? 1 : b >= 0xE0 && b < 0xF0 ? 2 : b >= 0xF0 && b < 0xF5 ? 3 : 9;
-        if (more == 9 || i + more >= s.size()) return more == 0 ? i + 1 >= s.size() : false;
+        boolean lead = b < 0x80 || (b >= 0xC2 && b < 0xF5);
+        std::size_t more = std::size_t(b >= 0xC2) + (b >= 0xE0) + (b >= 0xF0);
+        if (!lead || i + more >= s.size()) return false;
         for (std::size_t k = 1; k <= more; k++)
             if ((UByte(s[i + k]) & 0xC0) != 0x80) return false;
         i += more + 1;

@@ -33,12 +33,17 @@ struct object {
 };
 static_assert(sizeof(object) == 48);
 
+// Changes whenever an object may have moved, or a program has come or gone: who remembers a program's address compares.
+extern std::uint64_t objmoves;
+
 // A new object with datalen bytes of unset data in room for capacity (>= datalen). Null when there is no room:
 // "insufficient memory for <kind> <name>\n" has then been printed and the caller's code is 950. Names of up to 35
 // bytes are kept.
 object* objnew(std::string_view name, Int4 type, std::size_t datalen, std::size_t capacity);
 // The newest object of that name and type, or null; *len receives its datalen.
 object* objfind(std::string_view name, Int4 type, UInt4* len = nullptr);
+// The object of the same name and type that was made before o, or null.
+object* objolder(object* o);
 // Makes or replaces the object of that name and type with these bytes, as the newest one. 0 or 950 (printed).
 Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n);
 // The object made before `prev` (null: the newest) of a type (obj_any: of any); null at the end. Names and types

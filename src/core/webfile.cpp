@@ -127,7 +127,8 @@ Int4 webcopy(std::string_view from, std::string_view to, Int4 flags) {
     boolean existed = filestat(target.c_str()).exists;
     // Onto itself: opening the target would empty the source.
     boolean same = existed && samefile(plainname(from, flags).c_str(), target.c_str());
-    Int4 out = same ? failed(flags & (web_replace | web_append) ? 603 : 602, target, flags) : webopen(target, flags | web_write);
+    Int4 refusal = flags & (web_replace | web_append) ? 603 : 602;
+    Int4 out = same ? failed(refusal, target, flags) : webopen(target, flags | web_write);
     if (out < 0) {
         webclose(in);
         return -out;

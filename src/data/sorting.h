@@ -20,4 +20,12 @@ Int4 sortlist(Int4* list, Int4 n, Int4 var);
 // sort, index(): puts each observation at the position that the long variable holds; srt is left to the caller.
 Int4 orderbyindex(Int4 var);
 
+// A program that promises to leave the order as it was: the present order goes into a long variable `name` (a temporary
+// name; none is made without observations), the sort key's names into an object of kind 35, the name into __sortindex.
+// 0 or a code, printed.
+Int4 sortindex_push(std::string_view name);
+// Puts the observations and the key back as far as the variables still stand: 0, or 196 (printed) when the variable is
+// gone.
+Int4 sortindex_pop();
+
 }  // namespace velmo

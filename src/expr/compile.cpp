@@ -5,12 +5,12 @@
 #include "base/state.h"
 #include "base/saved.h"
 #include "base/text.h"
-#include "core/objects.h"
 #include "data/dataset.h"
 #include "data/labels.h"
 #include "data/timeseries.h"
 #include "expr/compiler.h"
 #include "expr/functions.h"
+#include "matrix/results.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -256,12 +256,12 @@ void compiletimeseries(std::string_view name, boolean subscript) {
 }
 
 boolean compilescalar(std::string_view name) {
-    object* o = objfind(name, obj_scalar);
-    if (!o || o->datalen != sizeof(Double)) return false;
     Double value;
-    objread(o, 0, &value, sizeof value);
-    emitliteral(value);
-    return true;
+    std::string text;
+    scalarkind kind = scalarget(name, value, text);
+    if (kind == scalar_number) emitliteral(value);
+    if (kind == scalar_text) emittext(text);
+    return kind != scalar_none;
 }
 
 void compilename(std::string_view name, span s) {

@@ -162,11 +162,21 @@ void compileresult(const call& c) {
     else emitliteral(missing);
 }
 
-// No estimates and no results of a running program can exist yet.
-void compilenoresult(const call& c) {
+// return(name): what the running program is building.
+void compilereturn(const call& c) {
+    std::string_view name = spantext(c.text);
+    Double value;
+    std::string text;
+    if (name.empty()) fail(198);
+    if (retscalar(name, value)) emitliteral(value);
+    else if (retmacrotext(name, text)) emittext(text);
+    else emitliteral(missing);
+}
+
+// No estimates can exist yet.
+void compileestimate(const call& c) {
     if (c.text.b == c.text.e) fail(198);
-    boolean sample = c.name == "e" && spantext(c.text) == "sample";
-    emitliteral(sample ? 0 : missing);
+    emitliteral(spantext(c.text) == "sample" ? 0 : missing);
 }
 
 // ---- Dates
@@ -262,8 +272,8 @@ void compiletin(const call& c) {
 constexpr struct { const char* name; void (*compile)(const call& c); } specials[] = {
     {"cond", compilecond},         {"string", compilestring},      {"substr", compilesubstr},
     {"abbrev", compileabbrev},     {"sum", compilesum},            {"scalar", compilehidden},
-    {"variable", compilehidden},   {"r", compileresult},           {"e", compilenoresult},
-    {"return", compilenoresult},   {"_caller", compilecaller},     {"missing", compilemissing},
+    {"variable", compilehidden},   {"r", compileresult},           {"e", compileestimate},
+    {"return", compilereturn},    {"_caller", compilecaller},     {"missing", compilemissing},
     {"normd", compilenormden},     {"normden", compilenormden},    {"date", compiledate},
     {"daily", compiledate},        {"yearly", compiledate},        {"halfyearly", compiledate},
     {"quarterly", compiledate},    {"monthly", compiledate},       {"weekly", compiledate},

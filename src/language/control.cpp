@@ -9,6 +9,9 @@
 
 namespace velmo {
 
+controlstate control;
+UByte wasexpanded = 0;
+
 namespace {
 
 Int4 runprefixed() {
@@ -75,8 +78,9 @@ boolean cutatbrace() {
 
 }  // namespace
 
+// A `continue` inside that was not pending before keeps the lines behind the block skipped, too.
 Int4 blockrun() {
-    UByte entry = execflag;
+    UByte entry = execflag, pending = control.contstate, truth = control.iftruth;
     Int4 result = 0;
     while (true) {
         if (breakpending) {
@@ -89,6 +93,7 @@ Int4 blockrun() {
             if (!docmd()) {
                 exitflag = 1;
                 execflag = entry;
+                control.iftruth = truth;
                 return 0;
             }
             if (lastrc) {
@@ -101,7 +106,8 @@ Int4 blockrun() {
             break;
         }
     }
-    execflag = entry;
+    if (!control.contstate || pending) execflag = entry;
+    control.iftruth = truth;
     return result;
 }
 

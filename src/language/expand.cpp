@@ -157,13 +157,20 @@ std::string extendedvalue(std::string text) {
     return out;
 }
 
-// r(x), s(x) and their kin; families that aren't kept yet are empty.
+// r(x), return(x), s(x); families that aren't kept yet are empty.
 std::string resultvalue(std::string_view family, std::string_view name) {
     Double value;
     std::string text;
-    if (family != "r") return "";
-    if (rscalar(name, value)) return numbertext(value);
-    return rmacrotext(name, text) ? text : "";
+    if (family == "r") {
+        if (rscalar(name, value)) return numbertext(value);
+        rmacrotext(name, text);
+    } else if (family == "return") {
+        if (retscalar(name, value)) return numbertext(value);
+        retmacrotext(name, text);
+    } else if (family == "s") {
+        smacrotext(name, text);
+    }
+    return text;
 }
 
 std::string charvalue(std::string_view owner, std::string_view name) {

@@ -347,18 +347,23 @@ Int4 ext_tsnorm(std::string& out) {
     return 0;
 }
 
-// r(scalars), r(macros), r(matrices), r(functions): the names stored.
-Int4 ext_results(std::string& out) {
+namespace {
+
+// (scalars), (macros), (matrices) or (functions): the names stored in a family.
+Int4 storednames(const std::vector<std::string>& scalars, const std::vector<std::string>& macros, std::string& out) {
     if (nexttoken()[0] != '(') return error(198);
     std::string kind = nexttoken();
     if (nexttoken()[0] != ')') return error(198);
-    std::vector<std::string> names;
-    if (kind == "scalars") names = rscalarnames();
-    else if (kind == "macros") names = rmacronames();
-    else if (kind != "matrices" && kind != "functions") return error(198);
-    for (const std::string& name : names) out += (out.empty() ? "" : " ") + name;
+    if (kind != "scalars" && kind != "macros" && kind != "matrices" && kind != "functions") return error(198);
+    if (kind != "scalars" && kind != "macros") return 0;
+    for (const std::string& name : kind == "scalars" ? scalars : macros) out += (out.empty() ? "" : " ") + name;
     return 0;
 }
+
+}  // namespace
+
+Int4 ext_rresults(std::string& out) { return storednames(rscalarnames(), rmacronames(), out); }
+Int4 ext_sresults(std::string& out) { return storednames({}, smacronames(), out); }
 
 Int4 ext_length(std::string& out) {
     std::string name;

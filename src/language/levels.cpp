@@ -11,10 +11,13 @@
 #include "core/webfile.h"
 #include "data/dataset.h"
 #include "data/run.h"
+#include "data/sorting.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
+#include "language/control.h"
 #include "language/dofile.h"
 #include "language/expand.h"
+#include "language/programs.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
 #include "matrix/results.h"
@@ -31,12 +34,51 @@ namespace {
 // What a level puts back. It lives as long as the call.
 struct frame {
     doreader reader;
-    doreader* olddofile;
-    UByte oldsemicolon, oldquiet, oldsavedquiet, oldmore, oldinprogram;
-    Int2 oldversion;
-    Int4 oldtempnames, oldtempfiles;
+    doreader* dofile;
+    controlstate control;
+    UByte semicolon, quiet, savedquiet, more, inprogram, rmsg, subprogram, progclass;
+    UByte wasrunning, sortpreserved;
+    Int2 version;
+    Int4 line, tempnames, tempfiles;
+    char name[namesize], home[namesize];
     boolean stop;
 };
+
+void keepstate(frame& f) {
+    f.dofile = dofile;
+    f.control = control;
+    f.semicolon = semicolon;
+    f.quiet = quietlevel;
+    f.savedquiet = savedquiet;
+    f.more = more_on;
+    f.inprogram = inprogram;
+    f.rmsg = rmsg;
+    f.subprogram = subprogramlevel;
+    f.progclass = programclass;
+    f.version = version;
+    f.line = programline;
+    f.tempnames = tempnamecounter;
+    f.tempfiles = tempfilecounter;
+    copytext(f.name, namesize, programname);
+    copytext(f.home, namesize, programhome);
+}
+
+void putback(const frame& f) {
+    dofile = f.dofile;
+    control = f.control;
+    semicolon = f.semicolon;
+    quietlevel = f.quiet;
+    savedquiet = f.savedquiet;
+    version = f.version;
+    subprogramlevel = f.subprogram;
+    programclass = f.progclass;
+    if (more_on != f.more) setmore(f.more);
+    inprogram = f.inprogram;
+    rmsg = f.rmsg;
+    programline = f.line;
+    copytext(programname, namesize, f.name);
+    copytext(programhome, namesize, f.home);
+}
 
 // Splits off the options behind the last comma of the line: nostop, delay.
 Int4 dooptions(frame& f, char** argumentsend) {
@@ -88,52 +130,87 @@ Int4 storearguments(std::string_view text) {
     return 0;
 }
 
-Int4 openlevel(Int4 mode, frame& f) {
-    if (dolevel >= maxlevels) return error(1000);
-    char name[tokensize], path[pathsize];
+// The level's macros: one level up, with the arguments in place.
+Int4 openmacros(std::string_view arguments) {
+    macrolevel++;
+    Int4 rc = storearguments(arguments);
+    if (!rc) return 0;
+    objdeltype(macrolevel);
+    macrolevel--;
+    return rc;
+}
+
+Int4 opendofile(frame& f, const char* name, std::string_view arguments) {
+    char path[pathsize];
+    addsuffix(path, name, ".do");
+    if (Int4 rc = doreader_open(f.reader, path)) return rc;
+    if (Int4 rc = openmacros(arguments)) {
+        doreader_close(f.reader);
+        return rc;
+    }
+    keepstate(f);
+    dofile = &f.reader;
+    semicolon = 0;
+    inprogram = subprogramlevel = programclass = 0;
+    return 0;
+}
+
+Int4 opennamedfile(frame& f) {
+    char name[tokensize];
     if (Int4 rc = filetoken(name)) return rc;
     char* arguments = tokpos;
     char* end;
     if (Int4 rc = dooptions(f, &end)) return rc;
-    addsuffix(path, name, ".do");
-    if (Int4 rc = doreader_open(f.reader, path)) return rc;
-    macrolevel++;
-    if (Int4 rc = storearguments({arguments, std::size_t(end - arguments)})) {
-        objdeltype(macrolevel);
-        macrolevel--;
-        doreader_close(f.reader);
-        return rc;
-    }
-    f.olddofile = dofile;
-    f.oldsemicolon = semicolon;
-    f.oldquiet = quietlevel;
-    f.oldsavedquiet = savedquiet;
-    f.oldmore = more_on;
-    f.oldinprogram = inprogram;
-    f.oldversion = version;
-    f.oldtempnames = tempnamecounter;
-    f.oldtempfiles = tempfilecounter;
-    dofile = &f.reader;
-    semicolon = 0;
-    inprogram = 0;
-    savedquiet = quietlevel;
-    if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
-    dolevel++;
+    if (Int4 rc = opendofile(f, name, {arguments, std::size_t(end - arguments)})) return rc;
+    programhome[0] = 0;
     return 0;
 }
 
-void leavelevel(Int4 mode, frame& f) {
-    doreader_close(f.reader);
-    eofseen = 0;
-    dofile = f.olddofile;
-    semicolon = f.oldsemicolon;
-    quietlevel = f.oldquiet;
-    savedquiet = f.oldsavedquiet;
-    if (version >= 310) droptempfiles(f.oldtempfiles);
-    version = f.oldversion;
-    if (more_on != f.oldmore) setmore(f.oldmore);
-    inprogram = f.oldinprogram;
-    droptempnames(f.oldtempnames);
+Int4 openprogram(frame& f) {
+    f.stop = true;
+    std::string arguments = tokrest();
+    if (Int4 rc = openmacros(arguments)) return rc;
+    keepstate(f);
+    object* o = findprogram(cmdword, programhome);
+    storedprogram& p = programheader(o);
+    f.wasrunning = p.running;
+    p.running = 1;
+    p.lastused = sysclock;
+    rmsg = 0;
+    inprogram = 1;
+    programline = 0;
+    subprogramlevel = p.subprogram;
+    programclass = p.progclass;
+    results_enter();
+    copytext(programhome, namesize, p.home[0] ? p.home : cmdword);
+    copytext(programname, namesize, cmdword);
+    f.sortpreserved = p.sortpreserve;
+    return 0;
+}
+
+void enter(Int4 mode) {
+    savedquiet = quietlevel;
+    if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
+    control = {};
+    dolevel++;
+}
+
+void leave(Int4 mode, frame& f) {
+    if (mode == level_program) {
+        object* o = runningprogram();
+        if (o && !f.wasrunning) programheader(o).running = 0;
+    } else {
+        doreader_close(f.reader);
+        eofseen = 0;
+    }
+    if (version >= 310) droptempfiles(f.tempfiles);
+    if (f.sortpreserved) {
+        Int4 rc = sortindex_pop();
+        if (!lastrc) lastrc = rc;
+    }
+    droptempnames(f.tempnames);
+    if (mode == level_program) results_leave(macrolevel, lastrc ? 0 : programclass);
+    putback(f);
     dolevel--;
     objdeltype(macrolevel);
     macrolevel--;
@@ -143,26 +220,50 @@ void leavelevel(Int4 mode, frame& f) {
     prt("\nend of do-file\n");
 }
 
-}  // namespace
-
-Int4 docall(Int4 mode) {
-    if (bymode) return error(190);
-    frame f;
-    if (Int4 rc = openlevel(mode, f)) return rc;
+// The lines of a level, up to its end, a failure, an exit or a Break.
+void runlines(Int4 mode, const frame& f) {
     while (true) {
         breakpending = 0;
-        {
+        if (mode != level_program) {
             saved level(outlevel, UByte(1));
             prtnl();
         }
         boolean ended = nextline(1);
         if (ended || breakpending) {
             lastrc = breakpending ? 1 : 0;
-            break;
+            return;
         }
-        if (!docmd() || (f.stop && lastrc)) break;
+        if (!docmd() || (f.stop && lastrc)) return;
     }
-    leavelevel(mode, f);
+}
+
+}  // namespace
+
+Int4 docall(Int4 mode) {
+    if (bymode) return error(190);
+    if (dolevel >= maxlevels) return error(1000);
+    frame f;
+    f.sortpreserved = 0;
+    if (Int4 rc = mode == level_program ? openprogram(f) : opennamedfile(f)) return rc;
+    enter(mode);
+    lastrc = f.sortpreserved ? sortindex_push(newtempname()) : 0;
+    if (lastrc)
+        f.sortpreserved = 0;
+    else
+        runlines(mode, f);
+    leave(mode, f);
+    return lastrc;
+}
+
+Int4 runfile(const std::string& path) {
+    if (dolevel >= maxlevels) return error(1000);
+    frame f;
+    f.stop = true;
+    f.sortpreserved = 0;
+    if (Int4 rc = opendofile(f, path.c_str(), "")) return rc;
+    enter(level_run);
+    runlines(level_run, f);
+    leave(level_run, f);
     return lastrc;
 }
 

@@ -1,5 +1,6 @@
-// Levels: the saved session state of a do-file, entered and left as a whole, on every path.
+// Levels: the saved session state of a do-file or a stored program, entered and left as a whole, on every path.
 #pragma once
+#include <string>
 #include "core/tokenizer.h"
 
 namespace velmo {
@@ -8,10 +9,12 @@ namespace velmo {
 extern Int4 dolevel;             // open levels
 inline constexpr Int4 maxlevels = 32;
 
-enum levelmode : Int4 { level_do = 0, level_run = 1 };
+enum levelmode : Int4 { level_do = 0, level_run = 1, level_program = 3 };
 
-// Runs the do-file named behind the cursor. Mode 0 echoes and tells its end, mode 1 is quiet. Codes: the failing
-// line's, 1000 (nesting, open do-files), 1004, the file's.
+// Mode 0 and 1 run the do-file named behind the cursor (1 quietly), mode 3 the stored program named in cmdword, with the
+// rest of the line as arguments. Codes: the failing line's, 1000 (nesting, open do-files), 1004, the file's.
 Int4 docall(Int4 mode);
+// Runs a file as `run` does, without arguments, for the autoloader: the current home stays.
+Int4 runfile(const std::string& path);
 
 }  // namespace velmo

@@ -34,18 +34,20 @@ inline constexpr Int4 maxprogramlines = 3501, maxprogramtext = 135600;
 
 struct programoptions { UByte progclass, byable, sortpreserve; };
 
-// The program of that name seen from `home`, or null. how 1 passes over one marked for deletion.
+// The program of that name seen from `home`, or null: the one that belongs to the home, else the oldest without one.
 object* findprogram(std::string_view name, std::string_view home);
-storedprogram& programheader(object* o);
+// The program of exactly that home ("" for none), or null.
+object* exactprogram(std::string_view name, std::string_view home);
+inline storedprogram& programheader(object* o) { return *reinterpret_cast<storedprogram*>(o->data()); }
 // Reads a body through nextline(0) up to `end` (or, with braces, until they balance, the first line being cmdbuf) and
 // stores it under name and home. 0, 1, 612, 1000, 950.
 Int4 programdefine(std::string_view name, std::string_view home, const programoptions& options, boolean braces);
-// Line i of the running program into out (conslen bytes), its indentation as blanks; false behind the last line.
-boolean programtext(Int4 i, char* out);
-void dropprogram(object* o);           // and its subprograms
-// Finds cmdword.ado along the ado-path, defines what it holds, and checks it. 0 or a code (printed): 199, 161, 162,
-// the failing line's.
-Int4 autoload(const char* suffix, boolean required);
-void discardprograms();                // those from ado-files that don't run
+// Line i of a program into out (conslen bytes): behind one blank, or behind its whole indentation; false behind the last.
+boolean programtext(object* o, Int4 i, char* out, boolean indented = false);
+// The running program's object, or null when it has gone.
+object* runningprogram();
+// Drops it and its subprograms unless it is running.
+void dropprogram(std::string_view name, std::string_view home);
+void discardprograms();                // those from ado-files that don't run, each with its subprograms
 
 }  // namespace velmo

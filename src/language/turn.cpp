@@ -1,4 +1,6 @@
 #include "language/turn.h"
+#include <new>
+#include <string>
 #include "base/platform.h"
 #include "base/poll.h"
 #include "base/saved.h"
@@ -8,14 +10,16 @@
 #include "core/upcalls.h"
 #include "data/cells.h"
 #include "data/run.h"
+#include "language/autoload.h"
 #include "language/control.h"
 #include "language/dofile.h"
 #include "language/expand.h"
+#include "language/levels.h"
+#include "language/programs.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"
 #include "output/results.h"
-#include <new>
 
 namespace velmo {
 
@@ -26,11 +30,6 @@ Int4 sysclock = 1;
 void takecmdword() {
     nexttoken();
     copytext(cmdword, sizeof cmdword, tokbuf);
-}
-
-Int4 autoload() {
-    if (!validname(cmdword)) return errorf(199, "unrecognized command:  %s invalid command name\n", cmdword);
-    return errorf(199, "unrecognized command:  %s\n", cmdword);
 }
 
 // A variable that its command did not finish stands beyond visnvar.
@@ -50,11 +49,17 @@ const command* singlecharacter() {
     return cmdword[0] == '!' ? shellrow : nullptr;
 }
 
+// A word that is no built-in: a program in memory, or one that the ado-path has.
+Int4 runprogram() {
+    if (!findprogram(cmdword, programhome))
+        if (Int4 rc = autoload(".ado", true)) return rc;
+    return docall(level_program);
+}
+
 Int4 runrow(const command& row) {
     if ((row.flags & cmd_class) && !classsystem)
         return errorf(197, "%s:  command name reserved for future development\n", row.word);
-    if (!row.handler) return autoload();
-    Int4 rc = row.handler();
+    Int4 rc = row.handler ? row.handler() : runprogram();
 #ifdef VELMO_STRESS
     memory_stress();
     if (Int4 broken = memory_check()) return broken;
@@ -78,7 +83,7 @@ Int4 dispatch() {
     const command* row = singlecharacter();
     if (!row) row = commandrow(cmdword);
     if (!execflag && !(row && (row->flags & cmd_skip))) return 0;
-    return row ? runrow(*row) : autoload();
+    return row ? runrow(*row) : runprogram();
 }
 
 void report(std::int64_t starttime) {
@@ -118,9 +123,12 @@ Int4 docmd() {
     breakpending = 0;
     exitflag = 0;
     bymode = 0;
-    std::int64_t start = clockms();
+    std::int64_t start = rmsg && !inprogram ? clockms() : 0;
     try {
-        lastrc = expandmacros();
+        // A loop at a level that stores loops is expanded in each of its rounds.
+        boolean loop = !inprogram && looppeek();
+        wasexpanded = !loop;
+        lastrc = loop ? 0 : expandmacros();
         if (!lastrc) {
             takecmdword();
             lastrc = dispatch();
@@ -140,7 +148,31 @@ Int4 docmd() {
     return 1;
 }
 
-Int4 nextline(Int4) {
+namespace {
+
+// The line with `-` ahead when it will run, whatever is quiet.
+void traceline() {
+    saved level(outlevel, UByte(1));
+    saved quiet(quietlevel, UByte(0));
+    prt(std::string(execflag ? "-" : " ") + cmdbuf + "\n");
+}
+
+// The next line of the running program: 1 behind its last one. Lines without text and star lines are passed over.
+Int4 nextprogramline() {
+    do {
+        object* o = runningprogram();
+        if (!o || !programtext(o, programline, cmdbuf)) return 1;
+        programline++;
+        settokpos(cmdbuf);
+        if (tracing) traceline();
+    } while (tokpeeknonblank() == 0 || tokpeeknonblank() == '*');
+    return 0;
+}
+
+}  // namespace
+
+Int4 nextline(Int4 inlevel) {
+    if (inlevel && inprogram) return nextprogramline();
     do {
         if (dofile && breakpending) return 1;
         getline();

@@ -21,8 +21,6 @@ void report(std::int64_t starttime);
 Int4 dispatch();
 // Takes the next token as cmdword: what prefixes do before they dispatch.
 void takecmdword();
-// The rest of a command that isn't built in: "unrecognized command:  foo\n", 199.
-Int4 autoload();
 // Removes variables that a failed command left beyond visnvar, and other work of a command.
 void endcommand();
 

@@ -161,7 +161,8 @@ void notes() {
     prt("\nNotes:\n");
     auto note = [&n](const char* text) { prtf("     %2d.  %s\n", ++n, text); };
     char line[120];
-    std::snprintf(line, sizeof line, "(/m# option or -set memory-) %.2f MB allocated to data", Double(memory) / 1048576);
+    Double megabytes = Double(memory) / 1048576;
+    std::snprintf(line, sizeof line, "(/m# option or -set memory-) %.2f MB allocated to data", megabytes);
     note(line);
     std::snprintf(line, sizeof line, "(/v# option or -set maxvar-) %d maximum variables", maxvar);
     note(line);
@@ -191,7 +192,8 @@ void memorynote() {
     row("memory", memory >> 10, asked_memory >> 10);
     row("matsize", std::uint64_t(matsize), std::uint64_t(asked_matsize));
     row("maxvar", std::uint64_t(maxvar), std::uint64_t(asked_maxvar));
-    prtraw("{p 0 4}\nbecause the operating system refused to provide\nsufficient memory for the requested amounts.\n{p_end}\n");
+    prtraw("{p 0 4}\nbecause the operating system refused to provide\n"
+           "sufficient memory for the requested amounts.\n{p_end}\n");
     for (const char* key : {"memory", "matsize", "maxvar"}) {
         std::string value;
         if (prefs_get("mem_xe_w", key, value)) prtrawf("    set %s %s, permanent\n", key, value.c_str());

@@ -182,8 +182,9 @@ TEST(Numbers, AreReadAsStrtodReadsThem) {
         if (random(2)) text += "dDeE"[random(4)] + std::to_string(int(random(700)) - 350);
         check(text);
     }
-    for (const char* text : {"", ".", "-", "5.", ".5", "-.5e-3", "1e", "1e+", "e5", "1 ", " 1", "1e308", "1.8e308", "-1e999",
-                             "1e-999", "4.9e-324", "2e-324", "0e999", "1_0", "0x10", "nan", "inf", "1e5.0", "--1", "1.2.3"})
+    for (const char* text : {"", ".", "-", "5.", ".5", "-.5e-3", "1e", "1e+", "e5", "1 ", " 1", "1e308", "1.8e308",
+                             "-1e999", "1e-999", "4.9e-324", "2e-324", "0e999", "1_0", "0x10", "nan", "inf",
+                             "1e5.0", "--1", "1.2.3"})
         check(text);
     for (int zeros : {300, 400}) {
         check("1" + string(unsigned(zeros), '0'));
@@ -196,7 +197,8 @@ TEST(Numbers, AreReadAsStrtodReadsThem) {
 
 TEST(Numbers, WholeNumbersFitOrAreRefused) {
     Int4 v = 5;
-    for (const char* text : {"", "+", "-", "1.0", "2147483648", "-2147483649", "1e3", " 1", "1 ", "+-1", "99999999999999999999"})
+    for (const char* text : {"", "+", "-", "1.0", "2147483648", "-2147483649", "1e3", " 1", "1 ", "+-1",
+                             "99999999999999999999"})
         EXPECT_FALSE(readinteger(text, v)) << text;
     EXPECT_EQ(v, 5);
     EXPECT_TRUE(readinteger("-2147483648", v) && v == -2147483647 - 1);

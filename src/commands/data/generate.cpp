@@ -191,7 +191,8 @@ void replacereport(Int4 var) {
     std::string line = "(" + std::to_string(counts.real) + " real change" + plural(counts.real) + " made";
     if (counts.tomissing) line += ", " + std::to_string(counts.tomissing) + " to missing";
     notef("%s)\n", line.c_str());
-    if (counts.truncated) notef("(%d value%s truncated due to storage type)\n", counts.truncated, plural(counts.truncated));
+    if (counts.truncated)
+        notef("(%d value%s truncated due to storage type)\n", counts.truncated, plural(counts.truncated));
     if (counts.lost) notef("(%d value%s changed to missing due to storage type)\n", counts.lost, plural(counts.lost));
 }
 

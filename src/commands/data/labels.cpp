@@ -193,7 +193,8 @@ void writelabel(bytewriter& w, const std::string& name) {
     writer_put(w, "capture label drop " + name + "\n");
     const char* add = "";
     for (Int4 value : label.values) {
-        writer_put(w, "label define " + name + " " + std::to_string(value) + " `\"" + label.find(value) + "\"'" + add + "\n");
+        std::string text = label.find(value);
+        writer_put(w, "label define " + name + " " + std::to_string(value) + " `\"" + text + "\"'" + add + "\n");
         add = ", add";
     }
 }

@@ -85,7 +85,9 @@ Int4 cmd_copy() {
     boolean text = getopt_flag("text", 1);
     if (Int4 rc = getopt_done()) return rc;
     if (filestat(target.c_str()).isdirectory) target += "/" + source.substr(source.rfind('/') + 1);
-    Int4 flags = (text ? 0 : web_binary) | (replace ? web_replace : append ? web_append : 0) | (ispublic ? web_public : 0);
+    Int4 flags = replace ? web_replace : append ? web_append : 0;
+    if (!text) flags |= web_binary;
+    if (ispublic) flags |= web_public;
     return webcopy(source, target, flags);
 }
 
@@ -137,10 +139,10 @@ namespace {
 
 std::string sizecolumn(Filepos bytes) {
     char text[32];
-    if (bytes < 100000)
+    if (bytes < 1024 * 1000)
         snprintf(text, sizeof text, "%7.1fk", Double(bytes) / 1024);
     else
-        snprintf(text, sizeof text, "%7.1f%c", Double(bytes) / (bytes < 1024 * 1000 ? 1024 : 1048576), bytes < 1024 * 1000 ? 'k' : 'M');
+        snprintf(text, sizeof text, "%7.1fM", Double(bytes) / 1048576);
     return text;
 }
 
@@ -149,7 +151,8 @@ Int4 listentry(const std::string& folder, const std::string& name) {
     const clocktime& t = info.changed;
     std::string size = info.isdirectory ? "   <dir>" : sizecolumn(info.size);
     const char* month = info.exists && t.month >= 1 && t.month <= 12 ? monthnames[t.month - 1] : "";
-    return prtf("%s  %2d %3.3s %4d %02d:%02d  %s\n", size.c_str(), t.day, month, t.year, t.hour, t.minute, name.c_str());
+    return prtf("%s  %2d %3.3s %4d %02d:%02d  %s\n", size.c_str(), t.day, month, t.year, t.hour, t.minute,
+                name.c_str());
 }
 
 }  // namespace

@@ -1,0 +1,218 @@
+// return, sreturn, scalar: the commands that fill, show and empty the stores of results.
+#include <string>
+#include <vector>
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "core/keywords.h"
+#include "data/run.h"
+#include "expr/evaluate.h"
+#include "language/expand.h"
+#include "language/programs.h"
+#include "language/stdparse.h"
+#include "matrix/results.h"
+#include "output/errors.h"
+#include "output/formats.h"
+#include "output/print.h"
+
+namespace velmo {
+
+namespace {
+
+enum programclasses : UByte { class_r = 1, class_s = 2 };
+
+// name = exp, to the end of the line; the value is in eqexp.
+Int4 assignment(std::string& name, UByte mode) {
+    name = nexttoken();
+    if (!validname(name)) return name.empty() ? error(198) : badname(name);
+    p_varlist = p_if = p_in = p_options = p_byok = 3;
+    p_exp = 1;
+    p_exptype = mode;
+    return stdparse();
+}
+
+// The one name behind drop, or _all.
+Int4 droptoken(std::string& name) {
+    name = nexttoken();
+    return name.empty() || nexttoken()[0] ? error(198) : 0;
+}
+
+Int4 nothingbehind() { return nexttoken()[0] ? error(198) : 0; }
+
+std::string numberfor(Double value) {
+    fmtnum("%18.0g", value);
+    return std::string(trimmed(dbuf));
+}
+
+// family(name) = value
+Int4 showresult(const char* family, const std::string& name, const std::string& value) {
+    outlevel = 1;
+    prtf("%s(%s) = ", family, name.c_str());
+    outlevel = 0;
+    prt(value);
+    return prtnl();
+}
+
+// One store, as its commands see it.
+struct store {
+    const char* family;
+    std::vector<std::string> (*scalarnames)();
+    std::vector<std::string> (*macronames)();
+    boolean (*scalar)(std::string_view name, Double& value);
+    boolean (*macro)(std::string_view name, std::string& text);
+    boolean (*drop)(std::string_view name);
+    void (*clear)();
+};
+constexpr store rstored{"r", rscalarnames, rmacronames, rscalar, rmacrotext, rdrop, rclear};
+constexpr store built{"return", retscalarnames, retmacronames, retscalar, retmacrotext, retdrop, retclear};
+constexpr store sstored{"s", nullptr, smacronames, nullptr, smacrotext, sdrop, sclear};
+
+Int4 liststore(const store& s) {
+    saved level(outlevel);
+    Double value;
+    std::string text;
+    if (s.scalarnames)
+        for (const std::string& name : s.scalarnames())
+            if (s.scalar(name, value) && showresult(s.family, name, numberfor(value))) return breakpending;
+    for (const std::string& name : s.macronames())
+        if (s.macro(name, text) && showresult(s.family, name, "\"" + text + "\"")) return breakpending;
+    return 0;
+}
+
+Int4 dirnames(const store& s, const std::vector<std::string>& names) {
+    for (const std::string& name : names)
+        if (prtf("%s(%s)\n", s.family, name.c_str())) return breakpending;
+    return 0;
+}
+
+Int4 dirstore(const store& s) {
+    saved level(outlevel, UByte(1));
+    if (Int4 rc = dirnames(s, s.scalarnames())) return rc;
+    return dirnames(s, s.macronames());
+}
+
+Int4 dropfrom(const store& s) {
+    std::string name;
+    if (Int4 rc = droptoken(name)) return rc;
+    if (name == "_all") {
+        s.clear();
+        return 0;
+    }
+    return s.drop(name) ? 0 : notfound(name);
+}
+
+Int4 returnscalar() {
+    std::string name;
+    if (Int4 rc = assignment(name, mode_num)) return rc;
+    return retstore(name, exp_getnum(eqexp, 1));
+}
+
+}  // namespace
+
+// In an r-class program drop and clear act on what it is building, and dir and list show that behind r().
+Int4 cmd_return() {
+    enum { w_local, w_scalar, w_dir, w_list, w_drop, w_clear, w_add };
+    static constexpr keyword words[] = {{"local", 3, w_local}, {"scalar", 3, w_scalar}, {"dir", 3, w_dir},
+                                        {"list", 2, w_list},   {"drop", 4, w_drop},     {"clear", 5, w_clear},
+                                        {"add", 3, w_add}};
+    Int4 word = lookup(words, nexttoken());
+    boolean building = inprogram && programclass == class_r;
+    if (word < 0) return error(198);
+    if (!building && (word == w_local || word == w_scalar || word == w_add)) return error(151);
+    if (word == w_local) return macrodefine(define_return, retmacro);
+    if (word == w_scalar) return returnscalar();
+    if (word == w_drop) return dropfrom(building ? built : rstored);
+    if (Int4 rc = nothingbehind()) return rc;
+    if (word == w_add) return retadd();
+    if (word == w_clear) {
+        building ? retclear() : rclear();
+        return 0;
+    }
+    Int4 (*show)(const store&) = word == w_dir ? dirstore : liststore;
+    if (Int4 rc = show(rstored)) return rc;
+    return building ? show(built) : 0;
+}
+
+Int4 cmd_sreturn() {
+    static constexpr keyword words[] = {{"local", 3, 0}, {"drop", 4, 1}, {"list", 2, 2}, {"clear", 5, 3}};
+    Int4 word = lookup(words, nexttoken());
+    if (word < 0) return error(198);
+    if (word == 0) return inprogram && programclass == class_s ? macrodefine(define_sreturn, smacro) : error(153);
+    if (word == 1) return dropfrom(sstored);
+    if (Int4 rc = nothingbehind()) return rc;
+    if (word == 2) return liststore(sstored);
+    sclear();
+    return 0;
+}
+
+namespace {
+
+Int4 definescalar() {
+    std::string name;
+    if (Int4 rc = assignment(name, mode_any)) return rc;
+    if (eqexp.restype == exp_numeric) return scalarset(name, exp_getnum(eqexp, 1));
+    char text[strbufsize];
+    Int4 n = exp_getstr(eqexp, 1, text);
+    return scalarsettext(name, {text, std::size_t(n)});
+}
+
+// The names on the line, all of which must be scalars; all scalars without a name or with _all.
+Int4 scalarlist(std::vector<std::string>& names) {
+    Double value;
+    std::string text;
+    while (nexttoken()[0]) names.push_back(tokbuf);
+    if (names.empty() || names == std::vector<std::string>{"_all"}) {
+        names = scalarnames();
+        return 0;
+    }
+    for (const std::string& name : names)
+        if (scalarget(name, value, text) == scalar_none) return notfound(name);
+    return 0;
+}
+
+Int4 listscalars() {
+    std::vector<std::string> names;
+    if (Int4 rc = scalarlist(names)) return rc;
+    saved level(outlevel);
+    Double value;
+    std::string text;
+    for (const std::string& name : names) {
+        scalarkind kind = scalarget(name, value, text);
+        outlevel = 1;
+        prtf("%10s = ", name.c_str());
+        outlevel = 0;
+        if (kind == scalar_text) prt(text);
+        else prtnum(defaultfmt, value);
+        if (prtnl()) return breakpending;
+    }
+    return 0;
+}
+
+Int4 dropscalars() {
+    std::vector<std::string> names;
+    if (tokpeeknonblank() == 0) return error(198);
+    if (Int4 rc = scalarlist(names)) return rc;
+    for (const std::string& name : names) scalardrop(name);
+    return 0;
+}
+
+}  // namespace
+
+// scalar [define] name = exp, dir, list, drop. A first word that an = follows is a name.
+Int4 cmd_scalar() {
+    static constexpr keyword words[] = {{"define", 2, 0}, {"dir", 2, 1}, {"drop", 4, 2}, {"list", 1, 1}};
+    if (bymode) return error(190);
+    Int4 word = lookup(words, nexttoken());
+    if (tokpeeknonblank() == '=') {
+        ungettoken();
+        word = 0;
+    }
+    switch (word) {
+    case 0: return definescalar();
+    case 1: return listscalars();
+    case 2: return dropscalars();
+    default: return error(198);
+    }
+}
+
+}  // namespace velmo

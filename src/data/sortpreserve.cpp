@@ -1,0 +1,82 @@
+// The order that a program puts back: pushed at its entry, popped at its end, nested by a counter.
+#include <string>
+#include <vector>
+#include "base/text.h"
+#include "core/macros.h"
+#include "core/objects.h"
+#include "data/cells.h"
+#include "data/sorting.h"
+#include "output/errors.h"
+
+namespace velmo {
+
+namespace {
+
+Int4 pushed = 0;
+
+// The record: names of the key and, last, of the index variable, each with its zero.
+std::string keynames(std::string_view index) {
+    std::string text;
+    for (const UInt2* key = srt; *key; key++) text += varlist[*key - 1] + std::string(1, '\0');
+    return text + std::string(index) + std::string(1, '\0');
+}
+
+std::vector<std::string> recordnames(object* o) {
+    std::vector<std::string> names;
+    const char* p = reinterpret_cast<const char*>(o->data());
+    for (const char* end = p + o->datalen; p < end; p += names.back().size() + 1) names.emplace_back(p);
+    return names;
+}
+
+void restorekey(const std::vector<std::string>& names) {
+    Int4 n = 0;
+    for (std::size_t i = 0; i + 1 < names.size(); i++) {
+        Int4 var = findvar(names[i]);
+        if (!var) break;
+        srt[n++] = UInt2(var);
+    }
+    srt[n] = 0;
+}
+
+void dropvariable(Int4 var) {
+    std::vector<UByte> marks(std::size_t(nvar), 0);
+    marks[std::size_t(var - 1)] = 1;
+    UByte changed = datachanged;
+    if (dropvars(marks.data()) == 0) visnvar = nvar;
+    datachanged = changed;
+}
+
+}  // namespace
+
+Int4 sortindex_push(std::string_view name) {
+    std::string index;
+    if (nobs > 0 && nvar > 0) {
+        index = name;
+        std::string record = keynames(index);
+        if (Int4 rc = objput(std::to_string(pushed + 1), obj_sortindex, record.data(), record.size())) return rc;
+        if (Int4 rc = addvar(index, typelong, true)) return rc;
+        for (Int4 obs = 1; obs <= nobs; obs++) putlong(nvar, obs, obs);
+        visnvar = nvar;
+    } else if (Int4 rc = objput(std::to_string(pushed + 1), obj_sortindex, "", 1)) {
+        return rc;
+    }
+    pushed++;
+    return macroset("__sortindex", index);
+}
+
+Int4 sortindex_pop() {
+    std::string number = std::to_string(pushed--);
+    object* o = objfind(number, obj_sortindex);
+    if (!o) return 0;
+    std::vector<std::string> names = recordnames(o);
+    objdel(number, obj_sortindex);
+    if (names.back().empty()) return 0;
+    Int4 var = findvar(names.back());
+    if (!var) return error(196);
+    Int4 rc = orderbyindex(var);
+    restorekey(names);
+    dropvariable(var);
+    return rc > 1 ? error(rc) : rc;
+}
+
+}  // namespace velmo

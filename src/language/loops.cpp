@@ -1,0 +1,458 @@
+// if, else, while, forvalues, foreach, continue.
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/state.h"
+#include "base/text.h"
+#include "core/keywords.h"
+#include "core/macros.h"
+#include "core/tokenizer.h"
+#include "data/dataset.h"
+#include "expr/evaluate.h"
+#include "language/control.h"
+#include "language/programs.h"
+#include "language/stdparse.h"
+#include "language/turn.h"
+#include "language/varlist.h"
+#include "output/errors.h"
+#include "output/formats.h"
+
+namespace velmo {
+
+char* findbrace(char* text, boolean needed) {
+    Int4 depth = 0, compound = 0;
+    boolean quoted = false;
+    for (char* p = text; *p; p++) {
+        if (quoted) {
+            quoted = *p != '"';
+        } else if (p[0] == '`' && p[1] == '"') {
+            compound++;
+            p++;
+        } else if (compound) {
+            if (p[0] == '"' && p[1] == '\'') {
+                compound--;
+                p++;
+            }
+        } else if (*p == '"') {
+            quoted = true;
+        } else if (*p == '{' && depth == 0) {
+            return p;
+        } else {
+            depth += (*p == '(' || *p == '[') - (*p == ')' || *p == ']');
+        }
+    }
+    if (needed) required("{");
+    return nullptr;
+}
+
+boolean looppeek() {
+    static constexpr keyword prefixes[] = {{"capture", 3, 0}, {"noisily", 1, 0}, {"quietly", 1, 0}};
+    static constexpr keyword loops[] = {{"forvalues", 4, 0}, {"foreach", 7, 0}, {"while", 2, 0}};
+    settokpos(cmdbuf);
+    std::string_view word = nexttoken();
+    while (lookup(prefixes, word) >= 0) word = nexttoken();
+    boolean loop = lookup(loops, word) >= 0;
+    settokpos(cmdbuf);
+    return loop;
+}
+
+namespace {
+
+// Blanks up to and with the brace, and the cursor at the line's start: what a block begins with.
+void blanktobrace(char* brace) {
+    for (char* p = cmdbuf; p <= brace; p++) *p = ' ';
+    settokpos(cmdbuf);
+}
+
+// The condition between the word and the brace, read by the standard parser as `if exp`.
+Int4 condition(char* brace, boolean& truth) {
+    *brace = 0;
+    onexit restore([brace] { *brace = '{'; });
+    truth = true;
+    if (tokpeeknonblank() == 0) return 0;
+    settoken("if");
+    p_varlist = p_in = p_options = 3;
+    if (Int4 rc = stdparse()) return rc;
+    truth = exp_getnum(ifexp, 1) != 0;
+    return 0;
+}
+
+// The last brace of a line that is only skipped, or null.
+char* skippedbrace() { return std::strrchr(cmdbuf, '{'); }
+
+// A failed condition inside a program or block: its lines are passed over, so that structure stays in step.
+Int4 skipblock(char* brace, Int4 rc) {
+    if (!inprogram) return rc;
+    saved off(execflag, UByte(0));
+    blanktobrace(brace);
+    blockrun();
+    return rc;
+}
+
+// Runs a block under execflag `truth`; a new continue keeps what follows skipped.
+Int4 rununder(boolean truth, char* brace) {
+    UByte entry = execflag, pending = control.contstate;
+    execflag = truth;
+    blanktobrace(brace);
+    tick();
+    Int4 rc = blockrun();
+    if (!control.contstate || pending) execflag = entry;
+    return rc;
+}
+
+}  // namespace
+
+Int4 cmd_if() {
+    if (!execflag) {
+        char* brace = skippedbrace();
+        return brace ? rununder(false, brace) : 0;
+    }
+    char* brace = findbrace(tokpos, true);
+    if (!brace) return 100;
+    boolean truth;
+    if (Int4 rc = condition(brace, truth)) return skipblock(brace, rc);
+    control.iftruth = truth;
+    return rununder(truth, brace);
+}
+
+Int4 cmd_else() {
+    UByte entry = execflag, pending = control.contstate;
+    if (control.iftruth) execflag = 0;
+    takecmdword();
+    Int4 rc = dispatch();
+    if (!control.contstate || pending) execflag = entry;
+    return rc;
+}
+
+Int4 cmd_continue() {
+    if (!control.inloop) return error(119);
+    if (Int4 rc = parseoptions()) return rc;
+    boolean leave = getopt_flag("break", 2);
+    if (Int4 rc = getopt_done()) return rc;
+    execflag = 0;
+    control.contstate = leave ? 2 : 1;
+    return 0;
+}
+
+// ---- Loops outside stored programs are stored first.
+
+namespace {
+
+Int4 whiledepth = 0;       // temporary loop programs, at most 1000
+
+void runstored(const std::string& name) {
+    programline = 0;
+    inprogram = 1;
+    copytext(programname, namesize, name);
+    if (object* o = runningprogram()) {
+        programheader(o).running = 1;
+        programheader(o).lastused = sysclock;
+    }
+    lastrc = 0;
+    while (!nextline(1)) {
+        if (!docmd()) {
+            exitflag = 1;
+            lastrc = 0;
+            return;
+        }
+        if (lastrc || breakpending) return;
+    }
+    if (breakpending) lastrc = 1;
+}
+
+Int4 storeloop(const char* word) {
+    if (wasexpanded)
+        return errorf(198, "%s command may not result from a macro expansion interactively or in do files\n", word);
+    if (whiledepth > 999) return error(198);
+    if (!findbrace(tokpos, true)) return 100;
+    for (char* p = cmdbuf; p < tokstart; p++) *p = ' ';      // prefixes have been obeyed
+    std::string name = std::to_string(whiledepth) + "while", home = programhome;
+    saved depth(whiledepth, whiledepth + 1);
+    if (Int4 rc = programdefine(name, home, {}, true)) return rc;
+    char oldname[namesize];
+    copytext(oldname, namesize, programname);
+    Int4 line = programline;
+    {
+        saved in(inprogram);
+        saved flow(control);
+        control = {};
+        runstored(name);
+    }
+    programline = line;
+    copytext(programname, namesize, oldname);
+    if (object* o = exactprogram(name, home)) objdelthis(o);
+    return lastrc;
+}
+
+// A skipped loop: its body is passed over.
+Int4 skiploop() {
+    char* brace = skippedbrace();
+    return brace ? rununder(false, brace) : 0;
+}
+
+// One loop of a stored program: where its line stands, what its end puts back, and whether its body begins on the line
+// itself.
+struct loop {
+    Int4 header;
+    UByte entry;
+    boolean inlinebody;
+    controlstate outer;
+    loop(const char* brace)
+        : header(programline - 1), entry(execflag), inlinebody(brace[1 + std::strspn(brace + 1, " ")] != 0), outer(control) {}
+};
+
+// The body from its first line: what stands behind the brace of the loop's own line, or the line behind it.
+void rewind(const loop& l) {
+    programline = l.header + 1;
+    object* o = l.inlinebody ? runningprogram() : nullptr;
+    char* brace = o && programtext(o, l.header, cmdbuf) ? findbrace(cmdbuf, false) : nullptr;
+    if (brace)
+        blanktobrace(brace);
+    else
+        settokpos(std::strcpy(cmdbuf, ""));
+}
+
+// One pass; the loop goes on while this gives 0 and contstate isn't 2.
+Int4 pass(const loop& l) {
+    control.inloop = 1;
+    control.contstate = 0;
+    execflag = l.entry;
+    tick();
+    rewind(l);
+    return blockrun();
+}
+
+// The body once more without running it, so that the line index ends behind the closing brace.
+Int4 endloop(const loop& l, Int4 rc) {
+    if (!exitflag) {
+        control.contstate = 0;
+        execflag = 0;
+        rewind(l);
+        blockrun();
+    }
+    control = l.outer;
+    execflag = l.entry;
+    return rc;
+}
+
+boolean goeson(Int4 rc) { return !rc && !exitflag && !breakpending && control.contstate != 2; }
+
+}  // namespace
+
+Int4 cmd_while() {
+    if (!execflag) return skiploop();
+    if (!inprogram) return storeloop("while");
+    char* brace = findbrace(tokpos, true);
+    if (!brace) return 100;
+    loop l(brace);
+    boolean truth;
+    if (Int4 rc = condition(brace, truth)) return skipblock(brace, rc);
+    control.inloop = 1;
+    control.contstate = 0;
+    execflag = truth;
+    blanktobrace(brace);
+    tick();
+    Int4 rc = blockrun();
+    if (truth && goeson(rc)) programline = l.header;
+    control = l.outer;
+    execflag = l.entry;
+    return rc;
+}
+
+// ---- forvalues
+
+namespace {
+
+struct range { Double from, step, to; };
+
+Int4 numbertoken(Double& v) { return readnumber(nexttoken(breaknum), v) ? 0 : error(198); }
+
+// #1(#d)#2, #1/#2, #1 #t to #2, #1 #t : #2, and then the brace.
+Int4 readrange(range& r) {
+    Double second;
+    if (Int4 rc = numbertoken(r.from)) return rc;
+    std::string_view token = nexttoken(breaknum);
+    if (token == "(") {
+        if (Int4 rc = numbertoken(r.step)) return rc;
+        if (std::string_view(nexttoken(breaknum)) != ")") return error(198);
+    } else if (token == "/") {
+        r.step = 1;
+    } else {
+        if (!readnumber(token, second)) return error(198);
+        r.step = second - r.from;
+        token = nexttoken(breaknum);
+        if (token != "to" && token != ":") return error(198);
+    }
+    if (Int4 rc = numbertoken(r.to)) return rc;
+    if (r.step == 0) return errorf(198, "forvalues:  increment may not be zero\n");
+    return nexttoken()[0] == '{' ? 0 : error(198);
+}
+
+Int4 localname(std::string& name) {
+    name = std::string("_") + nexttoken();
+    return validname(name) ? 0 : badname(name.substr(1));
+}
+
+}  // namespace
+
+Int4 cmd_forvalues() {
+    if (!execflag) return skiploop();
+    if (!inprogram) return storeloop("forvalues");
+    std::string name;
+    range r;
+    char* brace = findbrace(tokpos, true);
+    if (!brace) return 100;
+    auto header = [&]() -> Int4 {
+        if (Int4 rc = localname(name)) return rc;
+        if (std::string_view(nexttoken(breaknum)) != "=") return error(198);
+        return readrange(r);
+    };
+    if (Int4 rc = header()) return skipblock(brace, rc);
+    loop l(brace);
+    Int4 rc = 0;
+    for (Double v = r.from; r.step > 0 ? v <= r.to : v >= r.to; v += r.step) {
+        fmtnum("%18.0g", v);
+        rc = macroset(name, trimmed(dbuf));
+        if (!rc) rc = pass(l);
+        if (!goeson(rc)) break;
+    }
+    if (!exitflag) macroclear(name);
+    return endloop(l, rc);
+}
+
+// ---- foreach
+
+namespace {
+
+// The open lists, innermost last: the text, or the macro that holds it, and how far it has been read.
+struct fragment { std::string text, macro; std::size_t at; };
+std::vector<fragment> lists;
+constexpr std::size_t maxlists = 9998;
+
+std::string_view listtext(const fragment& f) {
+    if (f.macro.empty()) return f.text;
+    const char* value = macroget(f.macro);
+    return value ? std::string_view(value) : std::string_view();
+}
+
+// The next item: a string without its quotes, or a run up to a blank.
+boolean nextitem(fragment& f, std::string& item) {
+    std::string_view text = listtext(f);
+    while (f.at < text.size() && text[f.at] == ' ') f.at++;
+    if (f.at >= text.size()) return false;
+    boolean compound = text.substr(f.at, 2) == "`\"", quoted = text[f.at] == '"';
+    std::size_t from = f.at + (compound ? 2 : quoted), end = from;
+    Int4 level = 1;
+    for (; end < text.size(); end++) {
+        if (!compound && text[end] == (quoted ? '"' : ' ')) break;
+        if (compound && text.substr(end, 2) == "`\"") level++;
+        if (compound && text.substr(end, 2) == "\"'" && --level == 0) break;
+    }
+    item = text.substr(from, end - from);
+    f.at = std::min(end + (compound ? 2 : 1), text.size());
+    return true;
+}
+
+// Runs a reader of the tokenizer on the text between the cursor and the brace.
+template <class F> Int4 onlist(char* brace, F read) {
+    *brace = 0;
+    onexit restore([brace] { *brace = '{'; });
+    if (Int4 rc = read()) return rc;
+    return tokpeeknonblank() ? error(198) : 0;
+}
+
+Int4 existingnames(std::string& text) {
+    p_varlist = 1;
+    p_existing = 1;
+    p_tsops = 0;
+    vl_n = vl_ngroups = 0;
+    vl_given = 0;
+    onexit defaults(parse_defaults);
+    if (Int4 rc = existinglist()) return rc;
+    for (Int4 i = 0; i < vl_n; i++) text += (i ? " " : "") + entryname(i);
+    return 0;
+}
+
+Int4 freenames(std::string& text) {
+    while (nexttoken()[0]) {
+        std::vector<std::string> names{tokbuf};
+        if (tokpeek() == '-') {
+            std::string first = tokbuf;
+            nexttoken();
+            names.clear();
+            if (Int4 rc = seriesnames(first, nexttoken(), names)) return rc;
+        }
+        for (const std::string& name : names) {
+            if (Int4 rc = checknewname(name)) return rc;
+            text += (text.empty() ? "" : " ") + name;
+        }
+    }
+    return 0;
+}
+
+Int4 macroname(fragment& f, boolean local) {
+    std::string name = nexttoken();
+    f.macro = local ? "_" + name : name;
+    return validname(f.macro) ? 0 : badname(name);
+}
+
+enum listkind : Int4 { list_local, list_global, list_varlist, list_newlist, list_any };
+constexpr keyword listkinds[] = {{"local", 3, list_local},     {"global", 3, list_global}, {"varlist", 3, list_varlist},
+                                 {"newlist", 3, list_newlist}, {"any", 3, list_any}};
+
+Int4 oflist(fragment& f, char* brace) {
+    switch (lookup(listkinds, nexttoken())) {
+    case list_local: return onlist(brace, [&] { return macroname(f, true); });
+    case list_global: return onlist(brace, [&] { return macroname(f, false); });
+    case list_varlist: return onlist(brace, [&] { return existingnames(f.text); });
+    case list_newlist: return onlist(brace, [&] { return freenames(f.text); });
+    case list_any: f.text = trimmed({tokpos, std::size_t(brace - tokpos)}); return 0;
+    default: return error(198);
+    }
+}
+
+Int4 readlist(std::string& name, fragment& f, char* brace) {
+    if (Int4 rc = localname(name)) return rc;
+    std::string_view word = nexttoken();
+    f.at = 0;
+    if (word == "of") return oflist(f, brace);
+    if (word != "in") return error(198);
+    f.text = trimmed({tokpos, std::size_t(brace - tokpos)});
+    return 0;
+}
+
+}  // namespace
+
+std::string ferest() {
+    if (lists.empty()) return "";
+    std::string_view text = listtext(lists.back());
+    return std::string(ltrimmed(text.substr(std::min(lists.back().at, text.size()))));
+}
+
+Int4 cmd_foreach() {
+    if (!execflag) return skiploop();
+    if (!inprogram) return storeloop("foreach");
+    std::string name, item;
+    fragment list;
+    char* brace = findbrace(tokpos, true);
+    if (!brace) return 100;
+    if (lists.size() >= maxlists) return error(198);
+    if (Int4 rc = readlist(name, list, brace)) return skipblock(brace, rc);
+    if (list.text.size() >= std::size_t(macrolen)) return skipblock(brace, error(103));
+    loop l(brace);
+    Int4 rc = 0;
+    lists.push_back(list);
+    while (nextitem(lists.back(), item)) {
+        rc = item.empty() ? (macroclear(name), 0) : macroset(name, item);
+        if (!rc) rc = pass(l);
+        if (!goeson(rc)) break;
+    }
+    lists.pop_back();
+    if (!exitflag) macroclear(name);
+    return endloop(l, rc);
+}
+
+}  // namespace velmo

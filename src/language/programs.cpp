@@ -1,0 +1,197 @@
+#include "language/programs.h"
+#include <algorithm>
+#include <cstring>
+#include "base/poll.h"
+#include "base/saved.h"
+#include "base/state.h"
+#include "base/text.h"
+#include "core/tokenizer.h"
+#include "language/dofile.h"
+#include "language/turn.h"
+#include "output/errors.h"
+#include "output/print.h"
+
+namespace velmo {
+
+char programname[namesize];
+char programhome[namesize];
+Int4 programline = 0;
+UByte subprogramlevel = 0;
+UByte programclass = 0;
+Int4 loadingid = 0;
+
+object* exactprogram(std::string_view name, std::string_view home) {
+    object* o = objfind(name, obj_program);
+    while (o && home != programheader(o).home) o = objolder(o);
+    return o;
+}
+
+object* findprogram(std::string_view name, std::string_view home) {
+    if (home == name) home = {};
+    object* plain = nullptr;
+    for (object* o = objfind(name, obj_program); o; o = objolder(o)) {
+        if (!home.empty() && home == programheader(o).home) return o;
+        if (!programheader(o).home[0]) plain = o;
+    }
+    return plain;
+}
+
+// Each line of a running program asks: the answer holds while neither the names nor the store have changed.
+object* runningprogram() {
+    static struct { std::uint64_t moves = ~std::uint64_t(0); object* o; char name[namesize], home[namesize]; } last;
+    if (last.moves == objmoves && !std::strcmp(last.name, programname) && !std::strcmp(last.home, programhome)) return last.o;
+    last.o = findprogram(programname, programhome);
+    last.moves = objmoves;
+    copytext(last.name, namesize, programname);
+    copytext(last.home, namesize, programhome);
+    return last.o;
+}
+
+// ---- Reading a body.
+
+namespace {
+
+// A body as it is read: the texts one behind the other, each with its indentation byte and its zero.
+struct body {
+    std::vector<UInt4> offsets;
+    std::string text;
+};
+
+// Leading blanks become a byte, runs of blanks outside double quotes one blank, a trailing blank goes.
+void appendline(body& b, const char* line) {
+    std::size_t indent = std::strspn(line, " ");
+    b.offsets.push_back(UInt4(b.text.size()));
+    b.text += char(std::min<std::size_t>(indent, 255));
+    boolean quoted = false;
+    for (const char* p = line + indent; *p; p++) {
+        if (*p == '"') quoted = !quoted;
+        if (*p == ' ' && !quoted && (p[1] == ' ' || !p[1])) continue;
+        b.text += *p;
+    }
+    b.text += '\0';
+}
+
+// Opening less closing braces of a line, outside quotes.
+Int4 balance(const char* line) {
+    Int4 n = 0;
+    boolean quoted = false;
+    for (const char* p = line; *p; p++) {
+        if (*p == '"') quoted = !quoted;
+        if (!quoted) n += (*p == '{') - (*p == '}');
+    }
+    return n;
+}
+
+boolean isend() {
+    settokpos(cmdbuf);
+    return std::string_view(nexttoken()) == "end" && tokpeeknonblank() == 0;
+}
+
+Int4 takeline(body& b) {
+    if (Int4(b.offsets.size()) >= maxprogramlines) return error(1000);
+    appendline(b, cmdbuf);
+    return Int4(b.text.size()) > maxprogramtext ? error(1000) : 0;
+}
+
+void numberprompt(Int4 line) {
+    if (quietlevel >= 3) return;
+    saved level(outlevel, UByte(1));
+    prtf("%3d", line);
+}
+
+Int4 readbody(body& b, boolean braces) {
+    Int4 depth = 0;
+    if (braces) {
+        depth = balance(cmdbuf);
+        if (Int4 rc = takeline(b)) return rc;
+        if (depth <= 0) return 0;
+    }
+    while (true) {
+        numberprompt(Int4(b.offsets.size()) + 1);
+        if (nextline(0)) return breakpending ? 1 : error(612);
+        if (!braces && isend()) return 0;
+        if (Int4 rc = takeline(b)) return rc;
+        if (braces && (depth += balance(cmdbuf)) <= 0) return 0;
+    }
+}
+
+Int4 storebody(std::string_view name, const storedprogram& header, const body& b) {
+    UInt4 table = UInt4((b.offsets.size() + 1) * sizeof(UInt4)), start = UInt4(sizeof header) + table;
+    std::size_t total = start + b.text.size();
+    object* o = objnew(name, obj_program, total, total);
+    if (!o) return 950;
+    objwrite(o, 0, &header, sizeof header);
+    std::vector<UInt4> offsets = b.offsets;
+    offsets.push_back(UInt4(b.text.size()));
+    for (UInt4& offset : offsets) offset += start;
+    objwrite(o, sizeof header, offsets.data(), table);
+    objwrite(o, start, b.text.data(), b.text.size());
+    return 0;
+}
+
+}  // namespace
+
+Int4 programdefine(std::string_view givenname, std::string_view givenhome, const programoptions& options, boolean braces) {
+    std::string name(givenname), home(givenhome);
+    body b;
+    if (Int4 rc = readbody(b, braces)) return rc;
+    if (b.offsets.empty()) return 0;
+    storedprogram header{};
+    header.loadid = loadingid;
+    header.lastused = sysclock;
+    header.sortpreserve = options.sortpreserve;
+    header.progclass = options.progclass;
+    header.byable = options.byable;
+    header.subprogram = !home.empty();
+    copytext(header.home, namesize, home);
+    header.lines = Int4(b.offsets.size());
+    return storebody(name, header, b);
+}
+
+boolean programtext(object* o, Int4 i, char* out, boolean indented) {
+    const storedprogram& header = programheader(o);
+    if (i >= header.lines) return false;
+    UInt4 offset[2];
+    std::memcpy(offset, o->data() + sizeof header + std::size_t(i) * sizeof(UInt4), sizeof offset);
+    const UByte* text = o->data() + offset[0];
+    std::size_t indent = indented ? text[0] : 1, n = offset[1] - offset[0] - 1;
+    if (indent + n > std::size_t(conslen)) indent = 0;
+    std::memset(out, ' ', indent);
+    std::memcpy(out + indent, text + 1, n);
+    return true;
+}
+
+// ---- Dropping.
+
+namespace {
+
+struct programkey { std::string name, home; };
+
+// The programs that a condition picks, by name, since dropping moves the store.
+template <class F> std::vector<programkey> pickprograms(F wanted) {
+    std::vector<programkey> keys;
+    char name[36];
+    for (object* o = objnext(nullptr, name, obj_program); o; o = objnext(o, name, obj_program))
+        if (wanted(name, programheader(o))) keys.push_back({name, programheader(o).home});
+    return keys;
+}
+
+}  // namespace
+
+void dropprogram(std::string_view givenname, std::string_view givenhome) {
+    std::string name(givenname), home(givenhome);
+    object* o = exactprogram(name, home);
+    if (!o || programheader(o).running) return;
+    objdelthis(o);
+    if (!home.empty()) return;
+    auto owned = [&name](const char*, const storedprogram& p) { return name == p.home && !p.running; };
+    for (const programkey& sub : pickprograms(owned))
+        if (object* s = exactprogram(sub.name, sub.home)) objdelthis(s);
+}
+
+void discardprograms() {
+    auto loaded = [](const char*, const storedprogram& p) { return p.loadid && !p.running && !p.home[0]; };
+    for (const programkey& key : pickprograms(loaded)) dropprogram(key.name, key.home);
+}
+
+}  // namespace velmo

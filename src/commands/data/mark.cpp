@@ -78,9 +78,17 @@ Int4 markhere(boolean by) {
     return 0;
 }
 
-boolean missingat(Int4 i, Int4 obs) {
+// Clears the mark where list entry i is missing or empty.
+Int4 markoutentry(const column& mark, Int4 i) {
     Int4 var = entryvar(i);
-    return isstring(var) ? strcell(var, obs).empty() : varvalue(i, obs) == missing;
+    boolean text = isstring(var), plain = !entryop(i);
+    column values(var);
+    for (Int4 obs = 1; obs <= nobs; obs++) {
+        boolean absent = text ? strcell(var, obs).empty() : (plain ? values.get(obs) : varvalue(i, obs)) == missing;
+        if (absent) mark.put(obs, 0);
+        if (tick()) return 1;
+    }
+    return 0;
 }
 
 // markout, from its arguments at the cursor.
@@ -97,10 +105,7 @@ Int4 markouthere() {
     for (Int4 i = 0; i < vl_n; i++)
         if (isstring(entryvar(i)) && !strok) return error(109);
     for (Int4 i = 0; i < vl_n; i++)
-        for (Int4 obs = 1; obs <= nobs; obs++) {
-            if (missingat(i, obs)) putobs(mark, obs, 0);
-            if (tick()) return 1;
-        }
+        if (Int4 rc = markoutentry(column(mark), i)) return rc;
     setsortnone(&mark, 1);
     markchanged(mark);
     return 0;
@@ -148,8 +153,10 @@ Int4 cmd_marksample() {
     boolean list = getopt_noflag("varlist", 7, true), by = getopt_noflag("by", 2, true);
     if (Int4 rc = getopt_done()) return rc;
     if (Int4 rc = marksample(name, keepzero, by)) return rc;
-    if (list)
-        if (Int4 rc = markoutsample(name, strok)) return rc;
+    if (Int4 rc = list ? markoutsample(name, strok) : 0) {
+        visnvar = nvar - 1;      // the mark goes at the end of the turn
+        return rc;
+    }
     return macroset(local, name);
 }
 

@@ -37,9 +37,9 @@ Int4 confirmnew() {
         std::vector<std::string> names{tokcontent()};
         if (!isquoted() && typecode(tokbuf)) continue;
         if (tokpeek() == '-') {
+            std::string first = names[0];
             nexttoken();
             names.clear();
-            std::string first = tokcontent();
             if (Int4 rc = seriesnames(first, nexttoken(), names)) return rc;
         }
         for (const std::string& name : names) {

@@ -42,11 +42,15 @@ Int4 cmd_tokenize() {
 
 namespace {
 
-// [local|global] name, as the stored name.
+// [local|global] name, as the stored name; the word may stand in parentheses.
 Int4 macroargument(std::string& name) {
     std::string_view token = nexttoken();
+    boolean parentheses = token == "(";
+    if (parentheses) token = nexttoken();
     boolean global = token == "global";
-    if (global || token == "local") token = nexttoken();
+    if (parentheses && !global && token != "local") return error(198);
+    if (parentheses && std::string_view(nexttoken()) != ")") return error(198);
+    if (parentheses || global || token == "local") token = nexttoken();
     if (token.empty() || token == ":") return error(198);
     name = (global ? "" : "_") + std::string(token);
     if (!validname(name) || (global && name[0] == '_')) return badname(token);

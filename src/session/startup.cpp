@@ -7,6 +7,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
+#include "core/handles.h"
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/prefs.h"
@@ -298,7 +299,10 @@ Int4 session_main() {
 }
 
 void shutdown(Int4 code) {
-    if (stage >= stage_files) webfile_closeall();
+    if (stage >= stage_files) {
+        handles_closelevel(0);
+        webfile_closeall();
+    }
     if (shuttingdown) return;
     shuttingdown = 1;
     prefs_save();

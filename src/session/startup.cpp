@@ -29,6 +29,8 @@
 
 namespace velmo {
 
+void endlogs();     // commands/system/logs.cpp
+
 char startcmd[1000];
 UByte noconsole = 0;
 Int4 exitstatus = 0;
@@ -300,6 +302,7 @@ Int4 session_main() {
 
 void shutdown(Int4 code) {
     if (stage >= stage_files) {
+        endlogs();
         handles_closelevel(0);
         webfile_closeall();
     }

@@ -17,6 +17,13 @@ inline char upperchar(char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; 
 // The language's one abbreviation rule: true when `word` has at least `min` characters and each equals the
 // same place of `name`. Case counts.
 boolean abbrev(std::string_view word, std::string_view name, Int4 min);
+// The same for a table's word, whose length nobody asks for.
+inline boolean abbrev(std::string_view word, const char* name, Int4 min) {
+    if (word.empty() || word[0] != name[0] || Int4(word.size()) < min) return false;
+    for (std::size_t i = 1; i < word.size(); i++)
+        if (word[i] != name[i] || !name[i]) return false;
+    return true;
+}
 
 // True for a valid name: 1 to 32 characters, the first a letter or `_`, none of \!@#$%^&*()-+=[]{}:;,'"~<>?/|.
 // nor a blank or a backquote.

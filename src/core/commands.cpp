@@ -1,5 +1,6 @@
 // The look-up keeps the first row of each first letter, so a word meets only the rows of its letter.
 #include "core/commands.h"
+#include <string_view>
 #include "base/state.h"
 #include "base/text.h"
 
@@ -19,11 +20,12 @@ struct letterindex {
 
 template <class T> const command* firstrow(const char* word, T wanted) {
     static const letterindex index;
+    std::string_view text = word;
     Int4 i = word[0] ? index.first[UByte(word[0])] : -1;
     if (i < 0) return nullptr;
     // HELPCHK stands among the rows of `_`.
     for (; i < ncommands && (commands[i].word[0] == word[0] || commands[i].word[0] == 'H'); i++)
-        if (wanted(commands[i]) && abbrev(word, commands[i].word, commands[i].min)) return &commands[i];
+        if (wanted(commands[i]) && abbrev(text, commands[i].word, commands[i].min)) return &commands[i];
     return nullptr;
 }
 

@@ -227,6 +227,7 @@ void memory_stress() {
     std::memcpy(to + (database - blockstart), database, std::size_t(rowplace(ptrmark) - database));
     std::memcpy(to + (dynstart - blockstart), dynstart, std::size_t(blockend - dynstart));
     pagefree(blockstart, blocksize);
+    objmoves++;
     std::ptrdiff_t shift = to - blockstart;
     blockstart = to;
     blockend += shift;

@@ -14,6 +14,8 @@
 
 namespace velmo {
 
+std::uint64_t objmoves = 0;
+
 namespace {
 
 struct link { UInt4 newer, older; };     // entry numbers, 0 at the ends
@@ -119,6 +121,7 @@ void growslots() {
 }
 
 void makenewest(UInt4 e) {
+    objmoves += entries[e].type == obj_program;
     entries[e].seq = ++lastseq;
     pushnewest(byage, &entry::age, e);
     pushnewest(bytype[typeslot(entries[e].type)], &entry::kind, e);
@@ -126,6 +129,7 @@ void makenewest(UInt4 e) {
 }
 
 void removefromorder(UInt4 e) {
+    objmoves += entries[e].type == obj_program;
     unchain(e);
     unlink(byage, &entry::age, e);
     unlink(bytype[typeslot(entries[e].type)], &entry::kind, e);
@@ -385,6 +389,7 @@ void endbatch() {
 
 void objcompact() {
     if (std::uint64_t(blockend - dynstart) == livebytes) return;
+    objmoves++;
     permit(dynstart, std::size_t(blockend - dynstart));
     UByte* oldstart = dynstart;
     std::uint64_t offset = 0;

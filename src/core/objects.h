@@ -34,6 +34,9 @@ struct object {
 };
 static_assert(sizeof(object) == 48);
 
+// Changes whenever an object may have moved, or a program has come or gone: who remembers a program's address compares.
+extern std::uint64_t objmoves;
+
 // A new object with datalen bytes of unset data in room for capacity (>= datalen). Null when there is no room:
 // "insufficient memory for <kind> <name>\n" has then been printed and the caller's code is 950. Names of up to 35
 // bytes are kept.

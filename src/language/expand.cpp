@@ -11,6 +11,7 @@
 #include "data/run.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
+#include "language/control.h"
 #include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -159,6 +160,7 @@ std::string extendedvalue(std::string text) {
 
 // r(x), return(x), s(x); families that aren't kept yet are empty.
 std::string resultvalue(std::string_view family, std::string_view name) {
+    if (family == "ferest") return ferest();
     Double value;
     std::string text;
     if (family == "r") {

@@ -13,6 +13,7 @@
 #include "data/dataset.h"
 #include "expr/evaluate.h"
 #include "language/control.h"
+#include "language/numlist.h"
 #include "language/programs.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
@@ -193,23 +194,26 @@ Int4 skiploop() {
     return brace ? rununder(false, brace) : 0;
 }
 
-// One loop of a stored program: where its line stands, and what its end puts back.
+// One loop of a stored program: where its line stands, what its end puts back, and whether its body begins on the line
+// itself.
 struct loop {
     Int4 header;
     UByte entry;
+    boolean inlinebody;
     controlstate outer;
-    loop() : header(programline - 1), entry(execflag), outer(control) {}
+    loop(const char* brace)
+        : header(programline - 1), entry(execflag), inlinebody(brace[1 + std::strspn(brace + 1, " ")] != 0), outer(control) {}
 };
 
 // The body from its first line: what stands behind the brace of the loop's own line, or the line behind it.
 void rewind(const loop& l) {
     programline = l.header + 1;
-    object* o = runningprogram();
+    object* o = l.inlinebody ? runningprogram() : nullptr;
     char* brace = o && programtext(o, l.header, cmdbuf) ? findbrace(cmdbuf, false) : nullptr;
     if (brace)
         blanktobrace(brace);
     else
-        cmdbuf[0] = 0;
+        settokpos(std::strcpy(cmdbuf, ""));
 }
 
 // One pass; the loop goes on while this gives 0 and contstate isn't 2.
@@ -242,9 +246,9 @@ boolean goeson(Int4 rc) { return !rc && !exitflag && !breakpending && control.co
 Int4 cmd_while() {
     if (!execflag) return skiploop();
     if (!inprogram) return storeloop("while");
-    loop l;
     char* brace = findbrace(tokpos, true);
     if (!brace) return 100;
+    loop l(brace);
     boolean truth;
     if (Int4 rc = condition(brace, truth)) return skipblock(brace, rc);
     control.inloop = 1;
@@ -308,7 +312,7 @@ Int4 cmd_forvalues() {
         return readrange(r);
     };
     if (Int4 rc = header()) return skipblock(brace, rc);
-    loop l;
+    loop l(brace);
     Int4 rc = 0;
     for (Double v = r.from; r.step > 0 ? v <= r.to : v >= r.to; v += r.step) {
         fmtnum("%18.0g", v);
@@ -396,9 +400,16 @@ Int4 macroname(fragment& f, boolean local) {
     return validname(f.macro) ? 0 : badname(name);
 }
 
-enum listkind : Int4 { list_local, list_global, list_varlist, list_newlist, list_any };
+enum listkind : Int4 { list_local, list_global, list_varlist, list_newlist, list_numlist, list_any };
 constexpr keyword listkinds[] = {{"local", 3, list_local},     {"global", 3, list_global}, {"varlist", 3, list_varlist},
-                                 {"newlist", 3, list_newlist}, {"any", 3, list_any}};
+                                 {"newlist", 3, list_newlist}, {"numlist", 3, list_numlist}, {"any", 3, list_any}};
+
+Int4 numbers(std::string_view list, std::string& text) {
+    std::vector<Double> values;
+    if (Int4 rc = numlistparse(list, {}, values)) return rc;
+    text = numlisttext(values);
+    return 0;
+}
 
 Int4 oflist(fragment& f, char* brace) {
     switch (lookup(listkinds, nexttoken())) {
@@ -406,6 +417,7 @@ Int4 oflist(fragment& f, char* brace) {
     case list_global: return onlist(brace, [&] { return macroname(f, false); });
     case list_varlist: return onlist(brace, [&] { return existingnames(f.text); });
     case list_newlist: return onlist(brace, [&] { return freenames(f.text); });
+    case list_numlist: return numbers(trimmed({tokpos, std::size_t(brace - tokpos)}), f.text);
     case list_any: f.text = trimmed({tokpos, std::size_t(brace - tokpos)}); return 0;
     default: return error(198);
     }
@@ -439,7 +451,7 @@ Int4 cmd_foreach() {
     if (lists.size() >= maxlists) return error(198);
     if (Int4 rc = readlist(name, list, brace)) return skipblock(brace, rc);
     if (list.text.size() >= std::size_t(macrolen)) return skipblock(brace, error(103));
-    loop l;
+    loop l(brace);
     Int4 rc = 0;
     lists.push_back(list);
     while (nextitem(lists.back(), item)) {

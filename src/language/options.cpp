@@ -188,6 +188,17 @@ Int4 getopt_level(Int4 min, Int4& level) {
     return boundscheck("level()", level, 10, 99);
 }
 
+std::vector<typedoption> typedoptions() {
+    std::vector<typedoption> typed;
+    for (Int4 i = 0; i < noptions; i++) {
+        const optionrow& row = options[i];
+        const char* begin = row.word.data();
+        const char* end = row.hasargument ? row.argument.data() + row.argument.size() + 1 : begin + row.word.size();
+        typed.push_back({row.word, row.argument, {begin, std::size_t(end - begin)}, row.hasargument});
+    }
+    return typed;
+}
+
 Int4 getopt_done() {
     for (Int4 i = 0; i < noptions; i++) {
         const optionrow& row = options[i];

@@ -36,7 +36,16 @@ object* findprogram(std::string_view name, std::string_view home) {
     return plain;
 }
 
-object* runningprogram() { return findprogram(programname, programhome); }
+// Each line of a running program asks: the answer holds while neither the names nor the store have changed.
+object* runningprogram() {
+    static struct { std::uint64_t moves = ~std::uint64_t(0); object* o; char name[namesize], home[namesize]; } last;
+    if (last.moves == objmoves && !std::strcmp(last.name, programname) && !std::strcmp(last.home, programhome)) return last.o;
+    last.o = findprogram(programname, programhome);
+    last.moves = objmoves;
+    copytext(last.name, namesize, programname);
+    copytext(last.home, namesize, programhome);
+    return last.o;
+}
 
 // ---- Reading a body.
 
@@ -139,16 +148,16 @@ Int4 programdefine(std::string_view givenname, std::string_view givenhome, const
     return storebody(name, header, b);
 }
 
-boolean programtext(object* o, Int4 i, char* out) {
+boolean programtext(object* o, Int4 i, char* out, boolean indented) {
     const storedprogram& header = programheader(o);
     if (i >= header.lines) return false;
-    UInt4 offset;
-    std::memcpy(&offset, o->data() + sizeof header + std::size_t(i) * sizeof offset, sizeof offset);
-    const char* text = reinterpret_cast<const char*>(o->data()) + offset;
-    std::size_t indent = UByte(text[0]), n = std::strlen(text + 1);
-    if (indent + n >= std::size_t(conslen)) indent = 0;
+    UInt4 offset[2];
+    std::memcpy(offset, o->data() + sizeof header + std::size_t(i) * sizeof(UInt4), sizeof offset);
+    const UByte* text = o->data() + offset[0];
+    std::size_t indent = indented ? text[0] : 1, n = offset[1] - offset[0] - 1;
+    if (indent + n > std::size_t(conslen)) indent = 0;
     std::memset(out, ' ', indent);
-    std::memcpy(out + indent, text + 1, n + 1);
+    std::memcpy(out + indent, text + 1, n);
     return true;
 }
 

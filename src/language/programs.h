@@ -42,8 +42,8 @@ inline storedprogram& programheader(object* o) { return *reinterpret_cast<stored
 // Reads a body through nextline(0) up to `end` (or, with braces, until they balance, the first line being cmdbuf) and
 // stores it under name and home. 0, 1, 612, 1000, 950.
 Int4 programdefine(std::string_view name, std::string_view home, const programoptions& options, boolean braces);
-// Line i of a program into out (conslen bytes), its indentation as blanks; false behind the last line.
-boolean programtext(object* o, Int4 i, char* out);
+// Line i of a program into out (conslen bytes): behind one blank, or behind its whole indentation; false behind the last.
+boolean programtext(object* o, Int4 i, char* out, boolean indented = false);
 // The running program's object, or null when it has gone.
 object* runningprogram();
 // Drops it and its subprograms unless it is running.

@@ -21,6 +21,7 @@ UByte p_varlist, p_existing, p_if, p_in, p_using, p_exp, p_exptype, p_weight, p_
 UByte p_options, p_byok, p_tsops, p_rest, p_range, p_skip, p_noeq, p_scale;
 Int4 vl_n, vl_groups[5], vl_ngroups;
 UByte vl_given, ingiven, usinggiven, weightgiven;
+char *intextbeg = nullptr, *intextend = nullptr;
 Int4 weighttype;
 
 void parse_defaults() {
@@ -65,6 +66,7 @@ Int4 inpart() {
     if (bymode) return errorf(190, "'in' may not be combined with 'by'\n");
     if (ingiven) return error(198);
     Int4 a, b;
+    intextbeg = tokpos;
     if (Int4 rc = rangeend(a)) return rc;
     b = a;
     if (tokpeeknonblank() == '/') {
@@ -74,6 +76,7 @@ Int4 inpart() {
     if (a < 1 || a > b || (p_in != 2 && b > nobs)) return errorf(198, "Obs. nos. out of range\n");
     firstobs = a;
     lastobs = b;
+    intextend = tokpos;
     ingiven = 1;
     return 0;
 }

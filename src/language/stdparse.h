@@ -38,6 +38,7 @@ extern Int4 vl_n;             // entries
 extern Int4 vl_groups[5], vl_ngroups;     // end of each parenthesised group, as a count of entries
 extern UByte vl_given;        // a varlist was typed
 extern UByte ingiven, usinggiven, weightgiven;
+extern char *intextbeg, *intextend;       // the text behind `in`, as typed
 extern Int4 weighttype;       // weightkind, 0 without weights
 
 // Parses the whole form from the cursor. 0 or a code.
@@ -59,6 +60,9 @@ Int4 getopt_str(const char* name, Int4 min, std::string& text, boolean& found);
 Int4 getopt_words(const char* name, Int4 min, std::vector<std::string>& words, Int4 limit, boolean& found);
 Int4 getopt_vars(const char* name, Int4 min, std::vector<Int4>& vars, boolean& found);
 Int4 getopt_level(Int4 min, Int4& level);      // level(#), 10 to 99, default the setting
+// The options as they were typed, for a parser that knows its options only at run time. The texts point into the line.
+struct typedoption { std::string_view word, argument, text; boolean hasargument; };
+std::vector<typedoption> typedoptions();
 // Reports the first option not consumed: "x invalid" or "x(...) invalid", 198.
 Int4 getopt_done();
 

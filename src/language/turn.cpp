@@ -123,7 +123,7 @@ Int4 docmd() {
     breakpending = 0;
     exitflag = 0;
     bymode = 0;
-    std::int64_t start = clockms();
+    std::int64_t start = rmsg && !inprogram ? clockms() : 0;
     try {
         // A loop at a level that stores loops is expanded in each of its rounds.
         boolean loop = !inprogram && looppeek();

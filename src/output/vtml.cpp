@@ -347,6 +347,7 @@ void vstream_setclosed(vstream* s, boolean closed) { s->closed = closed; }
 // The marker stands only at the end of a chunk, and may come in pieces.
 void vstream_write(vstream* s, std::string_view text) {
     if (text.empty() || s->closed) return;
+    s->unshown = 1;
     if (nmeasuring == 0) work = 0;
     log_raw(s, text);
     std::size_t before = std::size_t(s->matched);
@@ -409,6 +410,8 @@ void vstream_flush(vstream* s) {
 }
 
 void vstream_partial(vstream* s) {
+    if (!s->unshown) return;
+    s->unshown = 0;
     if (s->callback) {
         if (s->line.n > 0) {
             if (s->link.entry >= 0) s->line.links[s->link.entry + 1] = UByte(s->line.n);

@@ -53,9 +53,9 @@ Int4 listone(const programid& id) {
     static constexpr const char* classes[] = {"", ", rclass", ", sclass", ", eclass"};
     object* o = exactprogram(id.name, id.home);
     if (!o) return 0;
-    prtf("\n%s%s:\n", shownname(id).c_str(), classes[programheader(o).progclass & 3]);
+    prtf("%s%s:\n", shownname(id).c_str(), classes[programheader(o).progclass & 3]);
     std::string line(std::size_t(conslen), 0);
-    for (Int4 i = 0; (o = exactprogram(id.name, id.home)) && programtext(o, i, line.data()); i++)
+    for (Int4 i = 0; (o = exactprogram(id.name, id.home)) && programtext(o, i, line.data(), true); i++)
         if (Int4 rc = prtf("%3d. %s\n", i + 1, line.c_str())) return rc;
     return 0;
 }

@@ -1,0 +1,84 @@
+#!/usr/bin/env python3
+"""Sends SIGINT at random moments into a session that runs a long do-file, many times: breaks.py PROGRAM [TIMES [SEED]]
+
+After each Break the session must be whole: the prompt comes back at the console's level, the settings that the do-file
+changes at its levels are as before, its temporary things are gone, and the data obey their own check."""
+import os, random, re, select, shutil, signal, subprocess, sys, tempfile, time
+
+LONG = """
+version 6
+quietly set obs 400
+program define inner, sortpreserve
+  tempvar t
+  quietly generate `t' = _n
+  forvalues i = 1/40 {
+    quietly replace `t' = `t' + `i'
+    if mod(`i', 7) == 0 {
+      capture noisily error 459
+    }
+  }
+  sort `t'
+end
+generate x = mod(_n * 37, 101)
+generate str8 s = string(x)
+label define l 1 "one", modify
+local k 0
+while `k' < 2000 {
+  local k = `k' + 1
+  inner
+  quietly {
+    sort x s
+    summarize x, detail
+    replace x = x + 1 in 1/10
+    compress
+    capture drop y
+    generate double y = sum(x)
+  }
+  display "round `k'"
+}
+program drop inner
+"""
+CHECK = ('capture program drop inner', 'version', 'display "[`k\'][`t\']"', 'capture debug obstest', 'display "rc " _rc',
+         'capture assert length(s) > 0', 'display "data " _rc', 'drop _all', 'display "whole " 1+1')
+
+def read(p, until, seconds=20):
+    """Output up to a line that begins with `until`."""
+    text, end = b"", time.time() + seconds
+    while not re.search(rb"^" + until, text, re.M):
+        if time.time() > end: raise SystemExit("no answer; the last output was:\n" + text[-2000:].decode("latin-1"))
+        if select.select([p.stdout], [], [], 0.2)[0]:
+            piece = os.read(p.stdout.fileno(), 65536)
+            if not piece: raise SystemExit("the session ended; the last output was:\n" + text[-2000:].decode("latin-1"))
+            text += piece
+    return text.decode("latin-1")
+
+def main():
+    program, times = os.path.abspath(sys.argv[1]), int(sys.argv[2]) if len(sys.argv) > 2 else 60
+    chance = random.Random(int(sys.argv[3]) if len(sys.argv) > 3 else 1)
+    work = tempfile.mkdtemp(prefix="vb")
+    open(os.path.join(work, "long.do"), "w").write(LONG)
+    p = subprocess.Popen([program, "-q"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=work,
+                         env=dict(os.environ, HOME=work, TEMP=work, TERM="dumb"))
+    say = lambda line: (p.stdin.write((line + "\n").encode()), p.stdin.flush())
+    broken = 0
+    try:
+        for i in range(times):
+            say("do long")
+            time.sleep(chance.random() * 0.15)
+            p.send_signal(signal.SIGINT)
+            time.sleep(0.002)
+            say('display "ended"')
+            first = read(p, rb"ended")
+            broken += "--Break--" in first
+            for line in CHECK: say(line)
+            text = read(p, rb"whole 2")
+            for wanted in (r"^version 7\.0$", r"^\[\]\[\]$", r"^rc 0$", r"^data [09]$|^data 111$"):
+                if not re.search(wanted, text, re.M): raise SystemExit("after Break %d: no %s in\n%s%s" % (i + 1, wanted, first[-1500:], text))
+            if os.listdir(work) != ["long.do"] and [f for f in os.listdir(work) if f.endswith(".tmp")]: raise SystemExit("a temporary file stayed")
+        say("exit, clear")
+        p.wait(20)
+        print("%d Breaks sent, %d met a running command, the session whole after each" % (times, broken))
+    finally:
+        p.kill()
+        shutil.rmtree(work, ignore_errors=True)
+main()

@@ -89,6 +89,10 @@ Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean is
     return opened(open(name, flags, ispublic ? 0666 : 0644));
 }
 
+Int4 fileopenboth(const char* name, boolean ispublic) {
+    return opened(open(name, O_RDWR | O_CREAT | O_CLOEXEC, ispublic ? 0666 : 0644));
+}
+
 Pint fileread(Int4 fd, void* out, std::size_t n) {
     while (true) {
         ssize_t got = read(fd, out, n);

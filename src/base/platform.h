@@ -21,6 +21,7 @@ enum openreason { open_fine, open_notfound, open_exists, open_refused };
 extern openreason openfailure;           // why the last open failed
 Int4 fileopenread(const char* name);
 Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean ispublic);  // else must be new
+Int4 fileopenboth(const char* name, boolean ispublic);    // to read and write; made when it isn't there
 Pint fileread(Int4 fd, void* out, std::size_t n);            // bytes read, 0 at end, -1 on an error
 boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not all could be written
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error

@@ -19,6 +19,7 @@ enum objtype : Int4 {
     obj_scalar = 15, obj_estpreserve = 16, obj_popup = 17, obj_char = 18, obj_postfile = 19, obj_tempmatrix = 20,
     obj_rscalar = 21, obj_rmacro = 22, obj_rmatrix = 23, obj_escalar = 26, obj_emacro = 27, obj_ematrix = 28,
     obj_smacro = 31, obj_parked = 33, obj_byobs = 34, obj_sortindex = 35,
+    obj_handle = 37,
     obj_held = 19000, obj_local = 20000, obj_retscalar = 21000, obj_retmacro = 22000, obj_retmatrix = 23000,
     obj_any = -1,
 };

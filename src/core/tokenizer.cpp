@@ -180,4 +180,19 @@ boolean parenthesized(char** begin, char** end) {
     return false;
 }
 
+boolean quotedtext(char** begin, char** end) {
+    while (*tokpos == ' ') tokpos++;
+    boolean compound = tokpos[0] == '`' && tokpos[1] == '"';
+    if (!compound && *tokpos != '"') return false;
+    char* p = *begin = tokpos + (compound ? 2 : 1);
+    for (Int4 level = 1; *p; p++) {
+        if (!compound && *p == '"') break;
+        if (compound && p[0] == '`' && p[1] == '"') level++;
+        if (compound && p[0] == '"' && p[1] == '\'' && --level == 0) break;
+    }
+    *end = p;
+    settokpos(*p ? p + (compound ? 2 : 1) : p);
+    return true;
+}
+
 }  // namespace velmo

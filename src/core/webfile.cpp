@@ -31,7 +31,11 @@ Int4 failed(Int4 rc, std::string_view name, Int4 flags) {
     return -rc;
 }
 
-Int4 opencode() { return openfailure == open_notfound ? 601 : openfailure == open_exists ? 602 : 603; }
+// A missing folder can't be written to; only what is read can be not found.
+Int4 opencode(Int4 flags) {
+    if (openfailure == open_exists) return 602;
+    return openfailure == open_notfound && !(flags & (web_write | web_append)) ? 601 : 603;
+}
 
 // A bare name is looked for along PATH when it isn't in the current folder.
 std::string alongpath(const std::string& name) {
@@ -96,6 +100,16 @@ boolean isurl(std::string_view name) {
 
 void webfile_init() { std::memset(openfiles, -1, sizeof openfiles); }
 
+namespace {
+
+Int4 openplain(const char* name, Int4 flags) {
+    if (!(flags & (web_write | web_append))) return fileopenread(name);
+    if ((flags & web_write) && (flags & web_textread)) return fileopenboth(name, flags & web_public);
+    return fileopenwrite(name, flags & web_replace, flags & web_append, flags & web_public);
+}
+
+}  // namespace
+
 Int4 webopen(std::string_view given, Int4 flags) {
     std::string name = plainname(given, flags);
     if (isurl(name)) return failed(urlcode(flags), name, flags);
@@ -103,10 +117,8 @@ Int4 webopen(std::string_view given, Int4 flags) {
     if (slot < 0) return failed(681, name, flags);
     if (name.empty() || name.size() >= pathsize) return failed(603, name, flags);
     if ((flags & web_path) && !(flags & web_write)) name = alongpath(name);
-    Int4 fd = flags & (web_write | web_append)
-                  ? fileopenwrite(name.c_str(), flags & web_replace, flags & web_append, flags & web_public)
-                  : fileopenread(name.c_str());
-    if (fd < 0) return failed(opencode(), name, flags);
+    Int4 fd = openplain(name.c_str(), flags);
+    if (fd < 0) return failed(opencode(flags), name, flags);
     openfiles[slot] = fd;
     return fd;
 }

@@ -9,6 +9,7 @@
 #include "core/webfile.h"
 #include "language/review.h"
 #include "output/errors.h"
+#include "output/logs.h"
 #include "output/print.h"
 #include "output/results.h"
 
@@ -227,6 +228,7 @@ void readtypedline() {
     for (Int4 i = 0; i < n; i++)
         if (UByte(cmdbuf[i]) < 32) cmdbuf[i] = ' ';
     cmdbuf[n] = 0;
+    if (levelshows()) cmdlog_line({cmdbuf, std::size_t(n)});
     std::string_view line = rtrimmed({cmdbuf, std::size_t(n)});
     if (!line.empty()) reviewpush(line);
     prtquiet(line);

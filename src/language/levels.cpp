@@ -5,6 +5,7 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
+#include "core/handles.h"
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
@@ -203,6 +204,7 @@ void leave(Int4 mode, frame& f) {
         doreader_close(f.reader);
         eofseen = 0;
     }
+    if (Int4 rc = handles_closelevel(macrolevel); rc && !lastrc) lastrc = rc;
     if (version >= 310) droptempfiles(f.tempfiles);
     if (f.sortpreserved) {
         Int4 rc = sortindex_pop();

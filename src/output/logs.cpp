@@ -1,8 +1,15 @@
 #include "output/logs.h"
+#include <cstdio>
+#include <string>
 #include "base/platform.h"
+#include "base/saved.h"
+#include "base/text.h"
+#include "output/print.h"
 #include "output/results.h"
 
 namespace velmo {
+
+logstate sessionlog, commandlog;
 
 namespace {
 Int4 batchlog = -1;
@@ -26,6 +33,101 @@ void batchlog_close() {
     if (console) batchvtml ? vstream_lograw(console, batchlog, 2) : vstream_logline(console, batchlog, 2);
     fileclose(batchlog);
     batchlog = -1;
+}
+
+// ---- The session's log
+
+namespace {
+
+// how: as of vstream_lograw.
+boolean attach(Int4 how) {
+    if (!console) return true;
+    return sessionlog.vtml ? vstream_lograw(console, sessionlog.file, how)
+                           : vstream_logline(console, sessionlog.file, how);
+}
+
+// "    log:  text": the label in 11 columns.
+void headerline(std::string_view label, std::string_view text) {
+    outlevel = 1;
+    prt(rightjustified(label, 11) + "  ");
+    outlevel = 0;
+    prt(text);
+    prtnl();
+}
+
+std::string datetime() {
+    static constexpr const char* months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    clocktime t = localclock();
+    char text[60];
+    std::snprintf(text, sizeof text, "%2d %s%5d, %02d:%02d:%02d", t.day, months[t.month - 1], t.year, t.hour, t.minute,
+             t.second);
+    return text;
+}
+
+}  // namespace
+
+boolean log_start(Int4 file, std::string_view name, boolean vtml) {
+    sessionlog.file = file;
+    sessionlog.vtml = vtml;
+    copytext(sessionlog.name, pathsize, name);
+    if (!log_resume()) return false;
+    sessionlog.file = -1;
+    return true;
+}
+
+boolean log_resume() {
+    sessionlog.on = !attach(1);
+    return !sessionlog.on;
+}
+
+void log_pause() {
+    if (sessionlog.on) attach(2);
+    sessionlog.on = false;
+}
+
+Int4 log_end() {
+    Int4 file = sessionlog.file;
+    log_pause();
+    sessionlog.file = -1;
+    return file;
+}
+
+void log_header(const char* label) {
+    if (quietlevel >= 3) return;
+    saved level(outlevel, UByte(1)), quiet(quietlevel, UByte(0));
+    prtdash(0);
+    headerline("log:", sessionlog.name);
+    headerline("log type:", sessionlog.vtml ? "vtml" : "text");
+    if (label) headerline(std::string(label) + " on:", datetime());
+}
+
+void log_closingrule() {
+    if (quietlevel < 3) prtraw("{txt}{.-}\n");
+}
+
+// ---- The command log
+
+void cmdlog_start(Int4 file, std::string_view name) {
+    commandlog.file = file;
+    commandlog.on = commandlog.alive = true;
+    copytext(commandlog.name, pathsize, name);
+}
+
+Int4 cmdlog_end() {
+    Int4 file = commandlog.file;
+    commandlog.file = -1;
+    commandlog.on = false;
+    return file;
+}
+
+void cmdlog_line(std::string_view line) {
+    if (!commandlog.on || !commandlog.alive) return;
+    std::string_view word = ltrimmed(line);
+    word = word.substr(0, word.find(' '));
+    if (word == "cmdlog") return;
+    std::string bytes = std::string(line) + "\r\n";
+    commandlog.alive = filewrite(commandlog.file, bytes.data(), bytes.size());
 }
 
 }  // namespace velmo

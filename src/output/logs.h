@@ -1,6 +1,8 @@
-// Log files on the console stream: the batch log here, log and cmdlog later. A log's text never shows an error:
-// a write that fails leaves the log open and silent.
+// Log files on the console stream: the batch log, the session's log (log) and its command log (cmdlog). Who opens a
+// file gives its descriptor here and gets it back to close. A log's text never shows an error: a write that fails
+// leaves the log open and silent.
 #pragma once
+#include <string_view>
 #include "base/types.h"
 
 namespace velmo {
@@ -8,5 +10,30 @@ namespace velmo {
 // Opens the batch log `name`, truncating it, as VTML or as plain text; false when it can't be opened.
 boolean batchlog_open(const char* name, boolean vtml);
 void batchlog_close();
+
+struct logstate {
+    Int4 file = -1;            // descriptor, -1 when closed
+    boolean on = false;        // else the file is kept, and gets nothing
+    boolean vtml = false;      // markup as written, else finished lines; a command log has neither
+    boolean alive = false;     // of a command log: no write has failed
+    char name[pathsize] = "";  // full path
+};
+
+// State
+extern logstate sessionlog, commandlog;
+
+// The session's log from here on; true when the stream refuses it, and then it stays closed.
+boolean log_start(Int4 file, std::string_view name, boolean vtml);
+boolean log_resume();          // true when the stream refuses
+void log_pause();              // what the stream holds for it is written out first
+Int4 log_end();                // the descriptor, to be closed
+// The rule, the file, the type and, with a label ("opened"), date and time; nothing at quietlevel 3 and above.
+void log_header(const char* label);
+void log_closingrule();
+
+void cmdlog_start(Int4 file, std::string_view name);
+Int4 cmdlog_end();             // the descriptor, to be closed
+// One typed line; lines of the cmdlog command itself are left out.
+void cmdlog_line(std::string_view line);
 
 }  // namespace velmo

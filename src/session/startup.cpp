@@ -7,6 +7,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
+#include "core/handles.h"
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/prefs.h"
@@ -27,6 +28,8 @@
 #include "session/session.h"
 
 namespace velmo {
+
+void endlogs();     // commands/system/logs.cpp
 
 char startcmd[1000];
 UByte noconsole = 0;
@@ -298,7 +301,11 @@ Int4 session_main() {
 }
 
 void shutdown(Int4 code) {
-    if (stage >= stage_files) webfile_closeall();
+    if (stage >= stage_files) {
+        endlogs();
+        handles_closelevel(0);
+        webfile_closeall();
+    }
     if (shuttingdown) return;
     shuttingdown = 1;
     prefs_save();

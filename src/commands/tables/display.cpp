@@ -240,17 +240,10 @@ Int4 takeformat(displaystate& s) {
 
 // A literal, taken from the line itself so that its length has no limit.
 Int4 takeliteral(displaystate& s) {
-    char* begin = tokfirst();
-    boolean compound = *begin == '`';
-    char* p = begin += compound ? 2 : 1;
-    Int4 level = 1;
-    for (; *p; p++) {
-        if (!compound && *p == '"') break;
-        if (compound && p[0] == '`' && p[1] == '"') level++;
-        if (compound && p[0] == '"' && p[1] == '\'' && --level == 0) break;
-    }
-    settokpos(*p ? p + (compound ? 2 : 1) : p);
-    return putstring(s, {begin, std::size_t(p - begin)});
+    char *begin, *end;
+    settokpos(tokfirst());
+    quotedtext(&begin, &end);
+    return putstring(s, {begin, std::size_t(end - begin)});
 }
 
 Int4 takeexpression(displaystate& s) {

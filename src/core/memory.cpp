@@ -61,7 +61,7 @@ const tablerow tablerows[] = {
     {"by", reinterpret_cast<void**>(&by), 2, 2, false},
     {"vl_rcp", reinterpret_cast<void**>(&vl_rcp), 8, 8, false},
     {"macexp", reinterpret_cast<void**>(&macexp), 33, 216, true},
-    {"cmdbuf", reinterpret_cast<void**>(&cmdbuf), 33, 216, true},
+    {"cmdbuf", reinterpret_cast<void**>(&cmdbuf), 33, 232, true},      // 16 bytes for reads that run beyond
     {"review", reinterpret_cast<void**>(&reviewring), 33, 217, true},
 };
 constexpr Int4 ntables = Int4(sizeof tablerows / sizeof tablerows[0]);

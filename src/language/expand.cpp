@@ -1,9 +1,12 @@
 // The scan walks cmdbuf by index and rewrites it in place: a reference's text is replaced by its value, the tail moves
 // once, and the scan goes on at the same place, so that what a value holds is looked at too.
 #include "language/expand.h"
+#include <algorithm>
+#include <bit>
 #include <cstring>
 #include "base/platform.h"
 #include "base/saved.h"
+#include "base/sixteen.h"
 #include "base/text.h"
 #include "core/macros.h"
 #include "data/cells.h"
@@ -235,8 +238,15 @@ boolean expandat(Int4 p) {
     return any;
 }
 
+// The next place from p on that may begin a reference or an escape, or the line's end.
+Int4 nextmark(Int4 p) {
+    for (; p < s.len; p += 16)
+        if (UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0')) return std::min(p + std::countr_zero(bits), s.len);
+    return s.len;
+}
+
 void expandline(Int4 p) {
-    while (p < s.len && !s.rc) {
+    for (p = nextmark(p); p < s.len && !s.rc; p = nextmark(p)) {
         char c = cmdbuf[p], next = cmdbuf[p + 1];
         if (ismark(c)) {
             if (!expandat(p) || ismark(cmdbuf[p])) p++;

@@ -104,7 +104,7 @@ void report(std::int64_t starttime) {
         prt("r;");
     }
     if (!rmsg) return;
-    Int4 ms = Int4(clockms() - starttime);
+    Int4 ms = starttime ? Int4(clockms() - starttime) : 0;      // rmsg came on with this command
     Int4 seconds = ms / 1000, hundredths = (100 * (ms % 1000) * 2 / 1000 + 1) / 2;
     if (hundredths == 100) {
         seconds++;

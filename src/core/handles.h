@@ -1,7 +1,7 @@
 // The handles of the file command: objects of type obj_handle, each one record with the file's descriptor and a buffer
-// of 512 bytes that holds either input not yet read or output not yet written. A handle belongs to the level that opened
-// it and is closed when that ends; those of the console stay until the end of the session. Objects move: a user takes a
-// copy of the record, works with it, and stores it again.
+// of 512 bytes that holds either input not yet read or output not yet written. A handle belongs to the level that
+// opened it and is closed when that ends; those of the console stay until the end of the session. Objects move: a user
+// takes a copy of the record, works with it, and stores it again.
 #pragma once
 #include <string>
 #include <string_view>

@@ -48,8 +48,8 @@ Int4 filetoken(char* out);
 // Moves behind a balanced (...) whose opening parenthesis is the next character; text receives what stands between.
 // False when it is not closed. Quotes are honoured.
 boolean parenthesized(char** begin, char** end);
-// Moves behind a quoted text, of any length, that begins at the cursor; without its closing quote it ends with the line.
-// False when none begins there.
+// Moves behind a quoted text, of any length, that begins at the cursor; without its closing quote it ends with the
+// line. False when none begins there.
 boolean quotedtext(char** begin, char** end);
 
 }  // namespace velmo

@@ -14,7 +14,8 @@ enum webflags : Int4 {
 boolean isurl(std::string_view name);  // letters, a colon, two slashes
 void webfile_init();                   // clears the table of open files
 // Opens a file. Reading a missing one is 601, writing one that exists without replace or append 602, any other
-// refusal 603; with web_write and web_textread it is open for both, and made unless it is there; 632 a URL that must be local, 633 writing to a URL, 681 too many open files.
+// refusal 603; with web_write and web_textread it is open for both, and made unless it is there; 632 a URL that must
+// be local, 633 writing to a URL, 681 too many open files.
 Int4 webopen(std::string_view name, Int4 flags);
 Int4 webclose(Int4 handle);            // 0, or 691 when the last bytes could not be written
 // Copies a file by blocks, with Break tests; a failed copy leaves no target behind, but for one that was appended to.

@@ -182,10 +182,10 @@ Int4 openprogram(frame& f) {
     programline = 0;
     subprogramlevel = p.subprogram;
     programclass = p.progclass;
-    results_enter();
     copytext(programhome, namesize, p.home[0] ? p.home : cmdword);
     copytext(programname, namesize, cmdword);
     f.sortpreserved = p.sortpreserve;
+    results_enter();          // the store moves: the program's header is no longer where it was
     return 0;
 }
 

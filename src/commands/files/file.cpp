@@ -263,8 +263,10 @@ void takeformat(writing& w) {
 // ---- Text
 
 enum directive { w_dup, w_char, w_newline, w_tab, w_skip, w_column, w_page };
-constexpr keyword directives[] = {{"_dup", 4, w_dup},   {"_char", 5, w_char},     {"_newline", 2, w_newline}, {"_tab", 4, w_tab},
-                                  {"_skip", 5, w_skip}, {"_column", 4, w_column}, {"_page", 5, w_page}};
+constexpr keyword directives[] = {
+    {"_dup", 4, w_dup},   {"_char", 5, w_char},     {"_newline", 2, w_newline}, {"_tab", 4, w_tab},
+    {"_skip", 5, w_skip}, {"_column", 4, w_column}, {"_page", 5, w_page},
+};
 
 Int4 putmany(writing& w, Double count, std::string_view text) {
     w.dup = std::min(w.dup, mostdup) * (count > 0 ? std::int64_t(count) : 0);

@@ -19,7 +19,9 @@ namespace velmo {
 namespace {
 
 enum subcommand { log_using, log_close, log_on, log_off };
-constexpr keyword subcommands[] = {{"using", 0, log_using}, {"close", 0, log_close}, {"on", 0, log_on}, {"off", 0, log_off}};
+constexpr keyword subcommands[] = {
+    {"using", 0, log_using}, {"close", 0, log_close}, {"on", 0, log_on}, {"off", 0, log_off},
+};
 
 struct logoptions { Int4 flags; boolean text, vtml, noproc; };
 

@@ -9,5 +9,6 @@ program define clear
 	label drop _all
 	scalar drop _all
 	return clear
+	sreturn clear
 	discard
 end

@@ -232,7 +232,14 @@ UInt4 create(const key& k, std::size_t datalen, std::size_t capacity) {
 }
 
 // Replaces the bytes of an entry and makes it the newest; 0 or 950.
-Int4 rewrite(UInt4 e, const key& k, const void* in, std::size_t n) {
+// An object's new bytes: n from `in`, then a zero if it is a text.
+void fill(UInt4 e, const void* in, std::size_t n, boolean text) {
+    if (n) std::memcpy(objectof(e)->data(), in, n);
+    if (text) objectof(e)->data()[n] = 0;
+}
+
+Int4 rewrite(UInt4 e, const key& k, const void* in, std::size_t length, boolean text) {
+    std::size_t n = length + text;
     constexpr std::size_t most = 0xFFFFFF00u;
     UInt4 old = entries[e].size;
     if (n > most || makeroom(std::int64_t(totalsize(n)) - old)) return nospace(k);
@@ -247,7 +254,7 @@ Int4 rewrite(UInt4 e, const key& k, const void* in, std::size_t n) {
         place(e, size, true);
     }
     fillheader(e, k, n);
-    if (n) std::memcpy(objectof(e)->data(), in, n);
+    fill(e, in, length, text);
     makenewest(e);
     lastused = e;
     return 0;
@@ -299,7 +306,9 @@ object* objolder(object* o) {
     return e ? objectof(e) : nullptr;
 }
 
-Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n) {
+namespace {
+
+Int4 putbytes(std::string_view name, Int4 type, const void* in, std::size_t n, boolean text) {
     key k(name, type);
     std::string copy;
     if (inblock(in)) {          // the source may move with everything else
@@ -307,11 +316,19 @@ Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n) {
         in = copy.data();
     }
     memory_stress();
-    if (UInt4 e = lookup(k)) return rewrite(e, k, in, n);
-    UInt4 e = create(k, n, n);
+    if (UInt4 e = lookup(k)) return rewrite(e, k, in, n, text);
+    UInt4 e = create(k, n + text, n + text);
     if (!e) return 950;
-    if (n) std::memcpy(objectof(e)->data(), in, n);
+    fill(e, in, n, text);
     return 0;
+}
+
+}  // namespace
+
+Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n) { return putbytes(name, type, in, n, false); }
+
+Int4 objputtext(std::string_view name, Int4 type, std::string_view text) {
+    return putbytes(name, type, text.data(), text.size(), true);
 }
 
 object* objnext(object* prev, char* nameout, Int4 type, Int4* typeout) {

@@ -47,6 +47,8 @@ object* objfind(std::string_view name, Int4 type, UInt4* len = nullptr);
 object* objolder(object* o);
 // Makes or replaces the object of that name and type with these bytes, as the newest one. 0 or 950 (printed).
 Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n);
+// The same for a text, with a zero behind it.
+Int4 objputtext(std::string_view name, Int4 type, std::string_view text);
 // The object made before `prev` (null: the newest) of a type (obj_any: of any); null at the end. Names and types
 // are copied out where asked (nameout: 36 bytes).
 object* objnext(object* prev, char* nameout, Int4 type, Int4* typeout = nullptr);

@@ -33,12 +33,24 @@ assert r(N) == 16
 replace armedforces = . if armedforces < 1600
 list year armedforces rate if armedforces == . | rate > 6
 
-* A time variable makes lags and differences
-sort year
-char _dta[_TStvar] "year"
-generate growth = 100 * D.gnp / L.gnp
+* A time variable makes lags and differences; growth.ado lies in this folder and is found on first use
+tsset year
+growth gnp, generate(growth)
+display "mean growth " %4.2f r(mean) " percent"
 list year gnp growth in -4/l
 inspect growth
+notes gnp: Millions of dollars at current prices.
+lookfor price product
+notes
+
+* A program typed here: how far is each variable's last value from its first?
+program define change
+	foreach v of varlist `*' {
+		local percent : display %5.1f 100 * (`v'[_N] / `v'[1] - 1)
+		display as text %12s "`v'" as result "  `percent' percent"
+	}
+end
+change employed gnp population
 
 * ---- Fisher (1936): 150 irises
 insheet using iris.csv, comma clear

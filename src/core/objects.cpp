@@ -325,7 +325,9 @@ Int4 putbytes(std::string_view name, Int4 type, const void* in, std::size_t n, b
 
 }  // namespace
 
-Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n) { return putbytes(name, type, in, n, false); }
+Int4 objput(std::string_view name, Int4 type, const void* in, std::size_t n) {
+    return putbytes(name, type, in, n, false);
+}
 
 Int4 objputtext(std::string_view name, Int4 type, std::string_view text) {
     return putbytes(name, type, text.data(), text.size(), true);

@@ -43,7 +43,8 @@ Int4 dropfile(Int4 id) {
 // An object made since the marker that is no program: the file did more than define.
 boolean madeother() {
     Int4 type;
-    for (object* o = objnext(nullptr, nullptr, obj_any, &type); o && type != obj_cmdbuffer; o = objnext(o, nullptr, obj_any, &type))
+    for (object* o = objnext(nullptr, nullptr, obj_any, &type); o && type != obj_cmdbuffer;
+         o = objnext(o, nullptr, obj_any, &type))
         if (type != obj_program) return true;
     return false;
 }
@@ -99,7 +100,8 @@ Int4 loadfile(const std::string& name, const std::string& path, Int4 id) {
     char word[namesize], home[namesize];
     copytext(word, namesize, cmdword);
     copytext(home, namesize, programhome);
-    if (objput(name, obj_cmdbuffer, line.data(), line.size() + 1)) return errorf(199, "...meaning insufficient memory\n");
+    if (objput(name, obj_cmdbuffer, line.data(), line.size() + 1))
+        return errorf(199, "...meaning insufficient memory\n");
     Int4 rc;
     boolean other;
     {

@@ -241,7 +241,8 @@ boolean expandat(Int4 p) {
 // The next place from p on that may begin a reference or an escape, or the line's end.
 Int4 nextmark(Int4 p) {
     for (; p < s.len; p += 16)
-        if (UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0')) return std::min(p + std::countr_zero(bits), s.len);
+        if (UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0'))
+            return std::min(p + std::countr_zero(bits), s.len);
     return s.len;
 }
 

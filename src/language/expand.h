@@ -11,8 +11,8 @@ namespace velmo {
 
 // A whole number from the cursor within lo..hi; 198 (printed).
 Int4 wholetoken(Int4& value, Int4 lo, Int4 hi);
-// Expands cmdbuf and sets the cursor to its start. 0, or 920 (printed) when a line grows past conslen - 1 or a reference
-// goes round. With execflag 0 nothing changes. A line without $, backquote or backslash costs one scan.
+// Expands cmdbuf and sets the cursor to its start. 0, or 920 (printed) when a line grows past conslen - 1 or a
+// reference goes round. With execflag 0 nothing changes. A line without $, backquote or backslash costs one scan.
 Int4 expandmacros();
 
 // The extended function whose text is at the cursor (behind the colon): its result in `out`. 0 or a code (printed).
@@ -26,7 +26,15 @@ extern const Int4 nextfunctions;
 
 // local, global, macro define, c_local, and the return local family: reads name and value from the cursor, hands them
 // to `store` with the name as stored (a local's with its _). Codes printed.
-enum definemode : Int4 { define_macro = 0, define_local = 1, define_global = 2, define_return = 4, define_ereturn = 5, define_sreturn = 6, define_up = 7 };
+enum definemode : Int4 {
+    define_macro = 0,
+    define_local = 1,
+    define_global = 2,
+    define_return = 4,
+    define_ereturn = 5,
+    define_sreturn = 6,
+    define_up = 7
+};
 Int4 macrodefine(Int4 mode, Int4 (*store)(std::string_view name, std::string_view value));
 
 // The value of a macro by its stored name with the special names (S_DATE, _*, ...) as a reference sees it.

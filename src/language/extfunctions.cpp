@@ -235,12 +235,14 @@ boolean standsasword(const std::string& text, std::size_t at, std::size_t n) {
     return (at == 0 || text[at - 1] == ' ') && (at + n == text.size() || text[at + n] == ' ');
 }
 
-Int4 replaceall(const std::string& text, const std::string& from, const std::string& to, const replacement& how, std::string& out) {
+Int4 replaceall(const std::string& text, const std::string& from, const std::string& to, const replacement& how,
+                std::string& out) {
     Int4 n = 0;
     std::size_t at = 0;
     while (!from.empty() && (how.all || n == 0)) {
         std::size_t hit = text.find(from, at);
-        while (hit != std::string::npos && how.word && !standsasword(text, hit, from.size())) hit = text.find(from, hit + 1);
+        while (hit != std::string::npos && how.word && !standsasword(text, hit, from.size()))
+            hit = text.find(from, hit + 1);
         if (hit == std::string::npos) break;
         out += text.substr(at, hit - at) + to;
         at = hit + from.size();
@@ -298,7 +300,8 @@ Int4 ext_piece(std::string& out) {
     if (Int4 rc = wholetoken(piece, 1, macrolen)) return rc;
     if (Int4 rc = wholetoken(width, 2, macrolen)) return rc;
     std::string text;
-    if (std::string_view(nexttoken()) != "of" || (tokpeeknonblank() != '"' && tokpeeknonblank() != '`')) return error(198);
+    if (std::string_view(nexttoken()) != "of" || (tokpeeknonblank() != '"' && tokpeeknonblank() != '`'))
+        return error(198);
     lineword(text);
     std::string_view rest = trimmed(text);
     for (Int4 i = 1; !rest.empty(); i++, rest = ltrimmed(rest)) {

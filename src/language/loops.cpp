@@ -202,7 +202,8 @@ struct loop {
     boolean inlinebody;
     controlstate outer;
     loop(const char* brace)
-        : header(programline - 1), entry(execflag), inlinebody(brace[1 + std::strspn(brace + 1, " ")] != 0), outer(control) {}
+        : header(programline - 1), entry(execflag), inlinebody(brace[1 + std::strspn(brace + 1, " ")] != 0),
+          outer(control) {}
 };
 
 // The body from its first line: what stands behind the brace of the loop's own line, or the line behind it.

@@ -73,7 +73,8 @@ Int4 macrodefine(Int4 mode, Int4 (*store)(std::string_view, std::string_view)) {
     if (mode == define_local || mode == define_up) name = "_" + name;
     if (mode == define_global && name[0] == '_') return error(198);
     // A local such as `1' begins with a digit; the stored name, with its _, is a name.
-    if (!validname(name) || (version < 700 && name.size() > 8)) return badname(mode == define_local ? name.substr(1) : name);
+    if (!validname(name) || (version < 700 && name.size() > 8))
+        return badname(mode == define_local ? name.substr(1) : name);
     if (Int4 rc = definitionvalue(value)) return rc;
     return store(name, value);
 }
@@ -136,13 +137,15 @@ Int4 listmacros() {
 
 // ---- macro drop
 
-constexpr std::string_view keptmacros[] = {"S_ADO",  "S_FLAVOR", "S_OS",     "S_OSDTL",   "S_MACH",    "S_level",  "S_MODE",
-                                           "S_VJB",  "S_SHELL",  "S_XSHELL", "S_XSHELL2", "S_CONSOLE", "S_VelmoXE"};
+constexpr std::string_view keptmacros[] = {"S_ADO",     "S_FLAVOR",  "S_OS",     "S_OSDTL", "S_MACH",
+                                           "S_level",   "S_MODE",    "S_VJB",    "S_SHELL", "S_XSHELL",
+                                           "S_XSHELL2", "S_CONSOLE", "S_VelmoXE"};
 
 void dropprefix(const std::string& prefix) {
     for (const std::string& name : visiblemacros()) {
         if (name.compare(0, prefix.size(), prefix) != 0) continue;
-        boolean kept = prefix == "S_" && std::find(std::begin(keptmacros), std::end(keptmacros), name) != std::end(keptmacros);
+        boolean kept =
+            prefix == "S_" && std::find(std::begin(keptmacros), std::end(keptmacros), name) != std::end(keptmacros);
         if (!kept) macroclear(name);
     }
 }
@@ -186,7 +189,8 @@ Int4 shiftmacros() {
 Int4 cmd_c_local() { return macrodefine(define_up, storeup); }
 
 Int4 cmd_macro() {
-    static constexpr keyword words[] = {{"define", 2, 0}, {"dir", 2, 1}, {"drop", 4, 2}, {"list", 1, 1}, {"shift", 1, 3}};
+    static constexpr keyword words[] = {
+        {"define", 2, 0}, {"dir", 2, 1}, {"drop", 4, 2}, {"list", 1, 1}, {"shift", 1, 3}};
     switch (lookup(words, nexttoken())) {
     case 0: return macrodefine(define_macro, macroset);
     case 1: return listmacros();

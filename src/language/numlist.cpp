@@ -121,8 +121,10 @@ enum compare : Int4 { less, lessequal, greater, greaterequal, equal, unequal };
 struct comparison { compare op; Double value; };
 
 boolean readrange(std::string_view text, std::vector<comparison>& out) {
-    static constexpr struct { std::string_view text; compare op; } operators[] = {
-        {"<=", lessequal}, {">=", greaterequal}, {"==", equal}, {"!=", unequal}, {"~=", unequal}, {"<", less}, {">", greater},
+    static constexpr struct { std::string_view text; compare op;
+    } operators[] = {
+        {"<=", lessequal}, {">=", greaterequal}, {"==", equal},  {"!=", unequal},
+        {"~=", unequal},   {"<", less},          {">", greater},
     };
     while (!(text = ltrimmed(text)).empty()) {
         const auto* row = std::find_if(std::begin(operators), std::end(operators),
@@ -150,7 +152,8 @@ boolean holds(Double x, const comparison& c) {
     }
 }
 
-Int4 checkelements(const numlistrules& rules, const std::vector<comparison>& range, const std::vector<Double>& numbers) {
+Int4 checkelements(const numlistrules& rules, const std::vector<comparison>& range,
+                   const std::vector<Double>& numbers) {
     for (Double x : numbers) {
         if (x == missing) {
             if (!rules.missingokay) return 127;

@@ -117,12 +117,14 @@ boolean endword(std::string_view text, std::size_t i) {
     if (i > 0 && isnamechar(text[i - 1])) return false;
     for (std::string_view word : {"if", "in", "using"}) {
         std::size_t end = i + word.size();
-        if (text.substr(i, word.size()) == word && (end == text.size() || text[end] == ' ' || text[end] == '(')) return true;
+        if (text.substr(i, word.size()) == word && (end == text.size() || text[end] == ' ' || text[end] == '('))
+            return true;
     }
     return false;
 }
 
-// Where free text ends: at if, in, using, [ or a comma outside quotes and parentheses, and at = when an =exp may follow.
+// Where free text ends: at if, in, using, [ or a comma outside quotes and parentheses, and at = when an =exp may
+// follow.
 std::size_t freetextend(std::string_view text, boolean exp) {
     wordpiece string;
     for (std::size_t i = 0; i < text.size(); i++) {

@@ -39,7 +39,8 @@ object* findprogram(std::string_view name, std::string_view home) {
 // Each line of a running program asks: the answer holds while neither the names nor the store have changed.
 object* runningprogram() {
     static struct { std::uint64_t moves = ~std::uint64_t(0); object* o; char name[namesize], home[namesize]; } last;
-    if (last.moves == objmoves && !std::strcmp(last.name, programname) && !std::strcmp(last.home, programhome)) return last.o;
+    if (last.moves == objmoves && !std::strcmp(last.name, programname) && !std::strcmp(last.home, programhome))
+        return last.o;
     last.o = findprogram(programname, programhome);
     last.moves = objmoves;
     copytext(last.name, namesize, programname);
@@ -131,7 +132,8 @@ Int4 storebody(std::string_view name, const storedprogram& header, const body& b
 
 }  // namespace
 
-Int4 programdefine(std::string_view givenname, std::string_view givenhome, const programoptions& options, boolean braces) {
+Int4 programdefine(std::string_view givenname, std::string_view givenhome, const programoptions& options,
+                   boolean braces) {
     std::string name(givenname), home(givenhome);
     body b;
     if (Int4 rc = readbody(b, braces)) return rc;

@@ -1,8 +1,8 @@
 // Stored programs: objects of kind 7, one contiguous block each
 //   | header (storedprogram) | n + 1 offsets, UInt4, from the object's data | text |
 // A line of the text is one byte with its leading blanks, the line without them and without double blanks outside
-// quotes, and a zero. Nobody keeps an address: a running program's lines are fetched by name and offset, through a cache
-// that is dropped when the store has moved or another program of that name has come.
+// quotes, and a zero. Nobody keeps an address: a running program's lines are fetched by name and offset, through a
+// cache that is dropped when the store has moved or another program of that name has come.
 #pragma once
 #include <string>
 #include <string_view>
@@ -42,7 +42,8 @@ inline storedprogram& programheader(object* o) { return *reinterpret_cast<stored
 // Reads a body through nextline(0) up to `end` (or, with braces, until they balance, the first line being cmdbuf) and
 // stores it under name and home. 0, 1, 612, 1000, 950.
 Int4 programdefine(std::string_view name, std::string_view home, const programoptions& options, boolean braces);
-// Line i of a program into out (conslen bytes): behind one blank, or behind its whole indentation; false behind the last.
+// Line i of a program into out (conslen bytes): behind one blank, or behind its whole indentation; false behind the
+// last.
 boolean programtext(object* o, Int4 i, char* out, boolean indented = false);
 // The running program's object, or null when it has gone.
 object* runningprogram();

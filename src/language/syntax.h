@@ -1,11 +1,11 @@
-// The parser of programs' arguments. A program describes what it takes in the locals varlist, if, in, exp, weight, using
-// and options; the parser reads these descriptions, runs the standard parser over the user's text, and leaves what it
-// found in the same locals and one for each option. `syntax` translates its own notation into the descriptions first.
+// The parser of programs' arguments. A program describes what it takes in the locals varlist, if, in, exp, weight,
+// using and options; the parser reads these descriptions, runs the standard parser over the user's text, and leaves
+// what it found in the same locals and one for each option. `syntax` translates its own notation into the descriptions
+// first.
 //
-//   varlist   opt|req, ex|new|any|none, ts, min(#), max(#), default=none|empty|all, numeric, string, generate, name=, id=
-//   if, in, using, exp    opt|req, noprefix
-//   weight    aw fw pw iw, the first the default; noprefix
-//   options   [+]name[(type ...)] ..., *
+//   varlist   opt|req, ex|new|any|none, ts, min(#), max(#), default=none|empty|all, numeric, string, generate, name=,
+//   id= if, in, using, exp    opt|req, noprefix weight    aw fw pw iw, the first the default; noprefix options
+//   [+]name[(type ...)] ..., *
 #pragma once
 #include <string>
 #include <string_view>

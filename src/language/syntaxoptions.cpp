@@ -24,7 +24,8 @@ boolean takesargument(const optionrule& rule) { return rule.type != opt_switch; 
 typedstate* findtyped(typedlist& typed, const optionrule& rule, std::string_view prefix) {
     for (typedstate& t : typed) {
         std::string_view word = t.option.word;
-        if (t.consumed || t.option.hasargument != takesargument(rule) || word.substr(0, prefix.size()) != prefix) continue;
+        if (t.consumed || t.option.hasargument != takesargument(rule) || word.substr(0, prefix.size()) != prefix)
+            continue;
         if (!abbrev(word.substr(prefix.size()), rule.name, rule.min)) continue;
         t.consumed = true;
         return &t;
@@ -56,7 +57,8 @@ Int4 numbervalue(const optionrule& rule, std::string_view text, std::string& val
 
 Int4 numlistvalue(const optionrule& rule, std::string_view text, std::string& value) {
     std::vector<Double> numbers;
-    if (Int4 rc = numlistread(unquotedtext(text), rule.numbers, numbers)) return prefixed(rule.name + "() invalid -- ", rc, false);
+    if (Int4 rc = numlistread(unquotedtext(text), rule.numbers, numbers))
+        return prefixed(rule.name + "() invalid -- ", rc, false);
     value = numlisttext(numbers);
     return 0;
 }

@@ -167,8 +167,9 @@ boolean varlisttype(std::string_view text, optionrule& rule) {
 
 boolean readtype(std::string_view text, optionrule& rule) {
     static constexpr keyword types[] = {
-        {"string", 3, opt_string},   {"real", 4, opt_real},       {"integer", 3, opt_integer},   {"numlist", 7, opt_numlist},
-        {"varlist", 7, opt_varlist}, {"varname", 7, opt_varname}, {"passthru", 8, opt_passthru},
+        {"string", 3, opt_string},     {"real", 4, opt_real},       {"integer", 3, opt_integer},
+        {"numlist", 7, opt_numlist},   {"varlist", 7, opt_varlist}, {"varname", 7, opt_varname},
+        {"passthru", 8, opt_passthru},
     };
     text = skipped(text);
     std::size_t n = nameend(text);
@@ -194,7 +195,8 @@ boolean readname(std::string_view word, optionrule& rule) {
     std::size_t i = 0;
     while (i < rule.name.size() && rule.name[i] == '_') i++;
     std::size_t capitals = i;
-    for (; i < rule.name.size() && rule.name[i] >= 'A' && rule.name[i] <= 'Z'; i++) rule.name[i] = lowerchar(rule.name[i]);
+    for (; i < rule.name.size() && rule.name[i] >= 'A' && rule.name[i] <= 'Z'; i++)
+        rule.name[i] = lowerchar(rule.name[i]);
     rule.min = Int4(i > capitals ? i : rule.name.size());
     return validname("_" + rule.name);
 }

@@ -1,5 +1,5 @@
-// The binary fields of the file command: %1b %2b %4b (missing codes mapped), %1bs.. (signed), %1bu.. (unsigned), %4z %8z
-// (float, double), %#s (# bytes).
+// The binary fields of the file command: %1b %2b %4b (missing codes mapped), %1bs.. (signed), %1bu.. (unsigned), %4z
+// %8z (float, double), %#s (# bytes).
 #pragma once
 #include <string_view>
 #include "base/types.h"

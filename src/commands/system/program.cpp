@@ -69,7 +69,8 @@ Int4 namedprograms(std::vector<programid>& ids, boolean subprograms) {
             continue;
         }
         std::size_t dot = text.find('.');
-        programid id{dot == std::string::npos ? text : text.substr(dot + 1), dot == std::string::npos ? "" : text.substr(0, dot)};
+        programid id{dot == std::string::npos ? text : text.substr(dot + 1),
+                     dot == std::string::npos ? "" : text.substr(0, dot)};
         if (!id.home.empty() && !subprograms) return errorf(198, "subprograms not allowed:  %s\n", text.c_str());
         if (!exactprogram(id.name, id.home)) return notfound(text);
         ids.push_back(id);

@@ -90,7 +90,8 @@ void addcommands(std::string_view word, completion& c) {
 void addvariables(std::string_view word, completion& c) {
     for (Int4 v = 0; v < nvar; v++) {
         std::string_view name = varlist[v];
-        if (name[0] != '(' && begins(name, word) && (!begins(name, "__") || begins(word, "__"))) c.words.emplace_back(name);
+        boolean hidden = name[0] == '(' || (begins(name, "__") && !begins(word, "__"));
+        if (!hidden && begins(name, word)) c.words.emplace_back(name);
     }
 }
 

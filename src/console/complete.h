@@ -1,5 +1,5 @@
-// What the Tab key offers: commands, stored programs and ado-files for the first word of a line, file names behind `using`, behind
-// commands that take a file and inside double quotes, variables anywhere else.
+// What the Tab key offers: commands, stored programs and ado-files for the first word of a line, file names behind
+// `using`, behind commands that take a file and inside double quotes, variables anywhere else.
 #pragma once
 #include <string>
 #include <string_view>

@@ -79,7 +79,8 @@ std::string wholefile(const char* name) {
 // A file that has grown to twice its lines is written anew with the last ones.
 void loadhistory() {
     std::string text = wholefile((historyfolder() + "/history").c_str());
-    std::int64_t lines = std::count(text.begin(), text.end(), '\n'), drop = std::max<std::int64_t>(lines - historylines, 0);
+    std::int64_t lines = std::count(text.begin(), text.end(), '\n');
+    std::int64_t drop = std::max<std::int64_t>(lines - historylines, 0);
     std::size_t from = 0;
     for (std::int64_t i = 0; i < drop; i++) from = text.find('\n', from) + 1;
     if (drop > historylines) append(text.substr(from), true);

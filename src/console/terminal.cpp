@@ -1,4 +1,5 @@
 #include "console/terminal.h"
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <csignal>
@@ -13,6 +14,7 @@
 #include <unistd.h>
 #include "base/poll.h"
 #include "base/state.h"
+#include "console/lineedit.h"
 #include "core/upcalls.h"
 #include "language/dofile.h"
 #include "output/results.h"
@@ -25,7 +27,8 @@ boolean istty = false;         // standard output is a terminal
 boolean utf8 = false;          // its locale is UTF-8
 boolean partialshown = false;  // an unfinished line stands on the screen
 boolean userline = false;      // the user has just typed the rest of the line that stands there
-std::string partial;           // its text, for output that is no terminal
+std::string partial;           // its plain text
+std::string partialshape;      // its text as the terminal got it
 
 const char* const graphics8[] = {"", "\u252C", "\u2534", "\u251C", "\u2524", "\u2518", "\u2514", "\u2510", "\u250C"};
 
@@ -123,7 +126,7 @@ void showline(const UByte* record) {
     vlineview line = vline_view(record);
     if (istty) {
         colouredtext(line, text);
-        if (partialshown) putall("\r\033[K");
+        if (partialshown || breakpending) putall("\r\033[K");      // over the terminal's own ^C
     } else {
         plaintext(line, text);
     }
@@ -136,10 +139,9 @@ void showpartial(const UByte* record) {
     plaintext(vline_view(record), partial);
     partialshown = true;
     if (!istty) return;
-    static std::string text;
-    colouredtext(vline_view(record), text);
+    colouredtext(vline_view(record), partialshape);
     putall("\r\033[K");
-    putall(text);
+    putall(partialshape);
     std::fflush(stdout);
 }
 
@@ -195,30 +197,40 @@ void terminal_attach() {
 
 boolean typedlineshows() { return istty && isatty(STDIN_FILENO); }
 
-// Standard input by the line. A line longer than the buffer is cut and its rest dropped.
-Int4 typedline(char* buf, Int4 n) {
-    std::fflush(stdout);
+namespace {
+
+// Standard input by the line: its length without the line end, -1 at the end. What doesn't fit is dropped.
+Int4 plainline(char* buf, Int4 n) {
     Int4 len = 0;
-    boolean any = false;
-    while (true) {
+    for (boolean any = false;; any = true) {
         int c = std::getc(stdin);
+        if (c == '\n') return len;
         if (c == EOF) {
-            if (std::ferror(stdin) && errno == EINTR) {      // Break at the prompt: an empty line
-                std::clearerr(stdin);
-                breakpending = 0;
-                len = 0;
-                any = true;
-                break;
-            }
-            break;
+            if (!std::ferror(stdin) || errno != EINTR) return any ? len : -1;
+            std::clearerr(stdin);       // Break at the prompt: an empty line
+            if (typedlineshows()) putall("\n");
+            return 0;
         }
-        any = true;
-        if (c == '\n') break;
         if (c != '\r' && len < n - 1) buf[len++] = char(c);
     }
-    buf[len] = 0;
-    if (!any) return -1;
-    if (typedlineshows()) userline = true;
+}
+
+// The same through the line editor, whose prompt is the unfinished line on the screen.
+Int4 editedline(char* buf, Int4 n) {
+    std::string line;
+    if (!lineedit_read(partialshown ? partialshape : "", line)) return -1;
+    Int4 len = Int4(std::min(line.size(), std::size_t(n - 1)));
+    std::memcpy(buf, line.data(), std::size_t(len));
+    return len;
+}
+
+}  // namespace
+
+Int4 typedline(char* buf, Int4 n) {
+    std::fflush(stdout);
+    Int4 len = typedlineshows() && lineedit_ready() ? editedline(buf, n) : plainline(buf, n);
+    buf[len < 0 ? 0 : len] = 0;
+    if (len >= 0 && typedlineshows()) userline = true;
     return len;
 }
 

@@ -219,8 +219,12 @@ void prompt(UByte sourcelevel) {
     prtpartial();
 }
 
+// Break while it is typed leaves breakpending set and an empty line.
 void readtypedline() {
+    breakpending = 0;
     Int4 n = typedline(cmdbuf, conslen);
+    std::sig_atomic_t broken = breakpending;
+    breakpending = 0;                    // the echo is printed all the same
     if (n < 0) {
         prtraw("\n");
         return endofsource();
@@ -233,6 +237,7 @@ void readtypedline() {
     if (!line.empty()) reviewpush(line);
     prtquiet(line);
     prtraw("\n");
+    breakpending = broken;
 }
 
 // ---- Directives.

@@ -177,7 +177,7 @@ Int4 nextline(Int4 inlevel) {
         if (dofile && breakpending) return 1;
         getline();
         settokpos(cmdbuf);
-        if (eofseen) return 1;
+        if (eofseen || (!dofile && breakpending)) return 1;
     } while (tokpeeknonblank() == 0 || tokpeeknonblank() == '*');
     return 0;
 }

@@ -294,7 +294,9 @@ Int4 session_main() {
     if (!noconsole)
         while (!shuttingdown) {
             prtraw("\n");
-            if (nextline(0) || !docmd()) break;
+            Int4 ended = nextline(0);
+            if (ended && breakpending) continue;         // Break at the prompt: another prompt
+            if (ended || !docmd()) break;
         }
     shutdown(0);
     return exitstatus;

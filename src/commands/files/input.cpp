@@ -96,6 +96,7 @@ Int4 readobservation(inputstate& s, Int4 obs) {
         }
         getline();
         if (eofseen) return error(612);
+        if (breakpending) return 1;
         settokpos(cmdbuf);
         nexttoken(valuebreaks());
         if (std::string_view(tokbuf) == "end") return -1;

@@ -12,6 +12,7 @@
 #include "core/rectangle.h"
 #include "core/tempfiles.h"
 #include "base/platform.h"
+#include "smallmemory.h"
 
 using namespace velmo;
 
@@ -21,27 +22,10 @@ struct plainobject { std::string name; Int4 type; std::string data; std::uint64_
 
 std::uint64_t objectsize(std::size_t capacity) { return (capacity + 63) / 16 * 16; }
 
-struct arena : testing::Test {
+struct arena : smallmemory {
     std::list<plainobject> objects;
     std::vector<std::string> rows;
-    std::mt19937 random{20260730};
-    void SetUp() override { begin(150000); }
-    void TearDown() override {
-        memory_stop();
-        setlengths(5000);
-        matsize = 400;
-        memory = 10485760;
-        quietlevel = 0;
-    }
-    void begin(std::uint64_t bytes) {
-        quietlevel = 5;
-        memory_stop();
-        setlengths(2048);
-        memory = bytes;
-        ASSERT_EQ(memory_start(), 0);
-        ASSERT_EQ(memory, bytes);
-    }
-    UInt4 pick(UInt4 n) { return UInt4(random() % n); }
+    arena() : smallmemory(20260730, 150000) {}
     std::string bytes(std::size_t n) {
         std::string s(n, 0);
         for (char& c : s) c = char(random());

@@ -16,6 +16,7 @@
 #include "data/sorting.h"
 #include "data/timeseries.h"
 #include "matrix/results.h"
+#include "smallmemory.h"
 
 using namespace velmo;
 
@@ -45,28 +46,14 @@ Double storedvalue(UByte type, Double v) {
     return !(std::fabs(v) < limit) || whole == limit - 1 ? missing : whole;
 }
 
-struct dataset : testing::Test {
+struct dataset : smallmemory {
     std::vector<plaincolumn> model;
-    std::mt19937 random{4711};
     Int4 made = 0;
-    void SetUp() override { begin(250000); }
-    void TearDown() override {
-        memory_stop();
-        setlengths(5000);
-        matsize = 400;
-        memory = 10485760;
-        quietlevel = 0;
-    }
-    void begin(std::uint64_t bytes) {
-        quietlevel = 5;
-        memory_stop();
-        setlengths(2048);
-        memory = bytes;
-        ASSERT_EQ(memory_start(), 0);
+    dataset() : smallmemory(4711, 250000) {}
+    void began() override {
         cleardata(false);
         sortseed = 1001;
     }
-    UInt4 pick(UInt4 n) { return UInt4(random() % n); }
     Int4 somevar() { return 1 + Int4(pick(UInt4(nvar))); }
     UByte sometype() { return pick(3) ? UByte(typebyte + pick(5)) : UByte(1 + pick(pick(2) ? 12 : 244)); }
     Double somenumber() {

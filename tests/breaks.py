@@ -2,7 +2,8 @@
 """Sends SIGINT at random moments into a session that runs a long do-file, many times: breaks.py PROGRAM [TIMES [SEED]]
 
 After each Break the session must be whole: the prompt comes back at the console's level, the settings that the do-file
-changes at its levels are as before, its temporary things are gone, and the data obey their own check."""
+changes at its levels are as before, its temporary things are gone, and the data obey their own check. The do-file has
+no `capture`, which would keep a Break for itself."""
 import os, random, re, select, shutil, signal, subprocess, sys, tempfile, time
 
 LONG = """
@@ -14,13 +15,14 @@ program define inner, sortpreserve
   forvalues i = 1/40 {
     quietly replace `t' = `t' + `i'
     if mod(`i', 7) == 0 {
-      capture noisily error 459
+      noisily display "inner"
     }
   }
   sort `t'
 end
 generate x = mod(_n * 37, 101)
 generate str8 s = string(x)
+generate y = 1
 label define l 1 "one", modify
 local k 0
 while `k' < 2000 {
@@ -31,7 +33,7 @@ while `k' < 2000 {
     summarize x, detail
     replace x = x + 1 in 1/10
     compress
-    capture drop y
+    drop y
     generate double y = sum(x)
   }
   display "round `k'"
@@ -64,6 +66,7 @@ def main():
     try:
         for i in range(times):
             say("do long")
+            read(p, rb"\. version 6")
             time.sleep(chance.random() * 0.15)
             p.send_signal(signal.SIGINT)
             time.sleep(0.002)

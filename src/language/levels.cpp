@@ -222,10 +222,12 @@ void leave(Int4 mode, frame& f) {
     prt("\nend of do-file\n");
 }
 
-// The lines of a level, up to its end, a failure, an exit or a Break.
+// The lines of a level, up to its end, a failure, an exit or a Break. A Break that came after its command's last poll
+// ends the level too: it would be lost otherwise.
 void runlines(Int4 mode, const frame& f) {
+    boolean succeeded = true;
     while (true) {
-        breakpending = 0;
+        if (!succeeded) breakpending = 0;
         if (mode != level_program) {
             saved level(outlevel, UByte(1));
             prtnl();
@@ -236,6 +238,7 @@ void runlines(Int4 mode, const frame& f) {
             return;
         }
         if (!docmd() || (f.stop && lastrc)) return;
+        succeeded = !lastrc;
     }
 }
 

@@ -153,13 +153,13 @@ void runstored(const std::string& name) {
         programheader(o).lastused = sysclock;
     }
     lastrc = 0;
-    while (!nextline(1)) {
+    while (!breakpending && !nextline(1)) {
         if (!docmd()) {
             exitflag = 1;
             lastrc = 0;
             return;
         }
-        if (lastrc || breakpending) return;
+        if (lastrc) return;
     }
     if (breakpending) lastrc = 1;
 }
@@ -228,12 +228,15 @@ Int4 pass(const loop& l) {
 }
 
 // The body once more without running it, so that the line index ends behind the closing brace.
+// A Break that no command of the body has noticed is noticed here, as each skipped line clears it.
 Int4 endloop(const loop& l, Int4 rc) {
     if (!exitflag) {
+        if (!rc && breakpending) rc = 1;
         control.contstate = 0;
         execflag = 0;
         rewind(l);
-        blockrun();
+        Int4 skipped = blockrun();
+        if (!rc) rc = skipped;
     }
     control = l.outer;
     execflag = l.entry;

@@ -372,14 +372,6 @@ void objwrite(object* o, std::size_t offset, const void* in, std::size_t n) {
     if (n) std::memmove(o->data() + offset, in, n);
 }
 
-void objsetlen(object* o, std::size_t datalen) {
-    UInt4 e = entryof(o);
-    if (!e || datalen > o->capacity()) return;
-    permit(o, entries[e].extent);
-    o->datalen = UInt4(datalen);
-    forbidspare(e);
-}
-
 Int4 objrename(object* o, std::string_view newname) {
     UInt4 e = entryof(o);
     key k(newname, o->type);

@@ -56,8 +56,6 @@ boolean objdel(std::string_view name, Int4 type);        // the newest of that n
 void objdelthis(object* o);
 void objread(object* o, std::size_t offset, void* out, std::size_t n);      // clipped to datalen
 void objwrite(object* o, std::size_t offset, const void* in, std::size_t n);
-// Sets datalen, at most capacity: for an object that is filled bit by bit.
-void objsetlen(object* o, std::size_t datalen);
 Int4 objrename(object* o, std::string_view newname);     // keeps its place; 0
 void objdeltype(Int4 type);
 Int4 objcount(Int4 type);

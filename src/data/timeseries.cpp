@@ -91,8 +91,6 @@ Int4 ts_parse(std::string_view ops, Int4* number) {
     return text.empty() ? 0 : enter(op, number);
 }
 
-const tsop& ts_record(Int4 number) { return records[number - 1]; }
-
 char* ts_text(Int4 number, char* out) { return copytext(out, 21, texted(records[number - 1])); }
 
 Int4 tsetup() {

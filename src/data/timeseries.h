@@ -19,7 +19,6 @@ void ts_reset();                              // forgets the records; the parser
 // Parses the letters and counts of "L2D" (no dot). 0, or 198/1000 with the message printed; *number receives the
 // record's number from 1, or 0 when the operators cancel out.
 Int4 ts_parse(std::string_view ops, Int4* number);
-const tsop& ts_record(Int4 number);
 char* ts_text(Int4 number, char* out);        // canonical text, under 20 characters, into out (21 bytes)
 // Checks that time (and panel) variable are set and the data sorted by them: 0, 111 ("time variable not set"), 5.
 Int4 tsetup();

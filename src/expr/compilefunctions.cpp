@@ -321,8 +321,6 @@ const functionrow* findfunction(std::string_view name) {
     return nullptr;
 }
 
-boolean isfunction(std::string_view name) { return findfunction(name) || findspecial(name) != std::end(specials); }
-
 void compilecall(std::string_view name, span text) {
     if (version < 320 && name == "uniform") name = "uniform0";
     const functionrow* row = findfunction(name);

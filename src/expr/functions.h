@@ -17,7 +17,4 @@ struct functionrow {
 // The row of that exact name, or null.
 const functionrow* findfunction(std::string_view name);
 
-// True when a function of that exact name exists.
-boolean isfunction(std::string_view name);
-
 }  // namespace velmo

@@ -84,6 +84,7 @@ Int4 blockrun() {
     Int4 result = 0;
     while (true) {
         if (breakpending) {
+            breakpending = 0;       // noticed: the lines that are skipped must be read to the block's end
             execflag = 0;
             result = 1;
         }

@@ -228,7 +228,7 @@ Int4 pass(const loop& l) {
 }
 
 // The body once more without running it, so that the line index ends behind the closing brace.
-// A Break that no command of the body has noticed is noticed here, as each skipped line clears it.
+// A Break that no command of the body has noticed is noticed here, as the skipping block would take it for its own.
 Int4 endloop(const loop& l, Int4 rc) {
     if (!exitflag) {
         if (!rc && breakpending) rc = 1;

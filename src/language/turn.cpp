@@ -120,7 +120,7 @@ Int4 docmd() {
         hardexit = exitflag = 1;
         return 0;
     }
-    breakpending = 0;
+    if (!inprogram && !dofile) breakpending = 0;    // inside a level it is for the level to notice
     exitflag = 0;
     bymode = 0;
     std::int64_t start = rmsg && !inprogram ? clockms() : 0;

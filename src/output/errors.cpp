@@ -175,9 +175,6 @@ Int4 error(Int4 rc) {
     return row->returns;
 }
 
-boolean hasmessage(Int4 rc) { return findcode(rc) != nullptr; }
-
-const char* shorttext(shortmsg i) { return shorttexts[i]; }
 void errmsg(shortmsg i) {
     saved level(outlevel, UByte(3));
     prt(shorttexts[i]);

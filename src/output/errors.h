@@ -23,7 +23,6 @@ enum shortmsg : Int4 {
     msg_toomanyvarsvalues, msg_termnotinmodel, msg_foundwhere, msg_xp, msg_obswas, msg_notweighted,
     msg_nonintegerfw, msg_number, msg_nothing,
 };
-const char* shorttext(shortmsg i);
 void errmsg(shortmsg i);
 
 Int4 notallowed(std::string_view word);        // "%s not allowed\n", 101
@@ -55,8 +54,6 @@ Int4 errorf(Int4 rc, const char* form, ...) __attribute__((format(printf, 2, 3))
 // The same at level 1: a note.
 Int4 notef(const char* form, ...) __attribute__((format(printf, 1, 2)));
 
-// True when a row words the code: error(rc) would print something.
-boolean hasmessage(Int4 rc);
 // What the error command does with a code: prints, and returns the code given.
 Int4 errorcommand(Int4 rc);
 

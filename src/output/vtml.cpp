@@ -437,7 +437,6 @@ void vstream_setcolor(vstream* s, UByte colour) {
 
 boolean vstream_holds(const vstream* s) { return s->nheld > 0 || s->matched > 0; }
 boolean vstream_atstart(const vstream* s) { return s->line.n == 0 && s->word.n == 0; }
-Int4 vstream_column(const vstream* s) { return s->line.n + s->word.n; }
 UByte vstream_style(const vstream* s) { return s->style; }
 
 Int4 vstream_more(vstream* s) {

@@ -74,7 +74,6 @@ void vstream_partial(vstream* s);
 void vstream_setcolor(vstream* s, UByte colour);           // 1, 2, 4 or 5; no directive when nothing would change
 boolean vstream_holds(const vstream* s);                   // a partial directive or marker is held
 boolean vstream_atstart(const vstream* s);                 // the line being built is empty and no word is pending
-Int4 vstream_column(const vstream* s);                     // columns in the line being built, pending word included
 UByte vstream_style(const vstream* s);
 
 // File text, with CR, LF and CR LF read as line ends; `state` (0 at first) spans the calls of one file.

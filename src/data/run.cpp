@@ -9,7 +9,7 @@ UByte bylastgroup;
 Int4 nby;
 Int4 bydepth;
 UByte by_active;
-Int4 by_index;
-UByte by_last;
+Int4 by_index = 0;
+UByte by_last = 0;
 
 }  // namespace velmo

@@ -15,6 +15,7 @@
 #include "data/sorting.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
+#include "language/by.h"
 #include "language/control.h"
 #include "language/dofile.h"
 #include "language/expand.h"
@@ -40,7 +41,8 @@ struct frame {
     UByte semicolon, quiet, savedquiet, more, inprogram, rmsg, subprogram, progclass;
     UByte wasrunning, sortpreserved;
     Int2 version;
-    Int4 line, tempnames, tempfiles;
+    Int4 line, tempnames, tempfiles, bydepth, byindex;
+    UByte byactive, bylast;
     char name[namesize], home[namesize];
     boolean stop;
 };
@@ -60,6 +62,10 @@ void keepstate(frame& f) {
     f.line = programline;
     f.tempnames = tempnamecounter;
     f.tempfiles = tempfilecounter;
+    f.bydepth = bydepth;
+    f.byindex = by_index;
+    f.byactive = by_active;
+    f.bylast = by_last;
     copytext(f.name, namesize, programname);
     copytext(f.home, namesize, programhome);
 }
@@ -77,6 +83,10 @@ void putback(const frame& f) {
     inprogram = f.inprogram;
     rmsg = f.rmsg;
     programline = f.line;
+    bydepth = f.bydepth;
+    by_index = f.byindex;
+    by_active = f.byactive;
+    by_last = f.bylast;
     copytext(programname, namesize, f.name);
     copytext(programhome, namesize, f.home);
 }
@@ -251,7 +261,8 @@ Int4 docall(Int4 mode) {
     f.sortpreserved = 0;
     if (Int4 rc = mode == level_program ? openprogram(f) : opennamedfile(f)) return rc;
     enter(mode);
-    lastrc = f.sortpreserved ? sortindex_push(newtempname()) : 0;
+    lastrc = by_enter();
+    if (!lastrc && f.sortpreserved) lastrc = sortindex_push(newtempname());
     if (lastrc)
         f.sortpreserved = 0;
     else
@@ -267,6 +278,7 @@ Int4 runfile(const std::string& path) {
     f.sortpreserved = 0;
     if (Int4 rc = opendofile(f, path.c_str(), "")) return rc;
     enter(level_run);
+    by_enter();               // no program's call: nothing that could fail
     runlines(level_run, f);
     leave(level_run, f);
     return lastrc;
@@ -291,7 +303,7 @@ Int4 cmd_exit() {
     if (Int4 rc = getopt_done()) return rc;
     if (!dofile && !inprogram && datachanged && !clear) return error(4);
     Int4 rc = value > -2147483648.0 && value < 2147483648.0 ? Int4(value) : 0;
-    if (rc) return rc;
+    if (rc && !(by_active && (rc == 2000 || rc == 2001))) return rc;
     exitflag = 1;
     // At the console there is no level to end but the session.
     if (whole || (!dofile && !inprogram)) hardexit = 1;

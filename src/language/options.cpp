@@ -106,6 +106,10 @@ Int4 parseoptions() {
     return errorf(198, "'%s' found where nothing expected\n", tokcontent());
 }
 
+void getopt_again() {
+    for (Int4 i = 0; i < noptions; i++) options[i].consumed = false;
+}
+
 boolean getopt_flag(const char* name, Int4 min) { return findoption(name, min, false) != nullptr; }
 
 boolean getopt_noflag(const char* name, Int4 min, boolean otherwise) {

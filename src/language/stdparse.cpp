@@ -19,7 +19,7 @@ namespace velmo {
 
 UByte p_varlist, p_existing, p_if, p_in, p_using, p_exp, p_exptype, p_weight, p_weightmask, p_weightdefault;
 UByte p_options, p_byok, p_tsops, p_rest, p_range, p_skip, p_noeq, p_scale;
-Int4 vl_n, vl_groups[5], vl_ngroups;
+Int4 vl_n, vl_groups[5], vl_ngroups, vl_groupbegin;
 UByte vl_given, ingiven, usinggiven, weightgiven;
 char *intextbeg = nullptr, *intextend = nullptr;
 Int4 weighttype;
@@ -189,15 +189,17 @@ Int4 missingparts() {
 }
 
 void startparse() {
-    firstobs = groupfirst = 1;
-    lastobs = grouplast = nobs;
-    if (p_in == 2) lastobs = grouplast = nolimit;
+    if (!bymode) {
+        firstobs = groupfirst = 1;
+        lastobs = grouplast = nobs;
+        if (p_in == 2) lastobs = grouplast = nolimit;
+    }
     exp_reset();
     exp_clearsums();
     ts_reset();
     eqgiven = ifgiven = ingiven = usinggiven = weightgiven = vl_given = 0;
     weighttype = 0;
-    vl_n = vl_ngroups = 0;
+    vl_n = vl_ngroups = vl_groupbegin = 0;
 }
 
 Int4 varlistpart() {
@@ -232,10 +234,52 @@ Int4 parseform() {
 
 }  // namespace
 
+namespace {
+
+// What the first group's parse found. The expressions stay compiled in eqexp and ifexp.
+struct keptform {
+    boolean valid = false;
+    std::vector<Int4> vars;
+    std::vector<tsvar> operated;
+    Int4 groups[5], ngroups, groupbegin;
+    char* behind;
+};
+keptform kept;
+
+void keepform() {
+    kept.valid = true;
+    kept.vars.assign(vl_vr, vl_vr + vl_n);
+    kept.operated.assign(vl_rcp, vl_rcp + vl_n);
+    std::copy(vl_groups, vl_groups + 5, kept.groups);
+    kept.ngroups = vl_ngroups;
+    kept.groupbegin = vl_groupbegin;
+    kept.behind = tokpos;
+}
+
+Int4 restoreform() {
+    vl_n = Int4(kept.vars.size());
+    std::copy(kept.vars.begin(), kept.vars.end(), vl_vr);
+    std::copy(kept.operated.begin(), kept.operated.end(), vl_rcp);
+    std::copy(kept.groups, kept.groups + 5, vl_groups);
+    vl_ngroups = kept.ngroups;
+    vl_groupbegin = kept.groupbegin;
+    settokpos(kept.behind);
+    getopt_again();
+    exp_clearsums();
+    return 0;
+}
+
+}  // namespace
+
+void stdparse_forget() { kept.valid = false; }
+
 // The controls go back to their defaults on every way out, so that a nested command starts from them.
 Int4 stdparse() {
     onexit reset(parse_defaults);
-    return parseform();
+    if (bymode == 2 && kept.valid) return restoreform();
+    Int4 rc = parseform();
+    if (!rc && bymode == 1) keepform();
+    return rc;
 }
 
 Int4 parseif() {

@@ -36,13 +36,16 @@ void parse_defaults();
 // Results. vl_vr and vl_rcp are in core/memory.h.
 extern Int4 vl_n;             // entries
 extern Int4 vl_groups[5], vl_ngroups;     // end of each parenthesised group, as a count of entries
+extern Int4 vl_groupbegin;                // entries ahead of the first group
 extern UByte vl_given;        // a varlist was typed
 extern UByte ingiven, usinggiven, weightgiven;
 extern char *intextbeg, *intextend;       // the text behind `in`, as typed
 extern Int4 weighttype;       // weightkind, 0 without weights
 
-// Parses the whole form from the cursor. 0 or a code.
+// Parses the whole form from the cursor. 0 or a code. Under by the run is the group's; a form parsed in the first group
+// is kept, and later groups find it as it was, with the compiled expressions, without reading the line again.
 Int4 stdparse();
+void stdparse_forget();       // drops the form kept under by
 // The shorter form [if exp] [in range] [, options]: no varlist.
 Int4 parseif();
 // Options alone, from a comma at the cursor (or the end of the line, or text left over when p_rest).
@@ -63,6 +66,7 @@ Int4 getopt_level(Int4 min, Int4& level);      // level(#), 10 to 99, default th
 // The options as they were typed, for a parser that knows its options only at run time. The texts point into the line.
 struct typedoption { std::string_view word, argument, text; boolean hasargument; };
 std::vector<typedoption> typedoptions();
+void getopt_again();              // no option is consumed: the same line is obeyed for another group
 // Reports the first option not consumed: "x invalid" or "x(...) invalid", 198.
 Int4 getopt_done();
 

@@ -82,7 +82,7 @@ Int4 dispatch() {
     if (cmdword[0] == '{') return runblock();
     const command* row = singlecharacter();
     if (!row) row = commandrow(cmdword);
-    if (!execflag && !(row && (row->flags & cmd_skip))) return 0;
+    if (!execflag && !(row && row->handler && (row->flags & cmd_skip))) return 0;
     return row ? runrow(*row) : runprogram();
 }
 

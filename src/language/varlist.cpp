@@ -162,6 +162,7 @@ Int4 groupmark(char mark, grouping& g) {
     if (mark == '(') {
         if (g.open || vl_ngroups == 5) return error(198);
         g.open = true;
+        if (vl_ngroups == 0) vl_groupbegin = vl_n;
         return 0;
     }
     if (!g.open) return error(198);

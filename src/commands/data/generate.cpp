@@ -106,10 +106,8 @@ Int4 cmd_generate() {
     if (vl_n != 1) return error(vl_n ? 103 : 102);
     Int4 var = vl_vr[0];
     if (isstring(var) != (eqexp.restype == exp_string)) return error(109);
-    if (bymode <= 1) {
-        generated = 0;
-        fillrest(var);
-    }
+    if (bymode <= 1) generated = 0;
+    if (!bymode) fillrest(var);       // under by all groups are filled in their turn
     if (Int4 rc = isstring(var) ? fillstring(var) : fillnumeric(var)) return rc;
     visnvar = nvar;
     markchanged(var);

@@ -41,20 +41,21 @@ Int4 dropvariables(boolean keep) {
     return 0;
 }
 
+// Under by the flags of all groups accumulate; the last one does the work.
+std::vector<UByte> flags;
+
 Int4 dropobservations(boolean keep) {
     if (nobs == 0) return notef("(0 observations deleted)\n");
-    workspace work{std::size_t(nobs)};
-    UByte* flags = work.get<UByte>();
-    if (!flags) return error(909);
-    std::memset(flags, keep ? 1 : 0, std::size_t(nobs));
+    if (bymode <= 1) flags.assign(std::size_t(nobs), keep ? 1 : 0);
     Int4 rc = overblocks([&](Int4 first, Int4 n, const UByte* mask) {
-        for (Int4 i = 0; i < n; i++) flags[first - 1 + i] = mask[i] != keep;
+        for (Int4 i = 0; i < n; i++) flags[std::size_t(first - 1 + i)] = mask[i] != keep;
     });
-    if (rc) return rc;
-    Int4 kept = Int4(std::count(flags, flags + nobs, 0));
+    if (rc || (bymode && !bylastgroup)) return rc;
+    onexit release([] { std::vector<UByte>().swap(flags); });
+    Int4 kept = Int4(std::count(flags.begin(), flags.end(), 0));
     Int4 gone = nobs - kept;
     if (gone) {
-        dropobs(flags, kept);
+        dropobs(flags.data(), kept);
         datachanged = 1;
     }
     notef("(%d observation%s deleted)\n", gone, plural(gone));

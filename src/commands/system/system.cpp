@@ -80,7 +80,7 @@ Int4 cmd_error() {
     if (Int4 rc = getopt_done()) return rc;
     Double value = std::trunc(exp_getnum(eqexp, 1));
     Int4 code = value < 0 || value > 32767 ? 32767 : Int4(value);
-    if ((code == 2000 || code == 2001) && bymode) {
+    if ((code == 2000 || code == 2001) && by_active) {
         errorcommand(code);
         exitflag = 1;
         return 0;

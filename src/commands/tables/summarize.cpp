@@ -43,23 +43,43 @@ struct sumoptions { boolean detail, meanonly, format; };
 struct block {
     Int4 first, n, k;
     boolean whole;                // all observations count
+    boolean sparse;               // few do: rows are those alone, whose observations stand in obs
     UByte mask[blocksize];
+    Int4 obs[blocksize];
     Double weight[blocksize];
     alignas(16) Double x[blocksize][lanes];
 };
 
+// Where few observations of a block count, only those are fetched: reading a row costs more than the arithmetic.
+void thinblock(block& b) {
+    Int4 n = 0;
+    for (Int4 i = 0; i < b.n; i++) {
+        b.obs[n] = b.first + i;
+        n += b.mask[i];
+    }
+    if (n * 8 > b.n) return;
+    for (Int4 i = 0; i < n; i++) b.weight[i] = b.weight[b.obs[i] - b.first];
+    b.sparse = true;
+    b.n = n;
+}
+
 // Which observations of a block count, and their weights.
 Int4 selectblock(block& b) {
     b.whole = !ifgiven && !weighttype;
+    b.sparse = false;
     if (b.whole) return 0;
     exp_ifblock(b.first, b.n, b.mask);
-    if (!weighttype) return 0;
+    if (!weighttype) {
+        thinblock(b);
+        return 0;
+    }
     for (Int4 i = 0; i < b.n; i++) {
         if (!b.mask[i]) continue;
         boolean use;
         if (Int4 rc = weightat(b.first + i, b.weight[i], use)) return rc;
         b.mask[i] = use;
     }
+    thinblock(b);
     return 0;
 }
 
@@ -96,14 +116,21 @@ void fetchcolumn(block& b, Int4 entry, Int4 j) {
     for (Int4 i = 0; i < b.n; i++) b.x[i][j] = values[i];
 }
 
+void fetchsparse(block& b, const Int4* entries) {
+    for (Int4 i = 0; i < b.n; i++)
+        for (Int4 j = 0; j < b.k; j++) b.x[i][j] = varvalue(entries[j], b.obs[i]);
+}
+
 void fetchblock(block& b, const Int4* entries) {
-    if (alldoubles(entries, b.k))
+    if (b.sparse)
+        fetchsparse(b, entries);
+    else if (alldoubles(entries, b.k))
         fetchdoubles(b, entries);
     else
         for (Int4 j = 0; j < b.k; j++) fetchcolumn(b, entries[j], j);
     if (b.k & 1)
         for (Int4 i = 0; i < b.n; i++) b.x[i][b.k] = missing;
-    if (b.whole) return;
+    if (b.whole || b.sparse) return;
     for (Int4 i = 0; i < b.n; i++)
         if (!b.mask[i]) std::fill_n(b.x[i], lanes, missing);
 }
@@ -185,7 +212,7 @@ void listcounted(const block& b, countedlist* list) {
     if (!list) return;
     Int4* at = list->at;
     for (Int4 i = 0; i < b.n; i++) {
-        *at = b.first + i;
+        *at = b.sparse ? b.obs[i] : b.first + i;
         at += b.x[i][0] != missing;
     }
     list->at = at;

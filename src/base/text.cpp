@@ -14,9 +14,23 @@ boolean abbrev(std::string_view word, std::string_view name, Int4 min) {
     return name.substr(0, word.size()) == word;
 }
 
+namespace {
+
+struct notinnames {
+    boolean is[256] = {};
+    notinnames() {
+        for (char c : std::string_view("\\!@#$%^&*()-+=[]{}:;,'\"~<>?/|. `")) is[UByte(c)] = true;
+    }
+};
+
+}  // namespace
+
 boolean validname(std::string_view name) {
     if (name.empty() || name.size() > namelen || !isnamestart(name[0])) return false;
-    return name.find_first_of("\\!@#$%^&*()-+=[]{}:;,'\"~<>?/|. `") == std::string_view::npos;
+    static const notinnames refused;
+    for (char c : name)
+        if (refused.is[UByte(c)]) return false;
+    return true;
 }
 
 char* copytext(char* out, std::size_t size, std::string_view text) {

@@ -18,14 +18,20 @@ struct letterindex {
     }
 };
 
+// What abbrev() says, without asking for the length of every name.
+boolean abbreviates(const char* word, const command& row) {
+    const char* p = word;
+    for (const char* name = row.word; *p && *p == *name; p++) name++;
+    return *p == 0 && p - word >= row.min;
+}
+
 template <class T> const command* firstrow(const char* word, T wanted) {
     static const letterindex index;
-    std::string_view text = word;
     Int4 i = word[0] ? index.first[UByte(word[0])] : -1;
     if (i < 0) return nullptr;
     // HELPCHK stands among the rows of `_`.
     for (; i < ncommands && (commands[i].word[0] == word[0] || commands[i].word[0] == 'H'); i++)
-        if (wanted(commands[i]) && abbrev(text, commands[i].word, commands[i].min)) return &commands[i];
+        if (abbreviates(word, commands[i]) && wanted(commands[i])) return &commands[i];
     return nullptr;
 }
 

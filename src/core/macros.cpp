@@ -15,6 +15,11 @@ const char* macroget(std::string_view name) {
     return o ? reinterpret_cast<const char*>(o->data()) : nullptr;
 }
 
+std::string_view macrotext(std::string_view name) {
+    object* o = objfind(name, macrotype(name));
+    return o ? std::string_view(reinterpret_cast<const char*>(o->data()), o->datalen - 1) : std::string_view();
+}
+
 Int4 macroset(std::string_view name, std::string_view value) {
     if (value.empty()) {
         macroclear(name);

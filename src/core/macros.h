@@ -11,6 +11,8 @@ extern Int4 macrolevel;                // 20000 at the console, one more for eac
 
 // The value, or null when the macro isn't defined; valid until the next store call.
 const char* macroget(std::string_view name);
+// The same with its length; empty when it isn't defined.
+std::string_view macrotext(std::string_view name);
 // Replaces the macro, or deletes it when `value` is empty. Values are cut to macrolen - 1. 0 or 950.
 Int4 macroset(std::string_view name, std::string_view value);
 void macroclear(std::string_view name);

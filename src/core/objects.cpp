@@ -45,18 +45,35 @@ struct key {
     UInt4 size, hash;
     Int4 type;
     key(std::string_view text, Int4 t) : type(t) {
-        std::memset(name, 0, sizeof name);
         size = UInt4(text.size() < 35 ? text.size() : 35);
-        std::memcpy(name, text.data(), size);
-        size = UInt4(std::strlen(name));
+        std::memset(name, 0, sizeof name);
         std::uint64_t h = std::uint64_t(t) * 0x9E3779B97F4A7C15u;
-        for (UInt4 i = 0; i < size; i += 8) {
-            std::uint64_t part = 0;
-            std::memcpy(&part, name + i, i == 32 ? 4 : 8);
+        for (UInt4 i = 0; i < size; i += 8) {       // in words: bytes just written are slow to read back as a word
+            std::uint64_t part = wordof(text.data() + i, size - i, i);
+            std::memcpy(name + i, &part, i == 32 ? 4 : 8);
             h = (h ^ part) * 0xFF51AFD7ED558CCDu;
             h ^= h >> 32;
         }
         hash = UInt4(h);
+    }
+
+    // Up to eight bytes as a number, zeros behind them; a zero among them ends the name, whose place `at` is told.
+    std::uint64_t wordof(const char* p, UInt4 n, UInt4 at) {
+        constexpr std::uint64_t ones = 0x0101010101010101u;
+        std::uint64_t word = 0;
+        if (n >= 8) {
+            std::memcpy(&word, p, 8);
+            if (!((word - ones) & ~word & ones << 7)) return word;
+            word = 0;
+        }
+        for (UInt4 i = 0; i < n && i < 8; i++) {
+            if (!p[i]) {
+                size = at + i;
+                break;
+            }
+            word |= std::uint64_t(UByte(p[i])) << (8 * i);
+        }
+        return word;
     }
 };
 

@@ -6,6 +6,7 @@
 namespace velmo {
 
 char tokbuf[tokensize];
+Int4 toklen = 0;
 char* tokpos = nullptr;
 char* tokstart = nullptr;
 UByte tokrepeat = 0;
@@ -30,6 +31,7 @@ struct tokenwriter {
     void put(char c) { tokbuf[n++] = c; }
     char* done() {
         tokbuf[n] = 0;
+        toklen = n;
         return tokbuf;
     }
 };
@@ -100,6 +102,7 @@ char* nexttoken(const breakset& set) {
     tokstart = tokpos;
     if (*tokpos == 0) {
         tokbuf[0] = 0;
+        toklen = 0;
         return tokbuf;
     }
     if (tokpos[0] == '`' && tokpos[1] == '"') return compoundtoken();
@@ -117,6 +120,7 @@ void ungettoken() {
 
 void settoken(const char* text) {
     if (text != tokbuf) copytext(tokbuf, sizeof tokbuf, text);
+    toklen = Int4(std::strlen(tokbuf));
     tokrepeat = 1;
 }
 

@@ -13,6 +13,7 @@ namespace velmo {
 
 // State
 extern char tokbuf[tokensize];    // the token in hand
+extern Int4 toklen;               // its length
 extern char* tokpos;              // next unread character
 extern char* tokstart;            // where the last token began
 extern UByte tokrepeat;           // the next nexttoken returns tokbuf again

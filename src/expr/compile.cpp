@@ -5,6 +5,7 @@
 #include "base/state.h"
 #include "base/saved.h"
 #include "base/text.h"
+#include "core/tokenizer.h"
 #include "data/dataset.h"
 #include "data/labels.h"
 #include "data/timeseries.h"
@@ -343,9 +344,69 @@ void begin(exp& e, Int4 mode, const compileoptions& options) {
 
 }  // namespace
 
+namespace {
+
+// ---- Plain arithmetic: a literal, or two and an operator, and the line ends. That is what the counters and conditions
+// of loops are once their macros have been expanded. The words are those that the general way emits.
+
+// Digits, one point among them at most, beginning with a digit; empty when the text is anything else or too long.
+std::string_view plainnumber(const char* p) {
+    const char* end = p;
+    boolean point = false;
+    if (!isdigit(*p)) return {};
+    for (; isdigit(*end) || (*end == '.' && !point); end++) point |= *end == '.';
+    return end - p < 25 ? std::string_view(p, std::size_t(end - p)) : std::string_view();
+}
+
+char* afterblanks(char* p) {
+    while (*p == ' ') p++;
+    return p;
+}
+
+struct plainparts { std::string_view first, second; const operatorrow* op; };
+
+boolean cutplain(char* p, plainparts& parts) {
+    parts.first = plainnumber(p);
+    parts.op = nullptr;
+    p += parts.first.size();
+    p = afterblanks(p);
+    if (parts.first.empty() || !*p) return !parts.first.empty();
+    for (const operatorrow& row : operators) {
+        if (row.first != *p || (row.second && row.second != p[1])) continue;
+        parts.op = &row;
+        break;
+    }
+    if (!parts.op) return false;
+    p = afterblanks(p + (parts.op->second ? 2 : 1));
+    parts.second = plainnumber(p);
+    p += parts.second.size();
+    return !parts.second.empty() && !*afterblanks(p);
+}
+
+boolean compileplain(exp& e) {
+    char* p = afterblanks(tokrest());
+    plainparts parts;
+    Double a, b;
+    if (!cutplain(p, parts) || !readnumber(parts.first, a) || (parts.op && !readnumber(parts.second, b))) return false;
+    std::string_view last = parts.op ? parts.second : parts.first;
+    e.textbeg = p;
+    e.textend = p + (last.data() + last.size() - p);
+    settokpos(e.textend);
+    emitliteral(a);
+    if (!parts.op) return true;
+    emitliteral(b);
+    expect(exp_numeric, 2);
+    emit(parts.op->word, exp_numeric);
+    return true;
+}
+
+}  // namespace
+
 Int4 exp_compile(exp& e, Int4 mode, const compileoptions& options) {
     begin(e, mode, options);
     try {
+        boolean ordinary = (mode == mode_num || mode == mode_any) && !options.scanonly && !options.matjoin;
+        if (ordinary && compileplain(e)) return 0;
         cutexpression(cc.text, e, options);
         if (options.scanonly) return 0;
         compilespan({0, Int4(cc.text.chars.size())});

@@ -5,6 +5,7 @@
 #include "base/state.h"
 #include "core/tokenizer.h"
 #include "language/control.h"
+#include "language/programs.h"
 #include "language/turn.h"
 
 namespace velmo {
@@ -61,19 +62,12 @@ Int4 cmd_noisily() {
 
 namespace {
 
-// Cuts the line at a } outside quotes and tells that it was there; a { leaves the line to the construct it opens.
+// Cuts the line at the brace that ends its block and tells that it was there; a { leaves the line to the construct it
+// opens.
 boolean cutatbrace() {
-    boolean quoted = false;
-    for (char* p = cmdbuf; *p; p++) {
-        if (*p == '"') quoted = !quoted;
-        if (quoted) continue;
-        if (*p == '{') return false;
-        if (*p == '}') {
-            *p = 0;
-            return true;
-        }
-    }
-    return false;
+    Int4 at = currentline ? currentline->cutat : closingbrace(cmdbuf);
+    if (at >= 0) cmdbuf[at] = 0;
+    return at >= 0;
 }
 
 }  // namespace
@@ -102,6 +96,7 @@ Int4 blockrun() {
                 result = lastrc;
             }
         }
+        currentline = nullptr;
         if (last || nextline(1)) {
             if (breakpending) result = 1;
             break;

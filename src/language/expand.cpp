@@ -125,8 +125,8 @@ Int4 closingquote(Int4 p) {
 }
 
 std::string numbertext(Double value) {
-    fmtnum("%18.0g", value);
-    return std::string(trimmed(dbuf));
+    char text[512];
+    return {text, std::size_t(fmttrimmed("%18.0g", value, text))};
 }
 
 // Runs with the tokenizer on text of its own; the cursor comes back.
@@ -188,8 +188,14 @@ std::string charvalue(std::string_view owner, std::string_view name) {
     return char_get(owner, trimmed(name));
 }
 
-// The value of what stands between the quotes at p and close.
-boolean insidevalue(Int4 p, Int4 close, std::string& value) {
+std::string_view localvalue(std::string_view name) {
+    char stored[namesize] = "_";
+    std::memcpy(stored + 1, name.data(), name.size());
+    return macrotext({stored, name.size() + 1});
+}
+
+// The value of what stands between the quotes at p and close: a local's where it is stored, all others in `value`.
+boolean insidevalue(Int4 p, Int4 close, std::string& value, std::string_view& stored) {
     std::string_view inside(cmdbuf + p + 1, std::size_t(close - p - 1));
     if (!inside.empty() && (inside[0] == '=' || inside[0] == ':' || inside[0] == '.')) {
         std::string text(inside.substr(1));
@@ -210,7 +216,7 @@ boolean insidevalue(Int4 p, Int4 close, std::string& value) {
     else if (behind == '[')
         value = charvalue(name, rest.substr(1, rest.find(']') - 1));
     else
-        value = macrovalue("_" + std::string(name.substr(0, std::size_t(namelimit() - 1))));
+        stored = localvalue(name.substr(0, std::size_t(namelimit() - 1)));
     return true;
 }
 
@@ -218,9 +224,11 @@ boolean localreference(Int4 p, boolean& inserted) {
     if (cmdbuf[p + 1] == '"') return false;
     Int4 close = expandinside(p + 1, [p] { return closingquote(p); });
     std::string value;
-    if (close < 0 || !insidevalue(p, close, value)) return false;
-    inserted = !value.empty();
-    return put(p, close + 1 - p, value);
+    std::string_view stored;
+    if (close < 0 || !insidevalue(p, close, value, stored)) return false;
+    if (stored.empty()) stored = value;
+    inserted = !stored.empty();
+    return put(p, close + 1 - p, stored);
 }
 
 // Substitutes at p until something else than a reference stands there. True when anything changed.
@@ -282,7 +290,7 @@ void expandpercents() {
 std::string macrovalue(std::string_view name) {
     static constexpr const char* months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    if (name == "S_DATE" || name == "S_TIME") {
+    if (name.starts_with('S') && (name == "S_DATE" || name == "S_TIME")) {
         clocktime t = localclock();
         char text[40];
         if (name == "S_DATE")
@@ -291,10 +299,7 @@ std::string macrovalue(std::string_view name) {
             snprintf(text, sizeof text, "%02d:%02d:%02d", t.hour, t.minute, t.second);
         return text;
     }
-    if (name != "_*") {
-        const char* value = macroget(name);
-        return value ? value : "";
-    }
+    if (name != "_*") return std::string(macrotext(name));
     std::string all;
     for (Int4 i = 1; const char* value = macroget("_" + std::to_string(i)); i++) {
         if (i > 1) all += ' ';
@@ -307,11 +312,11 @@ std::string macrovalue(std::string_view name) {
 Int4 expandmacros() {
     if (!execflag) return 0;
     settokpos(cmdbuf);
-    std::size_t plain = std::strcspn(cmdbuf, "$`\\");
-    if (!cmdbuf[plain] && version >= 320) return 0;
     s = {};
-    s.len = Int4(plain + std::strlen(cmdbuf + plain));
-    expandline(Int4(plain));
+    s.len = Int4(std::strlen(cmdbuf));
+    Int4 plain = nextmark(0);
+    if (plain == s.len && version >= 320) return 0;
+    expandline(plain);
     if (version < 320) expandpercents();
     settokpos(cmdbuf);
     return s.rc;

@@ -68,15 +68,13 @@ void blanktobrace(char* brace) {
     settokpos(cmdbuf);
 }
 
-// The condition between the word and the brace, read by the standard parser as `if exp`.
+// The condition between the word and the brace.
 Int4 condition(char* brace, boolean& truth) {
     *brace = 0;
     onexit restore([brace] { *brace = '{'; });
     truth = true;
     if (tokpeeknonblank() == 0) return 0;
-    settoken("if");
-    p_varlist = p_in = p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = parsecondition()) return rc;
     truth = exp_getnum(ifexp, 1) != 0;
     return 0;
 }
@@ -93,14 +91,45 @@ Int4 skipblock(char* brace, Int4 rc) {
     return rc;
 }
 
+// A block of a program that begins on the next line and isn't run: where it ends is remembered, since skipped lines are
+// read as they stand.
+lineinfo* blockknown(const char* brace) {
+    while (*++brace == ' ') {}
+    if (!inprogram || tracing || *brace) return nullptr;
+    object* o = runningprogram();
+    return o ? lineknown(o, programline) : nullptr;
+}
+
+Int4 skipunder(char* brace);
+
 // Runs a block under execflag `truth`; a new continue keeps what follows skipped.
 Int4 rununder(boolean truth, char* brace) {
+    if (!truth && blockknown(brace)) return skipunder(brace);
     UByte entry = execflag, pending = control.contstate;
     execflag = truth;
     blanktobrace(brace);
     tick();
     Int4 rc = blockrun();
     if (!control.contstate || pending) execflag = entry;
+    return rc;
+}
+
+// The same for a block whose lines aren't run: nothing in them can fail or change anything.
+Int4 skipunder(char* brace) {
+    tick();
+    Int4 first = programline;
+    if (Int4 end = blockknown(brace)->skipto) {
+        programline = end;
+        return 0;
+    }
+    Int4 rc;
+    {
+        saved skipping(execflag, UByte(0));
+        blanktobrace(brace);
+        rc = blockrun();
+    }
+    object* o = runningprogram();
+    if (lineinfo* info = o && !rc ? lineknown(o, first) : nullptr) info->skipto = programline;
     return rc;
 }
 
@@ -319,8 +348,8 @@ Int4 cmd_forvalues() {
     loop l(brace);
     Int4 rc = 0;
     for (Double v = r.from; r.step > 0 ? v <= r.to : v >= r.to; v += r.step) {
-        fmtnum("%18.0g", v);
-        rc = macroset(name, trimmed(dbuf));
+        char text[512];
+        rc = macroset(name, {text, std::size_t(fmttrimmed("%18.0g", v, text))});
         if (!rc) rc = pass(l);
         if (!goeson(rc)) break;
     }

@@ -35,14 +35,15 @@ Int4 expressiontext(std::string& value) {
         value.assign(text, std::size_t(exp_getstr(eqexp, 1, text)));
         return 0;
     }
-    fmtnum(version < 220 ? "%10.0g" : "%18.0g", exp_getnum(eqexp, 1));
-    std::string_view text = trimmed(dbuf);
+    char buf[512];
+    Int4 n = fmttrimmed(version < 220 ? "%10.0g" : "%18.0g", exp_getnum(eqexp, 1), buf);
+    std::string_view text(buf, std::size_t(n));
     value = text.substr(0, text.find(' '));
     return 0;
 }
 
 // Text as typed: trimmed, one pair of quotes taken off; a quote without its partner is 198.
-Int4 plaintext(std::string_view text, std::string& value) {
+Int4 plaintext(std::string_view text, std::string_view& value) {
     text = trimmed(text);
     if (text[0] == '"') {
         if (text.size() < 2 || text.back() != '"') return error(198);
@@ -55,27 +56,32 @@ Int4 plaintext(std::string_view text, std::string& value) {
     return 0;
 }
 
-Int4 definitionvalue(std::string& value) {
+// What is computed stands in `computed`, what was typed in the line.
+Int4 definitionvalue(std::string& computed, std::string_view& value) {
     tokenpos start;
     savetokpos(&start);
     std::string_view token = nexttoken();
     if (token.empty()) return 0;
-    if (token == "=") return expressiontext(value);
-    if (token == ":") return extfunc(value);
-    return plaintext(start.pos, value);
+    if (token != "=" && token != ":") return plaintext(start.pos, value);
+    Int4 rc = token == "=" ? expressiontext(computed) : extfunc(computed);
+    value = computed;
+    return rc;
 }
 
 }  // namespace
 
 Int4 macrodefine(Int4 mode, Int4 (*store)(std::string_view, std::string_view)) {
-    std::string name = nexttoken(), value;
-    if (name.empty()) return error(198);
-    if (mode == define_local || mode == define_up) name = "_" + name;
+    nexttoken();
+    std::string name, computed;
+    std::string_view value;
+    if (!toklen) return error(198);
+    if (mode == define_local || mode == define_up) name = "_";
+    name.append(tokbuf, std::size_t(toklen));
     if (mode == define_global && name[0] == '_') return error(198);
     // A local such as `1' begins with a digit; the stored name, with its _, is a name.
     if (!validname(name) || (version < 700 && name.size() > 8))
         return badname(mode == define_local ? name.substr(1) : name);
-    if (Int4 rc = definitionvalue(value)) return rc;
+    if (Int4 rc = definitionvalue(computed, value)) return rc;
     return store(name, value);
 }
 

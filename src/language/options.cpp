@@ -94,6 +94,7 @@ std::string_view unquoted(std::string_view text) {
 
 Int4 parseoptions() {
     noptions = 0;
+    if (tokpeeknonblank() == 0 && !tokrepeat) return 0;
     std::string_view token = nexttoken();
     if (token == ",") {
         if (p_options == 3) return notallowed("options");

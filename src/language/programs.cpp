@@ -150,6 +150,64 @@ Int4 programdefine(std::string_view givenname, std::string_view givenhome, const
     return storebody(name, header, b);
 }
 
+namespace {
+
+struct knownprogram {
+    object* o;
+    std::uint64_t moves;
+    Int2 version;
+    std::vector<lineinfo> lines;
+};
+
+// The program's place among a few, so that programs that call each other keep theirs.
+knownprogram& knownplace(object* o) {
+    static knownprogram places[16];
+    static UInt4 last = 0, next = 0;
+    auto serves = [o](const knownprogram& p) { return p.o == o && p.moves == objmoves && p.version == version; };
+    if (serves(places[last])) return places[last];
+    for (last = 0; last < 16; last++)
+        if (serves(places[last])) return places[last];
+    last = next++ % 16;
+    knownprogram& p = places[last];
+    p.o = o;
+    p.moves = objmoves;
+    p.version = version;
+    p.lines.assign(std::size_t(programheader(o).lines), {});
+    return p;
+}
+
+std::string_view storedline(object* o, Int4 i) {
+    UInt4 offset[2];
+    std::memcpy(offset, o->data() + sizeof(storedprogram) + std::size_t(i) * sizeof(UInt4), sizeof offset);
+    return {reinterpret_cast<const char*>(o->data()) + offset[0] + 1, offset[1] - offset[0] - 2};
+}
+
+}  // namespace
+
+const lineinfo* currentline = nullptr;
+
+Int4 closingbrace(std::string_view line) {
+    boolean quoted = false;
+    for (std::size_t i = line.find_first_of("\"{}"); i < line.size(); i = line.find_first_of("\"{}", i + 1)) {
+        if (line[i] == '"') quoted = !quoted;
+        if (line[i] == '{' && !quoted) return -1;
+        if (line[i] == '}' && !quoted) return Int4(i);
+    }
+    return -1;
+}
+
+lineinfo* lineknown(object* o, Int4 i) {
+    if (i >= programheader(o).lines) return nullptr;
+    lineinfo& info = knownplace(o).lines[std::size_t(i)];
+    if (info.known) return &info;
+    std::string_view text = storedline(o, i);
+    info.known = true;
+    info.blank = text.empty() || text[0] == '*';
+    info.marks = text.find_first_of("$`\\") != text.npos;
+    info.cutat = closingbrace(text);
+    return &info;
+}
+
 boolean programtext(object* o, Int4 i, char* out, boolean indented) {
     const storedprogram& header = programheader(o);
     if (i >= header.lines) return false;

@@ -47,6 +47,24 @@ Int4 programdefine(std::string_view name, std::string_view home, const programop
 boolean programtext(object* o, Int4 i, char* out, boolean indented = false);
 // The running program's object, or null when it has gone.
 object* runningprogram();
+
+// The place of the brace that closes a block on this line: outside quotes and ahead of any opening one; -1 without one.
+Int4 closingbrace(std::string_view line);
+
+// What is known of a program's line without obeying it, found when it is first run and forgotten when a program comes
+// or goes, or `version` changes.
+struct lineinfo {
+    boolean known;
+    boolean blank;          // nothing to obey: no text, or a comment
+    boolean marks;          // holds $, a backquote or a backslash: macros must be expanded
+    Int4 cutat;             // where the brace stands that ends the line and its block; -1 without one
+    Int4 skipto;            // of a block's first line: the line behind its end, once the block has been skipped; else 0
+};
+// The information on line i, or null behind the last one. Valid until another program's is asked for.
+lineinfo* lineknown(object* o, Int4 i);
+// The information on the line that nextline has left in cmdbuf; null when it is no program's line. Whoever rewrites
+// cmdbuf, or obeys the line, takes it.
+extern const lineinfo* currentline;
 // Drops it and its subprograms unless it is running.
 void dropprogram(std::string_view name, std::string_view home);
 void discardprograms();                // those from ado-files that don't run, each with its subprograms

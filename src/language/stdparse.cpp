@@ -282,6 +282,18 @@ Int4 stdparse() {
     return rc;
 }
 
+// A command's condition without the command: `exp` and nothing else.
+Int4 parsecondition() {
+    onexit reset(parse_defaults);
+    p_varlist = p_in = p_options = 3;
+    startparse();
+    if (Int4 rc = ifpart()) return rc;
+    if (tokpeeknonblank() == 0) return 0;
+    for (boolean done = false; !done;)
+        if (Int4 rc = onepart(done)) return rc;
+    return parseoptions();
+}
+
 Int4 parseif() {
     p_varlist = 3;
     return stdparse();

@@ -48,6 +48,8 @@ Int4 stdparse();
 void stdparse_forget();       // drops the form kept under by
 // The shorter form [if exp] [in range] [, options]: no varlist.
 Int4 parseif();
+// The condition of if and while: an expression into ifexp, and nothing behind it.
+Int4 parsecondition();
 // Options alone, from a comma at the cursor (or the end of the line, or text left over when p_rest).
 Int4 parseoptions();
 

@@ -1,6 +1,7 @@
 #include "language/turn.h"
 #include <new>
 #include <string>
+#include <utility>
 #include "base/platform.h"
 #include "base/poll.h"
 #include "base/saved.h"
@@ -29,7 +30,7 @@ Int4 sysclock = 1;
 
 void takecmdword() {
     nexttoken();
-    copytext(cmdword, sizeof cmdword, tokbuf);
+    copytext(cmdword, sizeof cmdword, {tokbuf, std::size_t(toklen)});
 }
 
 // A variable that its command did not finish stands beyond visnvar.
@@ -124,11 +125,13 @@ Int4 docmd() {
     exitflag = 0;
     bymode = 0;
     std::int64_t start = rmsg && !inprogram ? clockms() : 0;
+    const lineinfo* line = std::exchange(currentline, nullptr);
+    boolean plain = line && !line->marks && version >= 320;
     try {
         // A loop at a level that stores loops is expanded in each of its rounds.
         boolean loop = !inprogram && looppeek();
         wasexpanded = !loop;
-        lastrc = loop ? 0 : expandmacros();
+        lastrc = loop || plain ? 0 : expandmacros();
         if (!lastrc) {
             takecmdword();
             lastrc = dispatch();
@@ -161,11 +164,12 @@ void traceline() {
 Int4 nextprogramline() {
     do {
         object* o = runningprogram();
-        if (!o || !programtext(o, programline, cmdbuf)) return 1;
-        programline++;
+        currentline = o ? lineknown(o, programline) : nullptr;
+        if (!currentline) return 1;
+        programtext(o, programline++, cmdbuf);
         settokpos(cmdbuf);
         if (tracing) traceline();
-    } while (tokpeeknonblank() == 0 || tokpeeknonblank() == '*');
+    } while (currentline->blank);
     return 0;
 }
 

@@ -15,6 +15,7 @@ struct fmtparts {
     Int4 capped, excess, places;
     UByte zerofill;           // the width was written with a leading zero
     UByte quick;              // a general form that quicknumber may know
+    UByte wholes;             // a general form in which whole numbers below 10^15 have all their digits
     char period;              // the letter of a time-series format
     const char* mask;         // of dates and periods: within text, or the default
 };
@@ -39,7 +40,7 @@ struct quicktext {
     char digits[32];          // sixteen, and room for a read of sixteen from any of them
     Int4 first, point, last;
 };
-inline constexpr Int4 leastquick = 4, widestquick = 14;
+inline constexpr Int4 leastquick = 4, widestquick = 14, leastwholes = 18;
 // The pieces for a format with quick set, at most its width less 1 in sum; false when the slow way must find them.
 boolean quicknumber(const fmtparts& f, Double value, quicktext& text);
 // Writes sign and pieces at `out`, where 40 bytes may be overwritten, and returns their end.

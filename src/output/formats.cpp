@@ -1,6 +1,7 @@
 // The parser and the front of the renderers. A command renders many values by a few formats, so the last ones are
 // kept broken up.
 #include "output/formats.h"
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include "base/text.h"
@@ -106,6 +107,7 @@ void breakup(fmtparts& f, std::string_view fmt) {
     f.zerofill = *behind == '0';
     f.quick = f.route == by_general && f.places == 0 && f.spec.comma != 'c' && f.spec.width >= leastquick &&
               f.spec.width <= widestquick;
+    f.wholes = f.route == by_general && f.places == 0 && f.spec.comma != 'c' && f.spec.width >= leastwholes;
     f.period = f.route == by_period ? behind[1] : 0;
     if (f.route == by_date || f.route == by_period) f.mask = datemaskof(f.period, behind + (f.period ? 2 : 1));
 }
@@ -149,6 +151,8 @@ Int4 fmtnum(const char* fmt, Double value) {
 Int4 fmttrimmed(const char* fmt, Double value, char* out) {
     const fmtparts& f = partsof(fmt);
     quicktext text;
+    if (f.wholes && value > -1e15 && value < 1e15 && value == Double(std::int64_t(value)))
+        return Int4(std::to_chars(out, out + 20, std::int64_t(value)).ptr - out);
     boolean swap = f.spec.dpcomma || dpcomma;
     if (f.quick && !swap && quicknumber(f, value, text)) return Int4(putquick(out, text, value < 0) - out);
     std::string_view whole = trimmed({dbuf, std::size_t(fmtnum(fmt, value))});

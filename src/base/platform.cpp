@@ -216,6 +216,8 @@ std::size_t memorylimit() {
     return limit;
 }
 
+void messagebox(const char* title, const char* text) { std::fprintf(stderr, "%s %s\n", title, text); }
+
 Int4 runshell(const char* shell, const char* command) {
     const char* program = *shell ? shell : "/bin/sh";
     pid_t child = fork();

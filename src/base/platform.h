@@ -52,6 +52,9 @@ void pagefree(void* p, std::size_t n);
 void* pagemove(void* p, std::size_t n);
 std::size_t memorylimit();                       // bytes that one process may hope for
 
+// What must reach the user although the session is at its end: standard error.
+void messagebox(const char* title, const char* text);
+
 // Runs `command` in the user's shell (`shell` names it; empty: /bin/sh), or an interactive shell when command
 // is empty. Waits. -1 when no process could be started, else its status.
 Int4 runshell(const char* shell, const char* command);

@@ -11,6 +11,7 @@
 #include "core/objects.h"
 #include "core/webfile.h"
 #include "data/dataset.h"
+#include "data/preserve.h"
 #include "data/run.h"
 #include "data/sorting.h"
 #include "expr/compile.h"
@@ -40,7 +41,7 @@ struct frame {
     UByte semicolon, quiet, savedquiet, more, inprogram, rmsg, subprogram, progclass;
     UByte wasrunning, sortpreserved;
     Int2 version;
-    Int4 line, tempnames, tempfiles;
+    Int4 line, tempnames, tempfiles, preserved;
     char name[namesize], home[namesize];
     boolean stop;
 };
@@ -60,6 +61,7 @@ void keepstate(frame& f) {
     f.line = programline;
     f.tempnames = tempnamecounter;
     f.tempfiles = tempfilecounter;
+    f.preserved = preserveslot;
     copytext(f.name, namesize, programname);
     copytext(f.home, namesize, programhome);
 }
@@ -190,6 +192,7 @@ Int4 openprogram(frame& f) {
 }
 
 void enter(Int4 mode) {
+    preserveslot = -1;
     savedquiet = quietlevel;
     if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
     control = {};
@@ -197,6 +200,8 @@ void enter(Int4 mode) {
 }
 
 void leave(Int4 mode, frame& f) {
+    if (preserveslot >= 0) preserve_restore(false);
+    preserveslot = f.preserved;
     if (mode == level_program) {
         object* o = runningprogram();
         if (o && !f.wasrunning) programheader(o).running = 0;

@@ -1,4 +1,4 @@
-// save and use: the dataset into a dataset file and back, wholly or in parts.
+// save and use: the dataset into a dataset file and back, wholly or in parts; preserve and restore.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -11,6 +11,7 @@
 #include "core/macros.h"
 #include "data/cells.h"
 #include "data/dtafile.h"
+#include "data/preserve.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
 #include "language/stdparse.h"
@@ -226,7 +227,7 @@ Int4 cmd_use() {
     boolean parts = tousing();
     if (Int4 rc = filetoken(name)) return rc;
     if (Int4 rc = readuseoptions(o)) return rc;
-    if (datachanged && !o.clear) return error(4);
+    if (datachanged && (nvar || nobs) && !o.clear) return error(4);
     boolean halfread = false;
     onexit failed([&] { if (halfread) cleardata(false); });
     dtafile f;
@@ -238,6 +239,25 @@ Int4 cmd_use() {
     if (!rc) rc = setfile(f.path, f.head.stamp);
     halfread = halfread && rc;
     return rc;
+}
+
+// preserve [, changed]: a copy is kept whether the data have changed or not.
+Int4 cmd_preserve() {
+    if (bymode) return error(190);
+    if (Int4 rc = parseoptions()) return rc;
+    getopt_flag("changed", 7);
+    if (Int4 rc = getopt_done()) return rc;
+    return preserve_data();
+}
+
+// restore [, not preserve]
+Int4 cmd_restore() {
+    if (bymode) return error(190);
+    if (Int4 rc = parseoptions()) return rc;
+    boolean cancel = getopt_flag("not", 3), keep = getopt_flag("preserve", 8);
+    if (Int4 rc = getopt_done()) return rc;
+    if (cancel && keep) return error(198);
+    return cancel ? preserve_cancel() : preserve_restore(keep);
 }
 
 }  // namespace velmo

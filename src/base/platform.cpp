@@ -20,6 +20,7 @@
 namespace velmo {
 
 openreason openfailure = open_fine;
+boolean diskfull = false;
 
 namespace {
 
@@ -71,6 +72,7 @@ void installsignals() {
     for (int s : {SIGINT, SIGABRT, SIGTERM}) sigaction(s, &a, nullptr);
     a.sa_handler = SIG_IGN;
     sigaction(SIGPIPE, &a, nullptr);
+    sigaction(SIGXFSZ, &a, nullptr);     // a file past the limit is a failed write
 }
 
 Int4 fileopenread(const char* name) {
@@ -105,7 +107,10 @@ boolean filewrite(Int4 fd, const void* in, std::size_t n) {
     while (n > 0) {
         ssize_t put = write(fd, p, n);
         if (put < 0 && errno == EINTR) continue;
-        if (put <= 0) return false;
+        if (put <= 0) {
+            diskfull = put == 0 || errno == ENOSPC || errno == EDQUOT || errno == EFBIG;
+            return false;
+        }
         p += put;
         n -= std::size_t(put);
     }
@@ -211,12 +216,15 @@ std::size_t memorylimit() {
     return limit;
 }
 
+void messagebox(const char* title, const char* text) { std::fprintf(stderr, "%s %s\n", title, text); }
+
 Int4 runshell(const char* shell, const char* command) {
     const char* program = *shell ? shell : "/bin/sh";
     pid_t child = fork();
     if (child < 0) return -1;
     if (child == 0) {
         signal(SIGPIPE, SIG_DFL);
+        signal(SIGXFSZ, SIG_DFL);
         if (*command)
             execlp(program, program, "-c", command, static_cast<char*>(nullptr));
         else

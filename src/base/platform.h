@@ -14,7 +14,7 @@ struct clocktime { Int4 year, month, day, hour, minute, second; };   // month 1 
 std::int64_t clockms();                  // milliseconds of a clock that never goes back
 clocktime localclock();
 void sleepms(Int4 ms);                   // returns early on a signal
-void installsignals();                   // SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE is ignored
+void installsignals();                   // SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE and SIGXFSZ are ignored
 
 // Files. openread and so on return a descriptor, or -1 with the reason in openfailure.
 enum openreason { open_fine, open_notfound, open_exists, open_refused };
@@ -24,6 +24,7 @@ Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean is
 Int4 fileopenboth(const char* name, boolean ispublic);    // to read and write; made when it isn't there
 Pint fileread(Int4 fd, void* out, std::size_t n);            // bytes read, 0 at end, -1 on an error
 boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not all could be written
+extern boolean diskfull;                 // why the last write that failed did: there was no room
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error
 boolean fileclose(Int4 fd);
 boolean fileremove(const char* name);
@@ -50,6 +51,9 @@ void pagefree(void* p, std::size_t n);
 // Moves n bytes of pages to a new address and unmaps the old one; null when refused (the old ones then stay).
 void* pagemove(void* p, std::size_t n);
 std::size_t memorylimit();                       // bytes that one process may hope for
+
+// What must reach the user although the session is at its end: standard error.
+void messagebox(const char* title, const char* text);
 
 // Runs `command` in the user's shell (`shell` names it; empty: /bin/sh), or an interactive shell when command
 // is empty. Waits. -1 when no process could be started, else its status.

@@ -14,7 +14,7 @@ namespace {
 
 enum writability { untried, writable, unwritable };
 
-std::string folder;
+std::string folder, keptfile;
 UInt4 stamp;
 writability state;
 Int4 lastnumber[256];     // highest number named, by kind
@@ -78,11 +78,13 @@ Int4 tempfilename(char* out, char kind, Int4 number) {
 
 Int4 tempfile_next(char kind) { return ++nextnumber[UByte(kind)]; }
 
+void tempfile_keep(std::string_view name) { keptfile = name; }
+
 void tempfile_removeall() {
     char name[pathsize];
     for (char kind : {'_', 'i'}) {
         for (Int4 n = 1; n <= lastnumber[UByte(kind)]; n++)
-            if (compose(name, kind, UInt4(n)) && filestat(name).exists) removewithretry(name);
+            if (compose(name, kind, UInt4(n)) && name != keptfile && filestat(name).exists) removewithretry(name);
         lastnumber[UByte(kind)] = 0;
     }
 }

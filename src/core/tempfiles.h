@@ -1,5 +1,6 @@
 // Temporary files: names, and removal at the end. The directory is VELMOTMP, else TEMP, else the current one.
 #pragma once
+#include <string_view>
 #include "base/types.h"
 
 namespace velmo {
@@ -12,6 +13,7 @@ void tempfile_init();          // settles directory and session stamp
 // be written to.
 Int4 tempfilename(char* out, char kind, Int4 number);
 Int4 tempfile_next(char kind); // the next unused number of a kind, from 1
+void tempfile_keep(std::string_view name);   // this one is not removed at shutdown
 void tempfile_removeall();     // shutdown: the files of kind '_' and 'i' that this session named
 // Deletes a file, trying once more after unlinktimeout; false when it stays.
 boolean removewithretry(const char* name);

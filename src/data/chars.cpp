@@ -16,12 +16,13 @@ std::string_view chartext(object* o) {
     return fieldtext(reinterpret_cast<char*>(o->data()) + namesize, o->datalen - namesize);
 }
 
-// The record of one characteristic; owners are told apart by the object's name.
-object* findchar(std::string_view owner, std::string_view name) {
-    for (object* o = objnext(nullptr, nullptr, obj_char); o; o = objnext(o, nullptr, obj_char))
-        if (charname(o) == name && owner == o->name) return o;
-    return nullptr;
+// The record of one characteristic, from an owner's record `o` on to older ones.
+object* olderchar(object* o, std::string_view name) {
+    while (o && charname(o) != name) o = objolder(o);
+    return o;
 }
+
+object* findchar(std::string_view owner, std::string_view name) { return olderchar(objfind(owner, obj_char), name); }
 
 }  // namespace
 
@@ -43,12 +44,9 @@ Int4 char_set(std::string_view owner, std::string_view name, std::string_view te
         objwrite(made, 0, record.data(), record.size());
     }
     // The older record of that name, if there is one, goes now that the new one is safe.
-    object* newest = text.empty() ? nullptr : findchar(key, field);
-    for (object* o = objnext(newest, nullptr, obj_char); o; o = objnext(o, nullptr, obj_char)) {
-        if (charname(o) != field || key != o->name) continue;
-        objdelthis(o);
-        break;
-    }
+    object* newest = objfind(key, obj_char);
+    if (newest && !text.empty()) newest = objolder(newest);
+    if (object* older = olderchar(newest, field)) objdelthis(older);
     return 0;
 }
 
@@ -58,6 +56,14 @@ std::vector<std::string> char_names(std::string_view owner) {
         if (owner == o->name) names.emplace_back(charname(o));
     std::reverse(names.begin(), names.end());
     return names;
+}
+
+std::vector<charview> char_views() {
+    std::vector<charview> all;
+    for (object* o = objnext(nullptr, nullptr, obj_char); o; o = objnext(o, nullptr, obj_char))
+        all.push_back({o->name, charname(o), chartext(o)});
+    std::reverse(all.begin(), all.end());
+    return all;
 }
 
 Int4 char_rename(std::string_view owner, std::string_view newowner) {

@@ -17,6 +17,9 @@ boolean char_exists(std::string_view owner, std::string_view name);
 Int4 char_set(std::string_view owner, std::string_view name, std::string_view text);
 // Names of all characteristics of an owner, in the order in which they were made.
 std::vector<std::string> char_names(std::string_view owner);
+// All characteristics, in the order in which they were made; good until the next store call.
+struct charview { std::string_view owner, name, text; };
+std::vector<charview> char_views();
 // Renames the owner of all, or removes all.
 Int4 char_rename(std::string_view owner, std::string_view newowner);
 void char_dropall(std::string_view owner);

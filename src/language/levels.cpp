@@ -11,6 +11,7 @@
 #include "core/objects.h"
 #include "core/webfile.h"
 #include "data/dataset.h"
+#include "data/preserve.h"
 #include "data/run.h"
 #include "data/sorting.h"
 #include "expr/compile.h"
@@ -41,7 +42,7 @@ struct frame {
     UByte semicolon, quiet, savedquiet, more, inprogram, rmsg, subprogram, progclass;
     UByte wasrunning, sortpreserved;
     Int2 version;
-    Int4 line, tempnames, tempfiles, bydepth, byindex;
+    Int4 line, tempnames, tempfiles, preserved, bydepth, byindex;
     UByte byactive, bylast;
     char name[namesize], home[namesize];
     boolean stop;
@@ -66,6 +67,7 @@ void keepstate(frame& f) {
     f.byindex = by_index;
     f.byactive = by_active;
     f.bylast = by_last;
+    f.preserved = preserveslot;
     copytext(f.name, namesize, programname);
     copytext(f.home, namesize, programhome);
 }
@@ -200,6 +202,7 @@ Int4 openprogram(frame& f) {
 }
 
 void enter(Int4 mode) {
+    preserveslot = -1;
     savedquiet = quietlevel;
     if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
     control = {};
@@ -207,6 +210,8 @@ void enter(Int4 mode) {
 }
 
 void leave(Int4 mode, frame& f) {
+    if (preserveslot >= 0) preserve_restore(false);
+    preserveslot = f.preserved;
     if (mode == level_program) {
         object* o = runningprogram();
         if (o && !f.wasrunning) programheader(o).running = 0;

@@ -19,6 +19,7 @@ namespace velmo {
 
 UByte p_varlist, p_existing, p_if, p_in, p_using, p_exp, p_exptype, p_weight, p_weightmask, p_weightdefault;
 UByte p_options, p_byok, p_tsops, p_rest, p_range, p_skip, p_noeq, p_scale;
+Int4 p_inlimit;
 Int4 vl_n, vl_groups[5], vl_ngroups, vl_groupbegin;
 UByte vl_given, ingiven, usinggiven, weightgiven;
 char *intextbeg = nullptr, *intextend = nullptr;
@@ -27,6 +28,7 @@ Int4 weighttype;
 void parse_defaults() {
     p_varlist = p_if = p_in = p_options = p_byok = p_rest = p_range = p_skip = p_noeq = p_scale = 0;
     p_existing = 1;
+    p_inlimit = nolimit;
     p_using = p_exp = p_weight = p_tsops = 3;
     p_exptype = mode_num;
     p_weightmask = weight_all;
@@ -48,7 +50,7 @@ Int4 ifpart() {
 
 // One end of a range: f, l, or a whole number that isn't 0; negative ones count from the end.
 Int4 rangeend(Int4& obs) {
-    Int4 last = p_in == 2 ? nolimit : nobs;
+    Int4 last = p_in == 2 ? p_inlimit : nobs;
     std::string_view token = nexttoken(breaknum);
     if (token == "f")
         obs = 1;

@@ -1,5 +1,6 @@
-// describe: what the dataset holds.
+// describe: what the dataset holds, or a dataset file. What is told is gathered first, from either, and then printed.
 #include <string>
+#include <vector>
 #include "base/poll.h"
 #include "base/text.h"
 #include "commands/tables/tabletext.h"
@@ -7,6 +8,7 @@
 #include "core/macros.h"
 #include "data/chars.h"
 #include "data/dataset.h"
+#include "data/dtafile.h"
 #include "data/labels.h"
 #include "data/run.h"
 #include "language/stdparse.h"
@@ -21,23 +23,32 @@ namespace {
 
 struct describeoptions { boolean brief, detail, date, all, numbers, fullnames; };
 
-// Variables and row width as they are told: without the sample marker unless all is asked.
-struct shape { Int4 k, width; };
+struct viewvar {
+    Int4 number;
+    std::string name;
+    UByte type;
+    std::string format, vallabel, varlabel;
+    boolean notes;
+};
 
-shape toldshape(boolean all) {
-    Int4 sample = all ? 0 : findvar("(e)");
-    return {nvar - (sample ? 1 : 0), width - (sample ? 1 : 0)};
-}
+struct dataview {
+    boolean inmemory;
+    std::string source, label, date;
+    Int4 nobs, k, width;             // variables and row width without the sample marker unless all is asked
+    boolean notes, changed;
+    std::vector<viewvar> vars;       // those to be listed
+    std::vector<std::string> sort;
+};
 
-void storeresults(const shape& s) {
+void storeresults(const dataview& d) {
     rclear();
-    rstore("N", nobs);
-    rstore("k", s.k);
-    rstore("width", s.width);
+    rstore("N", d.nobs);
+    rstore("k", d.k);
+    rstore("width", d.width);
     rstore("N_max", mostobs());
     rstore("k_max", mostvars());
     rstore("widthmax", widestrow());
-    rstore("changed", datachanged);
+    rstore("changed", d.changed);
 }
 
 // Text at the right of a line, broken at 31 when it is 33 or more long; later pieces start in `column`.
@@ -72,40 +83,36 @@ Int4 beside(const std::string& text, const describeoptions& o) {
     return brokentext(text, 48);
 }
 
-Int4 sizeline(const shape& s, const describeoptions& o) {
-    std::int64_t size = std::int64_t(s.width + 4) * nobs, area = storestart() - blockstart;
+Int4 sizeline(const dataview& d, const describeoptions& o) {
+    std::int64_t size = std::int64_t(d.width + 4) * d.nobs, area = storestart() - blockstart;
     headvalue(" size:", size, area, o);
-    boolean notes = char_exists("_dta", "note0");
-    if (!o.detail) {
+    if (!o.detail && d.inmemory) {
         Double share = 100 * Double(area - size) / Double(memory);
         char text[32];
         snprintf(text, sizeof text, "%3.1f", share < 0 ? 0 : share);
         tabtext(std::string(" (") + text + "% of memory free)");
-        if (notes) prtblanks(7 - Int4(std::string_view(text).size()));
+        if (d.notes) prtblanks(7 - Int4(std::string_view(text).size()));
     }
-    if (notes) tabtext("  (_dta has notes)");
+    if (d.notes) tabtext("  (_dta has notes)");
     return prtnl();
 }
 
-Int4 header(const shape& s, const describeoptions& o) {
+Int4 header(const dataview& d, const describeoptions& o) {
     tabtext("Contains data");
-    const char* file = macroget("S_FN");
-    if (file) {
-        std::string name = file;
+    if (!d.source.empty()) {
         tabtext(" from ");
-        tabresult(name);
+        tabresult(d.source);
     }
     prtnl();
-    headvalue("  obs:", nobs, mostobs(), o);
-    if (Int4 rc = beside(datalabel, o)) return rc;
-    headvalue(" vars:", s.k, mostvars(), o);
-    const char* date = o.date ? macroget("S_FNDATE") : nullptr;
-    if (Int4 rc = beside(date ? date : "", o)) return rc;
+    headvalue("  obs:", d.nobs, mostobs(), o);
+    if (Int4 rc = beside(d.label, o)) return rc;
+    headvalue(" vars:", d.k, mostvars(), o);
+    if (Int4 rc = beside(o.date ? d.date : "", o)) return rc;
     if (o.detail) {
-        headvalue("width:", s.width, widestrow(), o);
+        headvalue("width:", d.width, widestrow(), o);
         prtnl();
     }
-    return sizeline(s, o);
+    return sizeline(d, o);
 }
 
 void columnheads(const describeoptions& o) {
@@ -114,59 +121,123 @@ void columnheads(const describeoptions& o) {
             "type   format      label      variable label\n");
 }
 
-void namecolumn(Int4 var, const describeoptions& o) {
-    std::string name = varlist[var - 1];
+void namecolumn(const viewvar& v, const describeoptions& o) {
     char text[80], shown[64];
     if (o.numbers) {
-        abbrevname(shown, sizeof shown, name, 8);
-        snprintf(text, sizeof text, "%5d. %-9s", var, shown);
+        abbrevname(shown, sizeof shown, v.name, 8);
+        snprintf(text, sizeof text, "%5d. %-9s", v.number, shown);
         tabtext(text);
     } else if (!o.fullnames) {
-        abbrevname(shown, sizeof shown, name, 15);
+        abbrevname(shown, sizeof shown, v.name, 15);
         snprintf(text, sizeof text, "%-15s", shown);
         tabtext(text);
-    } else if (name.size() < 16) {
-        snprintf(text, sizeof text, "%-15s", name.c_str());
+    } else if (v.name.size() < 16) {
+        snprintf(text, sizeof text, "%-15s", v.name.c_str());
         tabtext(text);
     } else {
-        tabtext(name + "\n" + std::string(15, ' '));
+        tabtext(v.name + "\n" + std::string(15, ' '));
     }
 }
 
-Int4 variableline(Int4 var, const describeoptions& o, boolean& anynotes) {
-    namecolumn(var, o);
+Int4 variableline(const viewvar& v, const describeoptions& o) {
+    namecolumn(v, o);
     char text[80], type[8];
-    snprintf(text, sizeof text, " %-6s %-11s ", typename_of(typ[var - 1], type), fmt[var - 1]);
+    snprintf(text, sizeof text, " %-6s %-11s ", typename_of(v.type, type), v.format.c_str());
     tabtext(text);
-    std::string label = lbl[var - 1];
-    if (label.size() >= 9)
-        tabtext(label + "\n" + std::string(44, ' '));
+    if (v.vallabel.size() >= 9)
+        tabtext(v.vallabel + "\n" + std::string(44, ' '));
     else
-        tabtext(label + std::string(9 - label.size(), ' '));
-    boolean notes = char_exists(varlist[var - 1], "note0");
-    anynotes |= notes;
-    tabtext(notes ? "* " : "  ");
-    return brokentext(getvarlabel(varlist[var - 1]), 47);
+        tabtext(v.vallabel + std::string(9 - v.vallabel.size(), ' '));
+    tabtext(v.notes ? "* " : "  ");
+    return brokentext(v.varlabel, 47);
 }
 
-Int4 sortedline() {
+Int4 sortedline(const dataview& d) {
     tabtext("Sorted by:  ");
-    for (const UInt2* key = srt; *key; key++) tabresult(std::string(varlist[*key - 1]) + "  ");
+    for (const std::string& key : d.sort) tabresult(key + "  ");
     if (Int4 rc = prtnl()) return rc;
-    if (datachanged) tabtext("     Note:  dataset has changed since last saved\n");
+    if (d.changed) tabtext("     Note:  dataset has changed since last saved\n");
     return breakpending;
 }
 
-Int4 body(const describeoptions& o) {
+Int4 body(const dataview& d, const describeoptions& o) {
     boolean anynotes = false;
     tabmarkup("{hline 79}\n");
     columnheads(o);
     tabmarkup("{hline 79}\n");
-    for (Int4 i = 0; i < vl_n; i++)
-        if (Int4 rc = variableline(vl_vr[i], o, anynotes)) return rc;
+    for (const viewvar& v : d.vars) {
+        if (Int4 rc = variableline(v, o)) return rc;
+        anynotes |= v.notes;
+    }
     if (anynotes) tabtext(std::string(46, ' ') + "* indicated variables have notes\n");
     tabmarkup("{hline 79}\n");
-    return sortedline();
+    return sortedline(d);
+}
+
+Int4 show(const dataview& d, const describeoptions& o) {
+    if (Int4 rc = header(d, o)) return rc;
+    return o.brief || d.vars.empty() ? 0 : body(d, o);
+}
+
+Int4 readoptions(describeoptions& o) {
+    o = {getopt_flag("short", 1), getopt_flag("detail", 1),  getopt_noflag("date", 2, true),
+         getopt_flag("all", 3),   getopt_flag("numbers", 1), getopt_flag("fullnames", 1)};
+    if (Int4 rc = getopt_done()) return rc;
+    return o.numbers && o.fullnames ? errorf(198, "options numbers and fullnames may not be combined\n") : 0;
+}
+
+// The dataset in memory, with the variables of the varlist unless `brief`.
+dataview memoryview(boolean all, boolean brief) {
+    auto text = [](const char* macro) { return std::string(macroget(macro) ? macroget(macro) : ""); };
+    Int4 hidden = findvar("(e)") && !all ? 1 : 0;
+    dataview d{true, text("S_FN"), datalabel, text("S_FNDATE"), nobs, nvar - hidden, width - hidden,
+               char_exists("_dta", "note0"), datachanged != 0, {}, {}};
+    for (Int4 i = 0; i < vl_n && !brief; i++) {
+        Int4 v = vl_vr[i] - 1;
+        d.vars.push_back({v + 1, varlist[v], typ[v], fmt[v], lbl[v], getvarlabel(varlist[v]),
+                          char_exists(varlist[v], "note0")});
+    }
+    for (const UInt2* key = srt; *key; key++) d.sort.emplace_back(varlist[*key - 1]);
+    return d;
+}
+
+// A file's dataset: tables, and characteristics for the marks of notes.
+Int4 fileview(dtafile& f, boolean all, dataview& d) {
+    const dtahead& h = f.head;
+    d = {false, "", h.label, h.stamp, h.nobs, 0, 0, false, false, {}, {}};
+    std::vector<UByte> notes(h.types.size() + 1, 0);
+    dtachar c;
+    for (boolean found = true; found;) {
+        if (Int4 rc = dta_nextchar(f, c, found)) return rc;
+        if (found && c.name == "note0") notes[c.owner == "_dta" ? 0 : std::size_t(f.numbers[c.owner])] = 1;
+    }
+    d.notes = notes[0];
+    for (std::size_t i = 0; i < h.types.size(); i++) {
+        if (h.names[i] == "(e)" && !all) continue;
+        d.k++;
+        d.width += varsize(h.types[i]);
+        d.vars.push_back({Int4(i) + 1, h.names[i], h.types[i], h.formats[i], h.vallabels[i], h.varlabels[i],
+                          notes[i + 1] != 0});
+    }
+    for (UInt2 key : h.sort) d.sort.push_back(h.names[key - 1u]);
+    return 0;
+}
+
+// describe using filename [, options]; r() holds what is in memory.
+Int4 describefile() {
+    char name[tokensize];
+    describeoptions o;
+    dataview d;
+    vl_n = 0;
+    storeresults(memoryview(false, true));
+    if (Int4 rc = filetoken(name)) return rc;
+    if (Int4 rc = parseoptions()) return rc;
+    if (Int4 rc = readoptions(o)) return rc;
+    dtafile f;
+    if (Int4 rc = dta_open(name, f)) return rc;
+    if (Int4 rc = fileview(f, o.all, d)) return rc;
+    dta_close(f);
+    return show(d, o);
 }
 
 }  // namespace
@@ -174,16 +245,15 @@ Int4 body(const describeoptions& o) {
 // describe [varlist] [, short detail nodate all numbers fullnames]
 Int4 cmd_describe() {
     if (bymode) return error(190);
+    if (std::string_view(nexttoken()) == "using") return describefile();
+    ungettoken();
     p_if = p_in = 3;
+    describeoptions o;
     if (Int4 rc = stdparse()) return rc;
-    describeoptions o{getopt_flag("short", 1), getopt_flag("detail", 1),  getopt_noflag("date", 2, true),
-                      getopt_flag("all", 3),   getopt_flag("numbers", 1), getopt_flag("fullnames", 1)};
-    if (Int4 rc = getopt_done()) return rc;
-    if (o.numbers && o.fullnames) return errorf(198, "options numbers and fullnames may not be combined\n");
-    shape s = toldshape(o.all);
-    storeresults(s);
-    if (Int4 rc = header(s, o)) return rc;
-    return o.brief || vl_n == 0 ? 0 : body(o);
+    if (Int4 rc = readoptions(o)) return rc;
+    dataview d = memoryview(o.all, o.brief);
+    storeresults(d);
+    return show(d, o);
 }
 
 }  // namespace velmo

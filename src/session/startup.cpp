@@ -6,6 +6,7 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
+#include "data/posting.h"
 #include "core/adopath.h"
 #include "core/handles.h"
 #include "core/macros.h"
@@ -304,6 +305,7 @@ Int4 session_main() {
 
 void shutdown(Int4 code) {
     if (stage >= stage_files) {
+        post_closeall();
         endlogs();
         handles_closelevel(0);
         webfile_closeall();

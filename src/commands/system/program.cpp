@@ -5,6 +5,7 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
+#include "data/posting.h"
 #include "core/adopath.h"
 #include "core/keywords.h"
 #include "core/macros.h"
@@ -175,7 +176,8 @@ Int4 cmd_program() {
 // Estimates and their macros, r(), and the programs that ado-files brought.
 Int4 cmd_discard() {
     if (nexttoken()[0]) return error(198);
-    for (Int4 type : {Int4(obj_varlist), Int4(obj_lastcmd), Int4(obj_xpprogram), Int4(obj_postfile)}) objdeltype(type);
+    post_closeall();
+    for (Int4 type : {Int4(obj_varlist), Int4(obj_lastcmd), Int4(obj_xpprogram)}) objdeltype(type);
     std::vector<std::string> names;
     char name[36];
     for (object* o = objnext(nullptr, name, obj_global); o; o = objnext(o, name, obj_global))

@@ -13,8 +13,9 @@ struct functionrow {
     Int2 least, most;         // arguments
     UByte argtype, restype;   // exptype
     UByte counted;            // the word takes the number of arguments as its operand
+    Int2 until;               // the last version that knows it
 };
-// The row of that exact name, or null.
+// The row of that exact name that the present version knows, or null.
 const functionrow* findfunction(std::string_view name);
 
 }  // namespace velmo

@@ -44,49 +44,43 @@ Double betavalue(const betapair& p, Double x, Double y, boolean tail) {
     return exchanged == tail ? value : 1 - value;
 }
 
-Double betavalue(const betapair& p, Double x, boolean tail = false) { return betavalue(p, x, 1 - x, tail); }
-
 boolean isfreedom(Double n) { return known(n) && n > 0; }
 
-// Both tails of F, p holding the halves of n2 and n1.
-Double uppertail(const betapair& p, Double f) {
-    Double n1 = 2 * p.b, n2 = 2 * p.a;
-    return f == 0 ? 1 : betavalue(p, n2 / (n1 * f + n2));
-}
-Double lowertail(const betapair& p, Double f) {
-    Double n1 = 2 * p.b, n2 = 2 * p.a, x = f * n1 / (f * n1 + n2);
-    return f == 0 ? 0 : betavalue(p, 1 - x, x, true);
+// The tails of F, p holding the halves of n2 and n1. A small f would be lost in 1 - x.
+Double ftails(const betapair& p, Double f, boolean lower) {
+    Double n1 = 2 * p.b, n2 = 2 * p.a, x = n2 / (n1 * f + n2), y = n1 * f / (n1 * f + n2);
+    return betavalue(p, x, y, lower);
 }
 
 }  // namespace
 
-Double ibeta(Double a, Double b, Double x) { return betavalue({a, b}, x); }
+Double ibeta(Double a, Double b, Double x) { return betavalue({a, b}, x, 1 - x, false); }
 
 Double Ftail(Double n1, Double n2, Double f) {
     if (!isfreedom(n1) || !isfreedom(n2) || !known(f) || f < 0) return missing;
-    return uppertail({n2 / 2, n1 / 2}, f);
+    return ftails({n2 / 2, n1 / 2}, f, false);
 }
 
 Double F(Double n1, Double n2, Double f) {
     if (!isfreedom(n1) || !isfreedom(n2) || !known(f) || f < 0) return missing;
-    return lowertail({n2 / 2, n1 / 2}, f);
+    return ftails({n2 / 2, n1 / 2}, f, true);
 }
 
 Double invF(Double n1, Double n2, Double p) {
     if (!isfreedom(n1) || !isfreedom(n2) || !isprobability(p) || p == 1) return missing;
     betapair halves(n2 / 2, n1 / 2);
-    return p == 0 ? 0 : searched(p, true, betaends, [&](Double f) { return lowertail(halves, f); });
+    return p == 0 ? 0 : searched(p, true, betaends, [&](Double f) { return ftails(halves, f, true); });
 }
 
 Double invFtail(Double n1, Double n2, Double p) {
     if (!isfreedom(n1) || !isfreedom(n2) || !isprobability(p) || p == 0) return missing;
     betapair halves(n2 / 2, n1 / 2);
-    return p == 1 ? 0 : searched(p, false, betaends, [&](Double f) { return uppertail(halves, f); });
+    return p == 1 ? 0 : searched(p, false, betaends, [&](Double f) { return ftails(halves, f, false); });
 }
 
 Double tprob(Double n, Double t) {
     if (!isfreedom(n) || !known(t)) return missing;
-    return betavalue({n / 2, 0.5}, n / (n + t * t));
+    return ftails({n / 2, 0.5}, t * t, false);
 }
 
 Double ttail(Double n, Double t) {
@@ -124,7 +118,7 @@ Double invbinomial(Double n, Double k, Double prob) {
     Double lo = 0, hi = 1, mid = 0.5, error = 1e-5 * std::min(prob, 1 - prob);
     for (Int4 i = 0; i < 1000; i++) {
         mid = (lo + hi) / 2;
-        Double value = betavalue(p, mid);
+        Double value = betavalue(p, mid, 1 - mid, false);
         tick();
         if (!known(value)) return missing;
         if (std::fabs(value - prob) <= error || mid == lo || mid == hi) break;

@@ -139,8 +139,8 @@ Double binorm(Double h, Double k, Double r) {
     if (r == 1) return norm(std::min(h, k));
     if (r == -1) return h + k >= 0 ? norm(h) + norm(k) - 1 : 0;
     Double q = std::sqrt(1 - r * r);
-    Double p = (norm(h) + norm(k)) / 2 + owenrest(h, (k - h * r) / q) + owenrest(k, (h - k * r) / q) - std::acos(r) / (2 * pi);
-    return std::clamp(p, 1e-15, 1.0);
+    Double rests = owenrest(h, (k - h * r) / q) + owenrest(k, (h - k * r) / q);        // h and k may change places
+    return std::clamp((norm(h) + norm(k)) / 2 + rests - std::acos(r) / (2 * pi), 1e-15, 1.0);
 }
 
 }  // namespace velmo

@@ -36,12 +36,13 @@ Double lngamma(Double x);
 Double digamma(Double x);
 Double trigamma(Double x);
 // ln n!, n >= 0, and the binomial coefficient: n and k are rounded, and must be whole to 1e-5. comb is 0 for k > n,
-// exact below 2^53, and missing for n >= 1000 where a bound on it exceeds 1e300.
+// exact where n times it is below 2^53, missing for n >= 1000 where a bound on it exceeds 1e300.
 Double lnfact(Double n);
 Double comb(Double n, Double k);
 
-// The incomplete gamma function P(a, x), lower tail, and its complement; a > 0, x >= 0. 3e-7; where both are at least
-// 1000, 1e-5 absolutely (Wilson and Hilferty 1931). Series for x < a + 1, else continued fraction (Abramowitz and
+// The incomplete gamma function P(a, x), lower tail, and its complement; a > 0, x >= 0. The last
+// term is below 3e-7, the result good to 1e-6, to 3e-6 for a near 1000; where both are at least 1000, to 1e-6 absolutely
+// (Wilson and Hilferty 1931). Series for x < a + 1, else continued fraction (Abramowitz and
 // Stegun 1964, 6.5.29 and 6.5.31).
 Double gammap(Double a, Double x);
 Double gammaptail(Double a, Double x);

@@ -8,7 +8,7 @@
 namespace velmo {
 
 struct functionrow {
-    const char* name;
+    std::string_view name;
     Int2 word;
     Int2 least, most;         // arguments
     UByte argtype, restype;   // exptype

@@ -131,9 +131,8 @@ Double comb(Double n, Double k) {
     if (k > n) return 0;
     if (n - k < k) k = n - k;
     if (k == 0) return 1;
-    Double rest = n - k + 1;
-    if (n >= 1000 && (n + 1) * std::log(n + 1) - rest * std::log(rest) - std::log(k) - 1 > std::log(largest)) return missing;
-    Double c = rest;
+    Double c = n - k + 1, bound = (n + 1) * std::log(n + 1) - c * std::log(c) - std::log(k) - 1;
+    if (n >= 1000 && bound > std::log(largest)) return missing;
     for (Double i = 2; i <= k; i++) {
         c = std::rint(c * (n - k + i) / i);
         if (c > largest) return missing;

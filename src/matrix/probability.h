@@ -32,7 +32,7 @@ Double binorm(Double h, Double k, Double r);
 // six coefficients; below 1 by reflection.
 Double lngamma(Double x);
 // Its first and second derivatives, x above -10000000 and no whole number below 1; trigamma not within 1e-153 of 0.
-// 1e-11 and 1e-9, absolutely where they are small. Abramowitz and Stegun 1964, 6.3 and 6.4.
+// 1e-11 and 2e-9, absolutely where they are small. Abramowitz and Stegun 1964, 6.3 and 6.4.
 Double digamma(Double x);
 Double trigamma(Double x);
 // ln n!, n >= 0, and the binomial coefficient: n and k are rounded, and must be whole to 1e-5. comb is 0 for k > n,
@@ -40,10 +40,9 @@ Double trigamma(Double x);
 Double lnfact(Double n);
 Double comb(Double n, Double k);
 
-// The incomplete gamma function P(a, x), lower tail, and its complement; a > 0, x >= 0. The last
-// term is below 3e-7, the result good to 1e-6, to 3e-6 for a near 1000; where both are at least 1000, to 1e-6 absolutely
-// (Wilson and Hilferty 1931). Series for x < a + 1, else continued fraction (Abramowitz and
-// Stegun 1964, 6.5.29 and 6.5.31).
+// The incomplete gamma function P(a, x), lower tail, and its complement; a > 0, x >= 0. Series for x < a + 1, else
+// continued fraction (Abramowitz and Stegun 1964, 6.5.29 and 6.5.31), until terms are below 3e-7: 1e-6, and 3e-6 for a
+// near 1000. Where both are at least 1000, Wilson and Hilferty 1931: 1e-6 absolutely.
 Double gammap(Double a, Double x);
 Double gammaptail(Double a, Double x);
 // The x where they are p, 0 <= p <= 1; missing where x would be infinite. By bisection, as good as the functions.
@@ -55,7 +54,7 @@ Double chi2(Double n, Double x);
 Double chi2tail(Double n, Double x);
 Double invchi2(Double n, Double p);
 Double invchi2tail(Double n, Double p);
-Double invchi(Double n, Double p);            // of the upper tail 1 - (1 - p): the old form of invchi2tail
+Double invchi(Double n, Double p);            // the old form: 1 - p is of the lower tail
 
 // ---- Incomplete beta and its kin
 

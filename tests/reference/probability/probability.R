@@ -50,7 +50,8 @@ f <- c(1e-20, .01, .6, 1, 3.7, 80)
 over("F", function(a, b, f) pf(f, a, b), c(1, 4, 30), c(2, 11, 5000), f)
 over("Ftail", function(a, b, f) pf(f, a, b, lower.tail = FALSE), c(1, 4, 30), c(2, 11, 5000), f)
 over("invF", function(a, b, p) qf(p, a, b), c(1, 4, 30), c(2, 11, 5000), p)
-byqbeta <- function(a, b, p) { y <- qbeta(p, a / 2, b / 2, lower.tail = FALSE); b / a * y / (1 - y) }     # qf has 5 digits near 0
+# qf has 5 digits near 0.
+byqbeta <- function(a, b, p) { y <- qbeta(p, a / 2, b / 2, lower.tail = FALSE); b / a * y / (1 - y) }
 over("invFtail", byqbeta, c(1, 4, 30), c(2, 11, 5000), p)
 t <- c(-9, -1.3, -.01, .2, 2, 40)
 over("tprob", function(n, t) 2 * pt(-abs(t), n), c(1, 4.5, 29, 1e6), t)
@@ -62,15 +63,18 @@ tell("Binomial", pbinom(k - 1, n, p, lower.tail = FALSE), n, k, p)
 tell("invbinomial", qbeta(c(.01, .5, .9, 1e-6, .999, .3), k, n - k + 1), n, k, c(.01, .5, .9, 1e-6, .999, .3))
 
 over("nchi", function(n, l, x) pchisq(x, n, l), c(1, 2, 9, 200), c(0, .3, 40), c(.02, 3, 60, 300))
-tell("nchi", pchisq(c(1300, 1450, 1600), c(3, 150, 199), c(1000, 1000, 1000)), c(3, 150, 199), c(1000, 1000, 1000), c(1300, 1450, 1600))
+n <- c(3, 150, 199); l <- c(1000, 1000, 1000); x <- c(1300, 1450, 1600)
+tell("nchi", pchisq(x, n, l), n, l, x)
 over("invnchi", function(n, l, p) qchisq(p, n, l), c(1, 9), c(.3, 40), c(.01, .5, .99))
 found <- function(n, x, p) uniroot(function(l) pchisq(x, n, l) - p, c(0, 1000), tol = 1e-13)$root
 g <- expand.grid(n = c(1, 8), x = c(30, 400), p = c(.001, .5, .95))
 tell("npnchi", mapply(found, g$n, g$x, g$p), g$n, g$x, g$p)
 
 # P(X <= h, Y <= k) as the integral over x of the conditional probability of y.
-binorm <- function(h, k, r)
-    integrate(function(x) dnorm(x) * pnorm((k - r * x) / sqrt(1 - r^2)), -12, h, rel.tol = 1e-12, subdivisions = 2000)$value
+binorm <- function(h, k, r) {
+    f <- function(x) dnorm(x) * pnorm((k - r * x) / sqrt(1 - r^2))
+    integrate(f, -12, h, rel.tol = 1e-12, subdivisions = 2000)$value
+}
 g <- expand.grid(h = c(-3, -.7, 0, .4, 2.5), k = c(-1.1, 0, .4, 3), r = c(-.9, -.3, 0, .5, .97))
 tell("binorm", mapply(binorm, g$h, g$k, g$r), g$h, g$k, g$r)
 

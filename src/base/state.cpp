@@ -7,6 +7,7 @@ Int4 matsize = 400;
 Int4 conslen = 5000 * 33 + 216;
 Int4 macrolen = 5000 * 33 + 200;
 Int2 version = 700;
+Int2 callerversion = 0;
 UByte execflag = 1;
 UByte outlevel = 0;
 UByte quietlevel = 0;

@@ -11,6 +11,7 @@ extern Int4 matsize;        // largest matrix dimension, 10 to 11000; changed by
 extern Int4 conslen;        // capacity of cmdbuf in bytes, maxvar*33 + 216
 extern Int4 macrolen;       // longest macro value in bytes, maxvar*33 + 200
 extern Int2 version;        // 100 times the version obeyed, 100 to 700; restored at the end of each level
+extern Int2 callerversion;  // that of the caller of this do-file or program; 0 at the console
 extern UByte execflag;      // 1: commands run; 0: lines are only skipped
 extern UByte outlevel;      // what is being printed: 0 result, 1 text and notes, 2 do-file echo, 3 error, 4 prompt
 extern UByte quietlevel;    // text shows when outlevel >= quietlevel: 0 all, 3 errors and prompts, 5 nothing

@@ -22,14 +22,13 @@ Double tannum(Double x);
 Double asinnum(Double x);
 Double acosnum(Double x);
 Double log10num(Double x);
-Double normdennum(Double x);
-Double normden2num(Double x, Double s);
 Double roundnum(Double x, Double y);
 Double modnum(Double x, Double y);
 Double reldifnum(Double x, Double y);
 Double autocodenum(Double x, Double n, Double x0, Double x1);
 Double groupnum(Double n, Int4 obs);
 Double oldresult(Double k);
+inline Double sersetvalue(Double, Double) { return missing; }      // no data sets of graphs exist yet
 Double replaying();                        // 1 when local macro 0 is empty or begins with a comma
 
 // The stack hands the arguments of an operator over right to left.

@@ -21,13 +21,16 @@ namespace velmo {
 namespace {
 
 constexpr Int4 mostarguments = 255;
+constexpr Int2 anyversion = 32767;
 
 constexpr functionrow functions[] = {
-#define FUNCTION(name, word, n, argtype, restype) {name, cw_##word, n, n, argtype, restype, 0},
-#define VARIADIC(name, word, least) {name, cw_##word, least, mostarguments, exp_numeric, exp_numeric, 1},
+#define FUNCTION(name, word, n, argtype, restype) {name, cw_##word, n, n, argtype, restype, 0, anyversion},
+#define UNTIL(until, name, word, n) {name, cw_##word, n, n, exp_numeric, exp_numeric, 0, until},
+#define VARIADIC(name, word, least) {name, cw_##word, least, mostarguments, exp_numeric, exp_numeric, 1, anyversion},
 #include "expr/functions.def"
 #undef FUNCTION
 #undef VARIADIC
+#undef UNTIL
 };
 
 // A call: the arguments stand in cc.arguments from `from`, and `text` is all that stands between the parentheses.
@@ -147,7 +150,7 @@ void compilebyteorder(const call& c) {
 
 void compilecaller(const call& c) {
     needarguments(c, 0, 0);
-    emitliteral(version / 100.0);
+    emitliteral((callerversion ? callerversion : version) / 100.0);
 }
 
 // ---- Stored results: read now.
@@ -316,7 +319,7 @@ Int4 splitarguments(span s) {
 
 const functionrow* findfunction(std::string_view name) {
     for (const functionrow& row : functions) {
-        if (name == row.name) return &row;
+        if (name == row.name && version <= row.until) return &row;
     }
     return nullptr;
 }

@@ -9,6 +9,7 @@
 #include "data/timeseries.h"
 #include "expr/arithmetic.h"
 #include "expr/bodies.h"
+#include "matrix/probability.h"
 #include "matrix/random.h"
 
 namespace velmo {

@@ -8,13 +8,14 @@
 namespace velmo {
 
 struct functionrow {
-    const char* name;
+    std::string_view name;
     Int2 word;
     Int2 least, most;         // arguments
     UByte argtype, restype;   // exptype
     UByte counted;            // the word takes the number of arguments as its operand
+    Int2 until;               // the last version that knows it
 };
-// The row of that exact name, or null.
+// The row of that exact name that the present version knows, or null.
 const functionrow* findfunction(std::string_view name);
 
 }  // namespace velmo

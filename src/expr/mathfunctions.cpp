@@ -92,10 +92,6 @@ Double acosnum(Double x) {
 
 Double log10num(Double x) { return x <= 0 || x == missing ? missing : std::log(x) / std::log(10.0); }
 
-Double normdennum(Double x) { return x == missing ? missing : std::exp(-x * x / 2) / std::sqrt(2 * pi); }
-
-Double normden2num(Double x, Double s) { return anymissing(x, s) || s <= 0 ? missing : normdennum(x) / s; }
-
 Double roundnum(Double x, Double y) {
     if (y == 0) return x;
     return anymissing(x, y) ? missing : std::floor(x / y + 0.5) * y;

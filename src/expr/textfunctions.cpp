@@ -236,4 +236,14 @@ void text_period(machine& m) {
     answer(m, value);
 }
 
+// ---- Graph data sets and classes: none exist yet.
+
+void text_strserset(machine& m) {
+    m.top -= 2;
+    push(m, "");
+}
+
+void text_cls(machine& m) { measured(m, missing); }
+void text_scls(machine& m) { view(m, ""); }
+
 }  // namespace velmo

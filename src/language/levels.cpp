@@ -41,7 +41,7 @@ struct frame {
     controlstate control;
     UByte semicolon, quiet, savedquiet, more, inprogram, rmsg, subprogram, progclass;
     UByte wasrunning, sortpreserved;
-    Int2 version;
+    Int2 version, callerversion;
     Int4 line, tempnames, tempfiles, preserved, bydepth, byindex;
     UByte byactive, bylast;
     char name[namesize], home[namesize];
@@ -60,6 +60,7 @@ void keepstate(frame& f) {
     f.subprogram = subprogramlevel;
     f.progclass = programclass;
     f.version = version;
+    f.callerversion = callerversion;
     f.line = programline;
     f.tempnames = tempnamecounter;
     f.tempfiles = tempfilecounter;
@@ -79,6 +80,7 @@ void putback(const frame& f) {
     quietlevel = f.quiet;
     savedquiet = f.savedquiet;
     version = f.version;
+    callerversion = f.callerversion;
     subprogramlevel = f.subprogram;
     programclass = f.progclass;
     if (more_on != f.more) setmore(f.more);
@@ -204,6 +206,7 @@ Int4 openprogram(frame& f) {
 void enter(Int4 mode) {
     preserveslot = -1;
     savedquiet = quietlevel;
+    callerversion = version;
     if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
     control = {};
     dolevel++;

@@ -14,7 +14,8 @@ struct clocktime { Int4 year, month, day, hour, minute, second; };   // month 1 
 std::int64_t clockms();                  // milliseconds of a clock that never goes back
 clocktime localclock();
 void sleepms(Int4 ms);                   // returns early on a signal
-void installsignals();                   // SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE and SIGXFSZ are ignored
+// SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE and SIGXFSZ are ignored.
+void installsignals();
 
 // Files. openread and so on return a descriptor, or -1 with the reason in openfailure.
 enum openreason { open_fine, open_notfound, open_exists, open_refused };

@@ -86,6 +86,7 @@ Int4 bringback(const kept& k) {
 [[noreturn]] void giveup(const kept& k) {
     saved loud(quietlevel, UByte(0));
     prterr("preserved data could not be restored; they remain in " + k.file + "\n");
+    prtflush();
     tempfile_keep(k.file);
     messagebox("Error--Velmo Exiting:", "Check Results Window for filename");
     shutdown(900);

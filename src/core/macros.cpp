@@ -1,4 +1,5 @@
 #include "core/macros.h"
+#include <string>
 #include "base/state.h"
 #include "core/objects.h"
 
@@ -26,6 +27,10 @@ Int4 macroset(std::string_view name, std::string_view value) {
         return 0;
     }
     return objputtext(name, macrotype(name), value.substr(0, std::size_t(macrolen - 1)));
+}
+
+Int4 argumentset(Int4 number, std::string_view value) {
+    return objputtext("_" + std::to_string(number), macrolevel, value.substr(0, std::size_t(macrolen - 1)));
 }
 
 void macroclear(std::string_view name) { objdel(name, macrotype(name)); }

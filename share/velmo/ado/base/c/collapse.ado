@@ -14,7 +14,7 @@ program define collapse
 		tempvar w group order
 		keep if `touse'
 		if _N == 0 {
-			error 2000
+			noisily error 2000
 		}
 		if "`weight'" != "" {
 			generate double `w' `exp'

@@ -1,0 +1,606 @@
+*! version 1.0.0  21nov2026
+* reshape: turns an observation for each i and j into an observation for each i with variables for the j's, and back
+program define reshape
+	version 7.0
+	gettoken form rest : 0, parse(" ,")
+	if "`form'" == "error" {
+		Offenders
+		exit
+	}
+	if "`form'" == "clear" {
+		Forget
+		exit
+	}
+	if "`form'" == "" {
+		Known
+		exit
+	}
+	if !inlist("`form'", "wide", "long") {
+		display as error "reshape wide, reshape long, reshape error or reshape clear"
+		exit 198
+	}
+	if `"`rest'"' != "" {
+		Define `form' `rest'
+	}
+	else {
+		Recall
+		if "`is'" == "`form'" {
+			display as error "data are `form' already"
+			exit 198
+		}
+	}
+	char _dta[shape_try] `form'
+	Recall
+	local name "$S_FN"
+	local stamp "$S_FNDATE"
+	local obs = _N
+	Count
+	local vars `count'
+	preserve
+	if "`form'" == "wide" {
+		ToWide "`i'" `j' "`stubs'" `"`given'"'
+	}
+	else {
+		ToLong "`i'" `j' "`stubs'" `"`given'"' `"`values'"' "`string'"
+	}
+	char _dta[shape_form] `form'
+	restore, not
+	global S_FN `"`name'"'
+	global S_FNDATE "`stamp'"
+	Report `form' `obs' `vars'
+end
+
+* Remembers a definition in the characteristics shape_...; given are values of j that the user listed, values those
+* that made the wide form.
+program define Define
+	gettoken form 0 : 0
+	syntax anything(name=stubs id="stubs") , I(varlist) J(string) [String]
+	gettoken j given : j
+	local given = trim(`"`given'"')
+	confirm names `j'
+	if "`form'" == "wide" {
+		confirm variable `j'
+		local 0 `j'
+		syntax varname
+		local j `varlist'
+		Plain `stubs'
+		foreach x of varlist `plain' {
+			local found `found' `x'
+		}
+		if !index("`stubs'", "@") {
+			local stubs `found'
+		}
+		local both : subinstr local i "`j'" "`j'", word count(local known)
+		local twice : subinstr local found "`j'" "`j'", word count(local more)
+		if `known' | `more' {
+			display as error "`j' may be j() only"
+			exit 198
+		}
+		local type : type `j'
+		if substr("`type'", 1, 3) == "str" {
+			local string string
+		}
+		else {
+			local string
+		}
+	}
+	if `"`given'"' != "" & "`string'" == "" {
+		numlist "`given'"
+		local given "`r(numlist)'"
+	}
+	Forget
+	char _dta[shape_i] `i'
+	char _dta[shape_j] `j'
+	char _dta[shape_stubs] `stubs'
+	char _dta[shape_string] `string'
+	char _dta[shape_given] `"`given'"'
+end
+
+program define Forget
+	foreach c in i j stubs string given values form try jlook jlabel {
+		char _dta[shape_`c']
+	}
+	forvalues k = 1/100 {
+		char _dta[shape_label`k']
+	}
+end
+
+program define Recall
+	local i : char _dta[shape_i]
+	if "`i'" == "" {
+		display as error "no definition is known; give i() and j()"
+		exit 198
+	}
+	foreach c in i j stubs string given values try {
+		local text : char _dta[shape_`c']
+		c_local `c' `"`text'"'
+	}
+	local text : char _dta[shape_form]
+	c_local is `text'
+end
+
+program define Known
+	Recall
+	display as text "i        " as result "`i'"
+	display as text "j        " as result "`j'"
+	display as text "stubs    " as result "`stubs'"
+	display as text "values   " as result "`values'"
+	display as text "data are " as result cond("`is'" == "", "as they were", "`is'")
+end
+
+* The names that stubs have in long form: without the @ that marks the place of j.
+program define Plain
+	local plain : subinstr local 0 "@" "", all
+	c_local plain `plain'
+end
+
+* The name of a stub in wide form.
+program define Wide
+	args stub value
+	if index("`stub'", "@") {
+		local stub : subinstr local stub "@" "`value'"
+		c_local wide `stub'
+	}
+	else {
+		c_local wide `stub'`value'
+	}
+end
+
+program define Count
+	local n 0
+	foreach x of varlist _all {
+		local n = `n' + 1
+	}
+	c_local count `n'
+end
+
+program define ToWide
+	args i j stubs given
+	Plain `stubs'
+	local longs `plain'
+	confirm variable `i' `j' `longs'
+	quietly count if missing(`j')
+	if r(N) {
+		Refuse "`j' is missing in some observations"
+	}
+	sort `j' `i'
+	capture by `j' `i': assert _N == 1
+	if _rc {
+		Refuse "`i' and `j' do not identify the observations"
+	}
+	Levels `j'
+	if `"`given'"' != "" {
+		foreach v in `values' {
+			local same : subinstr local given `"`v'"' `"`v'"', word count(local known)
+			if !`known' {
+				display as error "`j' takes the value `v', which j() does not list"
+				exit 459
+			}
+		}
+	}
+	foreach v in `values' {
+		foreach stub in `stubs' {
+			Wide `stub' `v'
+			local made `made' `wide'
+		}
+	}
+	confirm new variable `made'
+	Others "`i' `j' `longs'"
+	quietly {
+		tempfile long base
+		tempvar merged
+		Remember `j' `longs'
+		save `"`long'"'
+		sort `i' `j'
+		foreach x of local others {
+			capture by `i': assert `x' == `x'[1]
+			if _rc {
+				noisily Refuse "`x' is not constant within `i'"
+			}
+		}
+		by `i': keep if _n == 1
+		keep `i' `others'
+		sort `i'
+		save `"`base'"'
+		* the values of one j are rows from to to of the file
+		local k 0
+		foreach v in `values' {
+			local k = `k' + 1
+			tempfile part`k'
+			use `i' `longs' in `from`k''/`to`k'' using `"`long'"', clear
+			foreach stub in `stubs' {
+				Plain `stub'
+				Wide `stub' `v'
+				local label : variable label `plain'
+				rename `plain' `wide'
+				if `"`label'"' == "" {
+					local label `plain'
+				}
+				label variable `wide' `"`v' `label'"'
+			}
+			sort `i'
+			save `"`part`k''"'
+		}
+		use `"`base'"', clear
+		forvalues p = 1/`k' {
+			sort `i'
+			merge `i' using `"`part`p''"', _merge(`merged')
+			drop `merged'
+		}
+		sort `i'
+		order `i' `made'
+	}
+	char _dta[shape_values] `"`values'"'
+end
+
+* The values of the sorted variable, and where each begins and ends: values, from#, to#.
+program define Levels
+	args j
+	tempvar count
+	quietly by `j': generate long `count' = _N
+	local at 1
+	local k 0
+	while `at' <= _N {
+		local k = `k' + 1
+		local v = `j'[`at']
+		local values `values' `v'
+		c_local from`k' `at'
+		local at = `at' + `count'[`at']
+		c_local to`k' = `at' - 1
+	}
+	c_local values `values'
+end
+
+program define Others
+	args used
+	foreach x of varlist _all {
+		local same : subinstr local used "`x'" "`x'", word count(local known)
+		if !`known' {
+			local others `others' `x'
+		}
+	}
+	c_local others `others'
+end
+
+* What j and the stubs looked like, for the way back.
+program define Remember
+	args j
+	macro shift
+	local type : type `j'
+	local f : format `j'
+	local l : value label `j'
+	char _dta[shape_jlook] "`type' `f' `l'"
+	local label : variable label `j'
+	char _dta[shape_jlabel] `"`label'"'
+	local k 0
+	while "`1'" != "" {
+		local k = `k' + 1
+		local label : variable label `1'
+		char _dta[shape_label`k'] `"`label'"'
+		macro shift
+	}
+end
+
+program define ToLong
+	args i j stubs given values string
+	confirm variable `i'
+	Plain `stubs'
+	local longs `plain'
+	confirm new variable `j' `longs'
+	sort `i'
+	capture by `i': assert _N == 1
+	if _rc {
+		Refuse "`i' does not identify the observations"
+	}
+	if `"`given'"' != "" {
+		local values `"`given'"'
+	}
+	if `"`values'"' == "" {
+		Suffixes "`i'" "`stubs'" "`string'"
+	}
+	Sources "`stubs'" `values'
+	Others "`used'"
+	quietly {
+		tempfile data
+		save `"`data'"'
+		local look : char _dta[shape_jlook]
+		local jlabel : char _dta[shape_jlabel]
+		local k 0
+		foreach v in `values' {
+			local k = `k' + 1
+			tempfile part`k'
+			use `others' `used`k'' using `"`data'"', clear
+			local s 0
+			foreach stub in `stubs' {
+				local s = `s' + 1
+				Wide `stub' `v'
+				Plain `stub'
+				Take `wide' `plain' "`used`k''" `k' `type`s''
+				local label : char _dta[shape_label`s']
+				if `k' == 1 {
+					label variable `plain' `"`label'"'
+				}
+			}
+			PutJ `j' "`string'" "`v'" `look'
+			if `k' == 1 {
+				label variable `j' `"`jlabel'"'
+			}
+			save `"`part`k''"'
+		}
+		use `"`part1'"', clear
+		forvalues p = 2/`k' {
+			append using `"`part`p''"'
+		}
+		if "`string'" == "" & "`look'" == "" {
+			compress `j'
+		}
+		sort `i' `j'
+		order `i' `j' `longs'
+	}
+	char _dta[shape_values] `"`values'"'
+end
+
+* The values of j, from the names of variables that begin (and end) as a stub does.
+program define Suffixes
+	args i stubs string
+	local values
+	foreach x of varlist _all {
+		local same : subinstr local i "`x'" "`x'", word count(local known)
+		foreach stub in `stubs' {
+			local mark = index("`stub'", "@")
+			if !`mark' {
+				local mark = length("`stub'") + 1
+			}
+			local before = substr("`stub'", 1, `mark'-1)
+			local after = substr("`stub'", `mark'+1, .)
+			local length = length("`x'") - length("`before'`after'")
+			local v = substr("`x'", `mark', `length')
+			if `length' > 0 & !`known' & "`x'" == "`before'`v'`after'" {
+				Suitable "`v'" "`x'" "`string'"
+				local same : subinstr local values "`v'" "`v'", word count(local twice)
+				if `suitable' & !`twice' {
+					local values `values' `v'
+				}
+			}
+		}
+	}
+	if "`values'" == "" {
+		display as error "no variables of the stubs `stubs'"
+		exit 111
+	}
+	local count : word count `values'
+	if "`string'" == "" & `count' <= 1600 {
+		numlist "`values'", sort
+		local values `r(numlist)'
+	}
+	c_local values `values'
+end
+
+* Whether a name's end can be a value of j: any text, or a whole number as it would be written.
+program define Suitable
+	args v x string
+	local suitable 1
+	if "`string'" == "" {
+		local digits = "`v'"
+		while substr("`digits'", 1, 1) == "0" & length("`digits'") > 1 {
+			local digits = substr("`digits'", 2, .)
+		}
+		local suitable = trim(string(real("`digits'"), "%20.0f")) == "`digits'" & "`digits'" != "."
+		if `suitable' & "`digits'" != "`v'" {
+			display as error "`x': `v' would come back as `digits'; use the option string"
+			exit 198
+		}
+	}
+	c_local suitable `suitable'
+end
+
+* The variables of the wide form: used, those of the k-th value in used#, and for the s-th stub the type# that holds them.
+program define Sources
+	args stubs
+	macro shift
+	foreach x of varlist _all {
+		local all `all' `x'
+	}
+	local s 0
+	foreach stub in `stubs' {
+		local s = `s' + 1
+		local widest
+		local k 0
+		foreach v in `*' {
+			local k = `k' + 1
+			Wide `stub' `v'
+			local same : subinstr local all "`wide'" "`wide'", word count(local known)
+			if `known' {
+				local used`k' `used`k'' `wide'
+				local used `used' `wide'
+				local type : type `wide'
+				Wider "`widest'" `type' `wide'
+			}
+		}
+		if "`widest'" == "" {
+			display as error "no variables of the stub `stub'"
+			exit 111
+		}
+		c_local type`s' `widest'
+	}
+	forvalues p = 1/`k' {
+		c_local used`p' `used`p''
+	}
+	c_local used `used'
+end
+
+* The type that holds the values of two.
+program define Wider
+	args a b x
+	c_local widest `b'
+	if "`a'" == "" {
+		exit
+	}
+	local strings = (substr("`a'", 1, 3) == "str") + (substr("`b'", 1, 3) == "str")
+	if `strings' == 1 {
+		display as error "`x' and others of its stub are strings and numbers"
+		exit 109
+	}
+	if `strings' == 2 {
+		local length = max(real(substr("`a'", 4, .)), real(substr("`b'", 4, .)))
+		c_local widest str`length'
+		exit
+	}
+	if index("long float", "`a'") & index("long float", "`b'") & "`a'" != "`b'" {
+		c_local widest double
+		exit
+	}
+	local order byte int long float double
+	if index("`order'", "`a'") > index("`order'", "`b'") {
+		c_local widest `a'
+	}
+end
+
+* One stub of one value: under the stub's name, and in the first file in the type of them all.
+program define Take
+	args wide plain used k type
+	local same : subinstr local used "`wide'" "`wide'", word count(local known)
+	if !`known' {
+		if `k' == 1 {
+			local nothing .
+			if substr("`type'", 1, 3) == "str" {
+				local nothing """"
+			}
+			generate `type' `plain' = `nothing'
+		}
+		exit
+	}
+	local mine : type `wide'
+	if `k' > 1 | "`mine'" == "`type'" {
+		rename `wide' `plain'
+		exit
+	}
+	generate `type' `plain' = `wide'
+	local f : format `wide'
+	if substr("`f'", -3, 3) != ".0g" & substr("`type'", 1, 3) != "str" {
+		format `plain' `f'
+	}
+	local l : value label `wide'
+	if "`l'" != "" {
+		label values `plain' `l'
+	}
+	drop `wide'
+end
+
+program define PutJ
+	args j string v type f l
+	if "`string'" != "" {
+		generate str1 `j' = ""
+		replace `j' = "`v'"
+	}
+	else if "`type'" == "" {
+		generate double `j' = `v'
+		format `j' %9.0g
+		exit
+	}
+	else {
+		generate `type' `j' = `v'
+	}
+	if "`f'" != "" {
+		format `j' `f'
+	}
+	if "`l'" != "" {
+		label values `j' `l'
+	}
+end
+
+program define Refuse
+	args text
+	display as error "`text'"
+	display as error "reshape error lists the observations"
+	exit 459
+end
+
+* What stood in the way of the last attempt.
+program define Offenders
+	Recall
+	preserve
+	tempvar bad
+	if "`try'" == "long" {
+		List "`i' does not identify the observations" "`i'" "" "_N > 1" `i'
+		exit
+	}
+	Plain `stubs'
+	confirm variable `i' `j' `plain'
+	quietly generate byte `bad' = missing(`j')
+	sort `i'
+	List "`j' is missing" "`i'" "" "`bad'" `i' `j'
+	sort `i' `j'
+	List "`i' and `j' do not identify the observations" "`i' `j'" "" "_N > 1" `i' `j'
+	Others "`i' `j' `plain' `bad'"
+	foreach x of local others {
+		List "`x' is not constant within `i'" "`i'" "`j'" "`x' != `x'[1]" `i' `j' `x'
+	}
+end
+
+* Lists the groups of the by-variables in which the condition holds somewhere.
+program define List
+	args text by order condition
+	macro shift 4
+	tempvar bad
+	sort `by' `order'
+	quietly by `by': generate long `bad' = sum(`condition')
+	quietly by `by': replace `bad' = `bad'[_N]
+	quietly count if `bad'
+	if r(N) {
+		display
+		display as text "`text' (" r(N) " observations concerned)"
+		list `*' if `bad'
+	}
+end
+
+program define Report
+	args form obs vars
+	Recall
+	Plain `stubs'
+	Count
+	local values : word count `values'
+	local was = cond("`form'" == "wide", "long", "wide")
+	display
+	display as result %44s "`was'" "   ->   `form'"
+	display as text "{hline 75}"
+	display as text %-14s "observations" as result %30.0f `obs' "   ->   " _N
+	display as text %-14s "variables" as result %30.0f `vars' "   ->   `count'"
+	Row "j (`values' values)" `form' `j' "(none)"
+	foreach stub in `stubs' {
+		Span `stub'
+		Plain `stub'
+		Row "" `form' `plain' "`span'"
+	}
+	display as text "{hline 75}"
+end
+
+* One line: what stands in long form on the left when the data became wide, else on the right.
+program define Row
+	args title form long wide
+	if "`form'" == "wide" {
+		display as text %-14s "`title'" as result %30s "`long'" "   ->   `wide'"
+	}
+	else {
+		display as text %-14s "`title'" as result %30s "`wide'" "   ->   `long'"
+	}
+end
+
+* The first, second and last name of a stub in wide form.
+program define Span
+	args stub
+	local values : char _dta[shape_values]
+	local n : word count `values'
+	local k 0
+	foreach v in `values' {
+		local k = `k' + 1
+		if `k' <= 2 | `k' == `n' {
+			Wide `stub' `v'
+			if `k' > 3 {
+				local span `span' ...
+			}
+			local span `span' `wide'
+		}
+	}
+	c_local span `span'
+end

@@ -59,7 +59,8 @@ program define joinby
 		}
 		expand `m'
 		sort `keys' `id'
-		by `keys' `id': generate long `k' = _n
+		generate long `k' = 1
+		replace `k' = `k'[_n-1] + 1 if `id' == `id'[_n-1]
 		sort `keys' `k' `id'
 		if index("none master", "`unmatched'") {
 			local nokeep nokeep

@@ -164,7 +164,8 @@ program define ToWide
 		Refuse "`j' is missing in some observations"
 	}
 	sort `j' `i'
-	capture by `j' `i': assert _N == 1
+	Same `j' `i'
+	capture assert !(`same')
 	if _rc {
 		Refuse "`i' and `j' do not identify the observations"
 	}
@@ -192,8 +193,9 @@ program define ToWide
 		Remember `j' `longs'
 		save `"`long'"'
 		sort `i' `j'
+		Same `i'
 		foreach x of local others {
-			capture by `i': assert `x' == `x'[1]
+			capture assert `x' == `x'[_n-1] | !(`same')
 			if _rc {
 				noisily Refuse "`x' is not constant within `i'"
 			}
@@ -231,6 +233,15 @@ program define ToWide
 		order `i' `made'
 	}
 	char _dta[shape_values] `"`values'"'
+end
+
+* The test that an observation agrees with the one before it.
+program define Same
+	local same _n > 1
+	foreach x in `*' {
+		local same `same' & `x' == `x'[_n-1]
+	}
+	c_local same `same'
 end
 
 * The values of the sorted variable, and where each begins and ends: values, from#, to#.
@@ -288,7 +299,8 @@ program define ToLong
 	local longs `plain'
 	confirm new variable `j' `longs'
 	sort `i'
-	capture by `i': assert _N == 1
+	Same `i'
+	capture assert !(`same')
 	if _rc {
 		Refuse "`i' does not identify the observations"
 	}
@@ -528,9 +540,8 @@ program define Offenders
 	Plain `stubs'
 	confirm variable `i' `j' `plain'
 	quietly generate byte `bad' = missing(`j')
-	sort `i'
-	List "`j' is missing" "`i'" "" "`bad'" `i' `j'
 	sort `i' `j'
+	List "`j' is missing" "`i' `j'" "" "`bad'" `i' `j'
 	List "`i' and `j' do not identify the observations" "`i' `j'" "" "_N > 1" `i' `j'
 	Others "`i' `j' `plain' `bad'"
 	foreach x of local others {
@@ -549,7 +560,7 @@ program define List
 	quietly count if `bad'
 	if r(N) {
 		display
-		display as text "`text' (" r(N) " observations concerned)"
+		display as text "`text' (observations concerned: " r(N) ")"
 		list `*' if `bad'
 	}
 end

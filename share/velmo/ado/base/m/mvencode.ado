@@ -19,7 +19,7 @@ program define mvencode
 			}
 			quietly count if `x' == `value`x'' & `touse'
 			if r(N) & "`override'" == "" {
-				display as error "`x': already `mv' in " r(N) " observations"
+				display as error "`x': already `mv' in " r(N) cond(r(N) == 1, " observation", " observations")
 				local found 1
 			}
 		}

@@ -39,7 +39,7 @@ program define recode
 			}
 			quietly count if `hits' > 1
 			if r(N) {
-				display as text "(`x': rules overlap in " r(N) " observations; the first one counts)"
+				display as text "(`x': rules overlap in " r(N) cond(r(N) == 1, " observation", " observations") "; the first one counts)"
 			}
 		}
 		quietly count if `code' != `x' & `touse'

@@ -47,7 +47,7 @@ program define reshape
 	restore, not
 	global S_FN `"`name'"'
 	global S_FNDATE "`stamp'"
-	Report `form' `obs' `vars'
+	Report `form' `obs' `vars' "`used'"
 end
 
 * Remembers a definition in the characteristics shape_...; given are values of j that the user listed, values those
@@ -350,6 +350,7 @@ program define ToLong
 		order `i' `j' `longs'
 	}
 	char _dta[shape_values] `"`values'"'
+	c_local used `used'
 end
 
 * The values of j, from the names of variables that begin (and end) as a stub does.
@@ -566,7 +567,7 @@ program define List
 end
 
 program define Report
-	args form obs vars
+	args form obs vars used
 	Recall
 	Plain `stubs'
 	Count
@@ -579,7 +580,7 @@ program define Report
 	display as text %-14s "variables" as result %30.0f `vars' "   ->   `count'"
 	Row "j (`values' values)" `form' `j' "(none)"
 	foreach stub in `stubs' {
-		Span `stub'
+		Span `stub' "`used'"
 		Plain `stub'
 		Row "" `form' `plain' "`span'"
 	}
@@ -597,21 +598,22 @@ program define Row
 	}
 end
 
-* The first, second and last name of a stub in wide form.
+* The first, second and last name of a stub in wide form, of those that were used if not all of them were.
 program define Span
-	args stub
+	args stub used
 	local values : char _dta[shape_values]
-	local n : word count `values'
-	local k 0
 	foreach v in `values' {
-		local k = `k' + 1
-		if `k' <= 2 | `k' == `n' {
-			Wide `stub' `v'
-			if `k' > 3 {
-				local span `span' ...
-			}
+		Wide `stub' `v'
+		local same : subinstr local used "`wide'" "`wide'", word count(local known)
+		if `known' | "`used'" == "" {
 			local span `span' `wide'
 		}
+	}
+	local n : word count `span'
+	if `n' > 3 {
+		local last : word `n' of `span'
+		tokenize `span'
+		local span `1' `2' ... `last'
 	}
 	c_local span `span'
 end

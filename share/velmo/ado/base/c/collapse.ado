@@ -94,6 +94,9 @@ program define Parse
 			}
 			StatName `stat'
 		}
+		else if "`word'" == ")" {
+			error 198
+		}
 		else {
 			local names `names' `word'
 		}

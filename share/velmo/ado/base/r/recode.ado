@@ -127,6 +127,9 @@ program define IsElement
 		}
 		local test `test'&@<=#(`high')
 	}
+	if !index("`low'`high'", "m") {
+		c_local element = `low' <= `high'
+	}
 	c_local elementtest (`test')
 end
 

@@ -76,6 +76,13 @@ program define Define
 			display as error "`j' may be j() only"
 			exit 198
 		}
+		foreach x in `found' {
+			local both : subinstr local i "`x'" "`x'", word count(local known)
+			if `known' {
+				display as error "`x' may be i() only"
+				exit 198
+			}
+		}
 		local type : type `j'
 		if substr("`type'", 1, 3) == "str" {
 			local string string

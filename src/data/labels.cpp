@@ -116,6 +116,20 @@ Double vl_texttoval(std::string_view name, std::string_view text) {
     return i < 0 ? missing : l.values[std::size_t(i)];
 }
 
+namespace {
+
+// Appends a text under the next free value: 0, 134.
+Int4 appendtext(vallabel& l, std::string_view text, Double& value) {
+    if (l.values.size() >= std::size_t(maxlabelentries)) return 134;
+    if (!l.values.empty() && l.values.back() >= longmissing - 1) return 134;
+    Int4 next = l.values.empty() ? 1 : l.values.back() + 1;
+    insert(l, l.values.size(), next, text);
+    value = next;
+    return 0;
+}
+
+}  // namespace
+
 Int4 vl_nextval(std::string_view name, std::string_view text, Double& value) {
     vallabel l;
     std::string key(name), copy(text.substr(0, maxlabeltext));
@@ -125,14 +139,26 @@ Int4 vl_nextval(std::string_view name, std::string_view text, Double& value) {
         value = l.values[std::size_t(i)];
         return 0;
     }
-    Int4 next = 1;
-    if (!l.values.empty()) {
-        if (l.values.back() >= longmissing - 1) return 134;
-        next = l.values.back() + 1;
-    }
-    insert(l, l.values.size(), next, copy);
-    value = next;
+    if (Int4 rc = appendtext(l, copy, value)) return rc;
     return vl_store(key, l);
+}
+
+void textcoder::start(std::string_view name) {
+    vl_load(name, label);
+    label.exists = true;
+    for (std::size_t i = 0; i < label.values.size(); i++) known.emplace(textat(label, i), label.values[i]);
+}
+
+Int4 textcoder::code(std::string_view text, Double& value) {
+    std::string key(text.substr(0, maxlabeltext));
+    auto [at, isnew] = known.emplace(key, 0);
+    if (!isnew) {
+        value = at->second;
+        return 0;
+    }
+    Int4 rc = appendtext(label, key, value);
+    at->second = rc ? 0 : Int4(value);
+    return rc;
 }
 
 Int4 vl_maxtext(std::string_view name) {
@@ -143,14 +169,10 @@ Int4 vl_maxtext(std::string_view name) {
     return Int4(longest);
 }
 
-Int4 vl_put(std::string_view name, Int4 value, std::string_view text) {
-    vallabel l;
-    std::string key(name), copy(text.substr(0, maxlabeltext));
-    vl_load(key, l);
-    std::size_t i = placeof(l, value);
-    if (has(l, i, value)) takeout(l, i);
-    if (!copy.empty()) insert(l, i, value, copy);
-    return vl_store(key, l);
+void vl_change(vallabel& label, Int4 value, std::string_view text) {
+    std::size_t i = placeof(label, value);
+    if (has(label, i, value)) takeout(label, i);
+    if (!text.empty()) insert(label, i, value, text.substr(0, maxlabeltext));
 }
 
 boolean vl_drop(std::string_view name) { return objdel(name, obj_vallabel); }

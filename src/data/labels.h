@@ -5,6 +5,7 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 #include "base/types.h"
 
@@ -33,8 +34,16 @@ Double vl_texttoval(std::string_view name, std::string_view text);
 // Adds text under the next free value (one above the highest, 1 when empty) unless it is there; its value in `value`.
 Int4 vl_nextval(std::string_view name, std::string_view text, Double& value);
 Int4 vl_maxtext(std::string_view name);                  // longest text in bytes, 0 when none
-// Adds or changes one entry; an empty text removes it. Makes the label when it is new.
-Int4 vl_put(std::string_view name, Int4 value, std::string_view text);
+// Adds or changes one entry of a label in hand; an empty text removes it.
+void vl_change(vallabel& label, Int4 value, std::string_view text);
+// Many texts to be coded, as vl_nextval does one by one: the label in hand, its texts found through a table. The caller
+// stores it.
+struct textcoder {
+    vallabel label;
+    std::unordered_map<std::string, Int4> known;
+    void start(std::string_view name);
+    Int4 code(std::string_view text, Double& value);     // 0, 134
+};
 Int4 vl_store(std::string_view name, const vallabel& label);
 boolean vl_drop(std::string_view name);
 void vl_dropall();

@@ -14,7 +14,8 @@ struct clocktime { Int4 year, month, day, hour, minute, second; };   // month 1 
 std::int64_t clockms();                  // milliseconds of a clock that never goes back
 clocktime localclock();
 void sleepms(Int4 ms);                   // returns early on a signal
-void installsignals();                   // SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE is ignored
+void installsignals();                   // SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE, SIGXFSZ do
+                                         // nothing
 
 // Files. openread and so on return a descriptor, or -1 with the reason in openfailure.
 enum openreason { open_fine, open_notfound, open_exists, open_refused };
@@ -26,7 +27,7 @@ Pint fileread(Int4 fd, void* out, std::size_t n);            // bytes read, 0 at
 boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not all could be written
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error
 boolean fileclose(Int4 fd);
-boolean fileremove(const char* name);
+boolean fileremove(const char* name);                        // never a device
 boolean filerename(const char* from, const char* to);
 
 struct fileinfo { boolean exists, isdirectory; Filepos size; clocktime changed; };

@@ -34,8 +34,8 @@ inline Int4 cell_columns(const cellwriter& cell, const celloptions& o) {
     return cell.width + (cell.string && o.quote ? 2 : 0);
 }
 
-// Opens the file behind `using`, with `suffix` unless its name has one, and lets `body` write, which returns 0 or a code.
-// A file that was not written whole is removed: 1 after a Break, 699 (printed) after a failed write.
+// Opens the file behind `using`, with `suffix` unless its name has one, and lets `body` write, which returns 0 or a
+// code. A file that was not written whole is removed: 1 after a Break, 699 (printed) after a failed write.
 Int4 writetext(const char* suffix, boolean replace, const std::function<Int4(bytewriter&)>& body);
 
 }  // namespace velmo

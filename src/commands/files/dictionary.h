@@ -1,5 +1,5 @@
-// Where the values of each variable stand in the lines of a text file: the field table, which a dictionary of infile, or
-// the specifications of infix, fill. Nothing is made of it here: names are checked against each other and the rules
+// Where the values of each variable stand in the lines of a text file: the field table, which a dictionary of infile
+// or the specifications of infix fill. Nothing is made of it here: names are checked against each other and the rules
 // only, so that a bad dictionary costs nobody the data in memory.
 #pragma once
 #include <string>
@@ -65,8 +65,8 @@ Int4 infixitem(dicttokens& t, fieldtable& table);
 
 // ---- Reading by the table.
 
-// Observations first..last of the data into the dataset, whose variables are made. 0, 1, 611, 612 (what was read stays),
-// 691, 901 and those of the number rule.
+// Observations first..last of the data into the dataset, whose variables are made. 0, 1, 611, 612 (what was read
+// stays), 691, 901 and those of the number rule.
 Int4 readfields(linereader& lines, const fieldtable& table, Int4 first, Int4 last);
 
 }  // namespace velmo

@@ -15,8 +15,8 @@ struct infileoptions {
 };
 enum infileform { form_free, form_dictionary, form_columns };
 
-// From the cursor, which is put back: the file behind `using` and the options that the form knows. 18 for data in memory
-// without `clear`; 100 without a file where one must stand; 198.
+// From the cursor, which is put back: the file behind `using` and the options that the form knows. 18 for data in
+// memory without `clear`; 100 without a file where one must stand; 198.
 Int4 optionsahead(infileoptions& o, infileform form);
 // The rest of the command: if, in, using, options. The range goes to first and last, so that firstobs and lastobs fit
 // the rows, which are counted from 1.

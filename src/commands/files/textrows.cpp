@@ -47,7 +47,7 @@ Int4 rows_add() {
         if (Int4 rc = obsroom(1)) return error(rc);
     if (nobs + 2 > ptrmark) touchptrs(std::min(maxobs, nobs + 1024));
     std::memcpy(rowptr(nobs + 1), rowinhand.data(), rowinhand.size());
-    nobs++;
+    grouplast = ++nobs;
     if (ifgiven && !exp_iftest(nobs)) nobs--;
     return 0;
 }

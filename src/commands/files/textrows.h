@@ -1,5 +1,5 @@
-// The rows that a reader of text adds to a dataset which had none. A row is put together apart from the rectangle, since
-// rows there may move while it is read (a value label that grows needs room), and becomes an observation at once.
+// The rows that a reader of text adds to a dataset which had none. A row is put together apart from the rectangle,
+// since rows there may move while it is read (a value label that grows needs room), and becomes an observation at once.
 #pragma once
 #include <string_view>
 #include <vector>

@@ -1,4 +1,5 @@
 #include "commands/files/celltext.h"
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include "base/platform.h"
@@ -14,9 +15,11 @@ void cells_start(std::vector<cellwriter>& cells, const Int4* vars, Int4 n, const
     for (Int4 i = 0; i < n; i++) {
         Int4 v = vars[i];
         cellwriter cell{v, isstring(v), false, fmt[v - 1], {}, typ[v - 1], mapi[v - 1], 0};
-        const char* digits = cell.format + std::strspn(cell.format, "%-~");
-        cell.width = std::atoi(digits);
-        cell.asis = digits != cell.format + 1 || cell.width == 0;
+        fmtspec spec{};
+        if (!chkfmt(cell.format, 3, &spec) && spec.dpcomma) cell.format[cell.format.find(',')] = '.';
+        std::size_t digits = cell.format.find_first_not_of("%-~");
+        cell.width = std::atoi(cell.format.c_str() + std::min(digits, cell.format.size()));
+        cell.asis = digits != 1 || cell.width == 0;
         if (o.label && !cell.string && lbl[v - 1][0]) vl_load(lbl[v - 1], cell.label);
         cells.push_back(cell);
     }
@@ -51,15 +54,15 @@ char* cell_put(const cellwriter& cell, const UByte* row, const celloptions& o, c
     Double value = readcell(row + cell.offset, cell.type);
     if (value == missing) return out;
     const char* found = labelof(cell, value);
-    return found ? puttext(out, o.quote ? found : trimmed(found), o.quote) : out + fmttrimmed(cell.format, value, out);
+    return found ? puttext(out, o.quote ? found : trimmed(found), o.quote) : out + fmttrimmed(cell.format.c_str(), value, out);
 }
 
 char* cell_putall(const cellwriter& cell, const UByte* row, const celloptions& o, char* out) {
     if (cell.string) return puttext(out, stringof(cell, row), o.quote);
     Double value = readcell(row + cell.offset, cell.type);
     if (const char* found = labelof(cell, value)) return puttext(out, found, o.quote);
-    if (!cell.asis) return out + fmttrimmed(cell.format, value, out);
-    Int4 n = fmtnum(cell.format, value);
+    if (!cell.asis) return out + fmttrimmed(cell.format.c_str(), value, out);
+    Int4 n = fmtnum(cell.format.c_str(), value);
     std::memcpy(out, dbuf, std::size_t(n));
     return out + n;
 }

@@ -16,7 +16,7 @@ struct cellwriter {
     Int4 var;
     boolean string;
     boolean asis;         // the format has its own way of filling its width
-    const char* format;
+    std::string format;   // without a decimal comma: files have points
     vallabel label;
     UByte type;
     UInt4 offset;         // in the row

@@ -75,8 +75,10 @@ Int4 numbers_read(std::string_view text, boolean quoted, Int4 var, Int4 obs, Dou
     readable = true;
     value = missing;
     if (text == "." && !quoted) return 0;
-    if (!quoted && readnumber(trimmed(text.substr(0, 79)), value) && datavalue(value) != missing) return 0;
-    value = missing;
+    if (!quoted && readnumber(trimmed(text.substr(0, 79)), value)) {
+        value = datavalue(value);
+        return 0;
+    }
     if (!quoted && !text.empty() && text[0] == '"') text.remove_prefix(1);
     const char* name = lbl[var - 1];
     if (uselabels && name[0] && !text.empty())

@@ -30,7 +30,7 @@ Int4 rows_text(const rowcell& cell, std::string_view text, boolean quoted, Int4 
     UByte* p = rowinhand.data() + cell.offset;
     if (isstringtype(cell.type)) {
         std::size_t n = std::min<std::size_t>(text.size(), cell.type);
-        std::memcpy(p, text.data(), n);
+        std::copy_n(text.data(), n, p);      // an empty text may have no place
         std::memset(p + n, 0, cell.type - n);
         return 0;
     }

@@ -116,6 +116,18 @@ Double vl_texttoval(std::string_view name, std::string_view text) {
     return i < 0 ? missing : l.values[std::size_t(i)];
 }
 
+Int4 vl_append(vallabel& l, std::string_view text, Double& value) {
+    Int4 next = 1;
+    if (!l.values.empty()) {
+        if (l.values.back() >= longmissing - 1) return 134;
+        next = l.values.back() + 1;
+    }
+    if (l.values.size() >= std::size_t(maxlabelentries)) return 134;
+    insert(l, l.values.size(), next, text);
+    value = next;
+    return 0;
+}
+
 Int4 vl_nextval(std::string_view name, std::string_view text, Double& value) {
     vallabel l;
     std::string key(name), copy(text.substr(0, maxlabeltext));
@@ -125,13 +137,7 @@ Int4 vl_nextval(std::string_view name, std::string_view text, Double& value) {
         value = l.values[std::size_t(i)];
         return 0;
     }
-    Int4 next = 1;
-    if (!l.values.empty()) {
-        if (l.values.back() >= longmissing - 1) return 134;
-        next = l.values.back() + 1;
-    }
-    insert(l, l.values.size(), next, copy);
-    value = next;
+    if (Int4 rc = vl_append(l, copy, value)) return rc;
     return vl_store(key, l);
 }
 

@@ -32,6 +32,8 @@ boolean vl_valtotext(std::string_view name, Double value, char* out, std::size_t
 Double vl_texttoval(std::string_view name, std::string_view text);
 // Adds text under the next free value (one above the highest, 1 when empty) unless it is there; its value in `value`.
 Int4 vl_nextval(std::string_view name, std::string_view text, Double& value);
+// The same for a label in hand, which doesn't have the text yet (244 bytes at most): for many texts, stored once.
+Int4 vl_append(vallabel& label, std::string_view text, Double& value);
 Int4 vl_maxtext(std::string_view name);                  // longest text in bytes, 0 when none
 // Adds or changes one entry; an empty text removes it. Makes the label when it is new.
 Int4 vl_put(std::string_view name, Int4 value, std::string_view text);

@@ -53,8 +53,8 @@ char* cell_put(const cellwriter& cell, const UByte* row, const celloptions& o, c
     }
     Double value = readcell(row + cell.offset, cell.type);
     if (value == missing) return out;
-    const char* found = labelof(cell, value);
-    return found ? puttext(out, o.quote ? found : trimmed(found), o.quote) : out + fmttrimmed(cell.format.c_str(), value, out);
+    if (const char* found = labelof(cell, value)) return puttext(out, o.quote ? found : trimmed(found), o.quote);
+    return out + fmttrimmed(cell.format.c_str(), value, out);
 }
 
 char* cell_putall(const cellwriter& cell, const UByte* row, const celloptions& o, char* out) {

@@ -136,8 +136,9 @@ Int4 cmd_input() {
     UByte changed = datachanged;
     Int4 rc = fill ? fillnew(s) : appendlines(s);
     datachanged = wasempty && nobs == 0 ? changed : UByte(1);
+    Int4 failed = numbers_end();
     for (Int4 var : s.vars) numbers_widen(var);
-    return rc;
+    return rc ? rc : failed;
 }
 
 }  // namespace velmo

@@ -189,16 +189,17 @@ inline fieldend nextfield(fieldreader& f) {
 
 // ---- The delimiter.
 
-struct linecounts { Int4 commas, tabs; boolean last; };
+struct linecounts { Int4 commas, tabs; boolean last, empty; };
 
 linecounts countline(fieldreader& f) {
-    linecounts n{0, 0, false};
+    linecounts n{0, 0, false, true};
     for (boolean quoted = false;;) {
         Int4 c = reader_next(f.bytes);
         if (c >= read_eof) {
             n.last = true;
             return n;
         }
+        n.empty = false;
         if (c == '"') quoted = !quoted;
         if (quoted) continue;
         if (c == ',') n.commas++;
@@ -219,7 +220,7 @@ Int4 guessdelimiter(Int4 handle, char& delimiter) {
     if (!first.commas || !first.tabs) return 0;
     while (!first.last) {
         linecounts next = countline(f);
-        if (next.last && !next.commas && !next.tabs) break;
+        if (next.last && next.empty) break;
         boolean tabschanged = next.tabs != first.tabs, commaschanged = next.commas != first.commas;
         if (commaschanged && tabschanged) return error(615);
         if (commaschanged || tabschanged) {

@@ -1,6 +1,7 @@
-// Texts of value labels are looked up in an index made from the label once; the label itself is written only when a
-// text is added.
+// Texts of value labels are looked up in an index made from the label once. New ones go into a copy of the label, which
+// is stored at the end: a label stored with every new text would be written as often as it has texts.
 #include "commands/files/textnumber.h"
+#include <algorithm>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -22,35 +23,35 @@ struct texthash {
 };
 using textindex = std::unordered_map<std::string, Double, texthash, std::equal_to<>>;
 
-boolean uselabels, addtexts;
-std::unordered_map<std::string, textindex> indexes;      // by the label's name
-
-textindex makeindex(const char* name) {
-    textindex index;
+struct labelinhand {
     vallabel label;
-    vl_load(name, label);
-    for (std::size_t i = 0; i < label.values.size(); i++)
-        index.emplace(label.texts.data() + label.offsets[i], label.values[i]);      // of two alike the first counts
-    return index;
-}
+    textindex index;
+    boolean grown = false;
+};
 
-textindex& indexof(const char* name) {
-    auto found = indexes.find(name);
-    return found != indexes.end() ? found->second : indexes.emplace(name, makeindex(name)).first->second;
+boolean uselabels, addtexts;
+std::unordered_map<std::string, labelinhand> labels;      // by name
+
+labelinhand& takelabel(const char* name) {
+    auto found = labels.find(name);
+    if (found != labels.end()) return found->second;
+    labelinhand& l = labels[name];
+    vl_load(name, l.label);
+    for (std::size_t i = 0; i < l.label.values.size(); i++)      // of two alike the first counts
+        l.index.emplace(l.label.texts.data() + l.label.offsets[i], l.label.values[i]);
+    return l;
 }
 
 // The value that the variable's label has for a text, or gets for it.
 Int4 labelvalue(const char* name, std::string_view text, Double& value) {
-    textindex& index = indexof(name);
-    text = text.substr(0, maxlabeltext);
-    auto found = index.find(text);
-    if (found != index.end()) value = found->second;
-    if (found != index.end() || !addtexts) return 0;
-    if (Int4 rc = vl_nextval(name, text, value)) {
-        value = missing;
-        return rc == 134 ? error(rc) : rc;
-    }
-    index.emplace(text, value);
+    labelinhand& l = takelabel(name);
+    text = text.substr(0, std::min(text.find('\0'), std::size_t(maxlabeltext)));
+    auto found = l.index.find(text);
+    if (found != l.index.end()) value = found->second;
+    if (found != l.index.end() || !addtexts || text.empty()) return 0;
+    if (Int4 rc = vl_append(l.label, text, value)) return error(rc);
+    l.index.emplace(text, value);
+    l.grown = true;
     return 0;
 }
 
@@ -65,10 +66,10 @@ void complain(std::string_view text, Int4 var, Int4 obs) {
 
 }  // namespace
 
-void numbers_start(boolean labels, boolean automatic) {
-    uselabels = labels;
+void numbers_start(boolean uses, boolean automatic) {
+    uselabels = uses;
     addtexts = automatic;
-    indexes.clear();
+    labels.clear();
 }
 
 Int4 numbers_read(std::string_view text, boolean quoted, Int4 var, Int4 obs, Double& value, boolean& readable) {
@@ -86,6 +87,14 @@ Int4 numbers_read(std::string_view text, boolean quoted, Int4 var, Int4 obs, Dou
     readable = value != missing;
     if (!readable) complain(text, var, obs);
     return 0;
+}
+
+Int4 numbers_end() {
+    Int4 rc = 0;
+    for (auto& [name, l] : labels)
+        if (l.grown && !rc) rc = vl_store(name, l.label);
+    labels.clear();
+    return rc;
 }
 
 void numbers_widen(Int4 var) {

@@ -7,13 +7,15 @@
 
 namespace velmo {
 
-// Begins reading: `labels` lets value labels' texts count, `automatic` adds new ones to the labels attached.
-void numbers_start(boolean labels, boolean automatic);
+// Begins reading: `uses` lets value labels' texts count, `automatic` adds new ones to the labels attached.
+void numbers_start(boolean uses, boolean automatic);
 // The value of `text` for numeric variable `var`; missing when there is none. A text that stood in quotes is no
 // number but may be a label's. The message, when there is one, names variable and observation unless obs is 0; readable
-// is then false. 0, or 134, 950 (printed) when a label can't take a new text.
+// is then false. 0, or 134 (printed) when a label can't take another text.
 Int4 numbers_read(std::string_view text, boolean quoted, Int4 var, Int4 obs, Double& value, boolean& readable);
-// The format of a labelled variable widened for the texts that `automatic` may have added.
+// Stores the labels that have grown: 0 or 950 (printed).
+Int4 numbers_end();
+// With `automatic`, the format of a labelled variable widened to the label's longest text.
 void numbers_widen(Int4 var);
 
 // The value of a plain decimal of 1 to 16 bytes, which most cells are; false when it is something else. Reads

@@ -53,6 +53,11 @@ Int4 rows_add() {
 }
 
 Int4 rows_end(Int4 rc, boolean keep) {
+    if (rc <= 1 || keep)
+        if (Int4 failed = numbers_end()) {
+            rc = failed;
+            keep = false;
+        }
     if (rc > 1 && !keep) {
         cleardata(true);
         return rc;

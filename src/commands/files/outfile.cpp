@@ -48,16 +48,17 @@ void endline(linewriter& l) {
     l.cells = l.columns = l.blanks = 0;
 }
 
-void commacell(linewriter& l, std::string_view text, boolean wide) {
-    Int4 n = Int4(text.size()) + (l.cells > 0);
-    if (!wide && l.cells > 0 && l.columns + n > longestline) {
-        endline(l);
-        n = Int4(text.size());
-    }
-    if (l.cells > 0) puttext(l, ",");
-    puttext(l, text);
+// The cell goes into the writer's buffer where it will stand; ahead of it a comma, or the line end before a cell that
+// is too much for the line.
+void commacell(linewriter& l, const cellwriter& cell, const UByte* row, const celloptions& o, boolean wide) {
+    char* out = writer_room(*l.w, cellroom + 1);
+    char* from = l.cells > 0 ? out + 1 : out;
+    char* end = cell_put(cell, row, o, from);
+    boolean ends = !wide && l.cells > 0 && l.columns + Int4(end - out) > longestline;
+    if (l.cells > 0) *out = ends ? '\n' : ',';
+    l.columns = ends ? Int4(end - from) : l.columns + Int4(end - out);
     l.cells++;
-    l.columns += n;
+    l.w->len = std::size_t(end - l.w->buf);
 }
 
 // A cell right-aligned in `width`, two blanks behind it.
@@ -122,8 +123,7 @@ void writerow(writing& s, const UByte* row) {
     for (std::size_t i = 0; i < s.cells.size(); i++) {
         const cellwriter& cell = s.cells[i];
         if (s.o.comma) {
-            char* end = cell_put(cell, row, s.o.cells, text);
-            commacell(s.line, {text, std::size_t(end - text)}, s.o.wide);
+            commacell(s.line, cell, row, s.o.cells, s.o.wide);
             continue;
         }
         if (s.breaks[i]) endline(s.line);

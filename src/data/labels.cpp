@@ -116,49 +116,31 @@ Double vl_texttoval(std::string_view name, std::string_view text) {
     return i < 0 ? missing : l.values[std::size_t(i)];
 }
 
-namespace {
+void vl_take(labelinhand& l, std::string_view name) {
+    vl_load(name, l.label);
+    l.label.exists = true;
+    for (std::size_t i = 0; i < l.label.values.size(); i++)      // of two alike the first counts
+        l.index.emplace(textat(l.label, i), l.label.values[i]);
+}
 
-// Appends a text under the next free value: 0, 134.
-Int4 appendtext(vallabel& l, std::string_view text, Double& value) {
-    if (l.values.size() >= std::size_t(maxlabelentries)) return 134;
-    if (!l.values.empty() && l.values.back() >= longmissing - 1) return 134;
-    Int4 next = l.values.empty() ? 1 : l.values.back() + 1;
-    insert(l, l.values.size(), next, text);
+Double vl_texttoval(const labelinhand& l, std::string_view text) {
+    auto found = l.index.find(text.substr(0, maxlabeltext));
+    return found == l.index.end() ? missing : found->second;
+}
+
+Int4 vl_nextval(labelinhand& l, std::string_view text, Double& value) {
+    text = text.substr(0, maxlabeltext);
+    value = vl_texttoval(l, text);
+    if (value != missing) return 0;
+    vallabel& label = l.label;
+    if (label.values.size() >= std::size_t(maxlabelentries)) return 134;
+    if (!label.values.empty() && label.values.back() >= longmissing - 1) return 134;
+    Int4 next = label.values.empty() ? 1 : label.values.back() + 1;
+    insert(label, label.values.size(), next, text);
+    l.index.emplace(text, next);
+    l.grown = true;
     value = next;
     return 0;
-}
-
-}  // namespace
-
-Int4 vl_nextval(std::string_view name, std::string_view text, Double& value) {
-    vallabel l;
-    std::string key(name), copy(text.substr(0, maxlabeltext));
-    vl_load(key, l);
-    Int4 i = indexoftext(l, copy);
-    if (i >= 0) {
-        value = l.values[std::size_t(i)];
-        return 0;
-    }
-    if (Int4 rc = appendtext(l, copy, value)) return rc;
-    return vl_store(key, l);
-}
-
-void textcoder::start(std::string_view name) {
-    vl_load(name, label);
-    label.exists = true;
-    for (std::size_t i = 0; i < label.values.size(); i++) known.emplace(textat(label, i), label.values[i]);
-}
-
-Int4 textcoder::code(std::string_view text, Double& value) {
-    std::string key(text.substr(0, maxlabeltext));
-    auto [at, isnew] = known.emplace(key, 0);
-    if (!isnew) {
-        value = at->second;
-        return 0;
-    }
-    Int4 rc = appendtext(label, key, value);
-    at->second = rc ? 0 : Int4(value);
-    return rc;
 }
 
 Int4 vl_maxtext(std::string_view name) {

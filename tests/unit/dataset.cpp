@@ -457,10 +457,13 @@ TEST_F(dataset, labels_and_characteristics) {
     EXPECT_TRUE(vl_valtotext("l", 7, text, sizeof text));
     EXPECT_STREQ(text, "seven");
     Double value;
-    EXPECT_EQ(vl_nextval("l", "new", value), 0);
+    labelinhand hand;
+    vl_take(hand, "l");
+    EXPECT_EQ(vl_nextval(hand, "new", value), 0);
     EXPECT_EQ(value, 101);
-    EXPECT_EQ(vl_nextval("l", "seven", value), 0);
+    EXPECT_EQ(vl_nextval(hand, "seven", value), 0);
     EXPECT_EQ(value, 7);
+    EXPECT_EQ(vl_texttoval(hand, "none"), missing);
     putlabel("m", 1, "a");
     EXPECT_EQ(vl_names(), (std::vector<std::string>{"l", "m"}));
     EXPECT_TRUE(vl_drop("l"));

@@ -346,14 +346,14 @@ Int4 textorder(Int4 source, std::vector<Int4>& list) {
 
 // Gives every distinct text its value, adding to the label what it lacks.
 Int4 assigncodes(Int4 source, Int4 var, const std::string& label, const std::vector<Int4>& list) {
-    textcoder texts;
-    texts.start(label);
+    labelinhand texts;
+    vl_take(texts, label);
     std::string_view last;
     Double value = missing;
     for (Int4 obs : list) {
         std::string_view text = strcell(source, obs);
         if (text != last)
-            if (Int4 rc = texts.code(text, value)) return error(rc);
+            if (Int4 rc = vl_nextval(texts, text, value)) return error(rc);
         last = text;
         putobs(var, obs, value);
         if (tick()) return 1;

@@ -20,8 +20,8 @@ program define _egby, sclass
 	quietly {
 		capture `s(by)' generate double `value' = `exp' if `sample'
 		if _rc == 109 & "`strings'" != "" {
-			`s(by)' generate str244 `value' = `exp' if `sample'
-			compress `value'
+			generate str1 `value' = ""
+			`s(by)' replace `value' = `exp' if `sample'
 		}
 		else if _rc {
 			noisily `s(by)' generate double `value' = `exp' if `sample'

@@ -18,8 +18,8 @@ program define _gconcat
 			drop `piece'
 			local separator `"`punct'"'
 		}
-		generate str244 `new' = `all' if `sample'
-		compress `new'
+		generate str1 `new' = ""
+		replace `new' = `all' if `sample'
 	}
 end
 
@@ -28,7 +28,8 @@ program define Text
 	args piece v decode format
 	capture confirm string variable `v'
 	if !_rc {
-		generate str244 `piece' = `v'
+		generate str1 `piece' = ""
+		replace `piece' = `v'
 		exit
 	}
 	local label : value label `v'
@@ -40,7 +41,8 @@ program define Text
 		local type : type `v'
 		local format = cond("`type'" == "float", "%9.0g", "%18.0g")
 	}
-	generate str244 `piece' = trim(string(`v', "`format'"))
+	generate str1 `piece' = ""
+	replace `piece' = trim(string(`v', "`format'"))
 	capture confirm variable `labelled'
 	if !_rc {
 		replace `piece' = `labelled' if `labelled' != ""

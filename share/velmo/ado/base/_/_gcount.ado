@@ -8,6 +8,5 @@ program define _gcount
 	quietly {
 		`s(by)' generate long `varlist' = sum(!missing(`x'))
 		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-		compress `varlist'
 	}
 end

@@ -24,7 +24,7 @@ program define _gcut
 			Intervals `x' `code' `low' `at'
 		}
 		local result = cond("`icodes'`label'" == "", "`low'", "`code'")
-		local type = cond("`icodes'`label'" == "", "`type'", "int")
+		local type = cond("`icodes'`label'" == "", "`type'", "long")
 		generate `type' `new' = `result'
 	}
 	if "`label'" != "" {
@@ -38,13 +38,14 @@ program define Intervals
 	gettoken code 0 : 0
 	gettoken low 0 : 0
 	local i 0
-	foreach a of local 0 {
+	local ends `0'
+	foreach a of local ends {
 		replace `code' = `i' if `x' >= `a' & `x' < .
 		replace `low' = `a' if `x' >= `a' & `x' < .
 		local i = `i' + 1
 	}
-	replace `code' = . if `x' >= `a'
-	replace `low' = . if `x' >= `a'
+	replace `code' = . if `code' == `i' - 1
+	replace `low' = . if `code' >= .
 end
 
 * The ends are percentiles by the rule of summarize, detail; equal values are never parted.

@@ -14,7 +14,6 @@ program define _ggroup
 		by `use' `by' `varlist': generate byte `first' = _n == 1
 		by `use' `by': generate long `new' = sum(`first')
 		replace `new' = . if !`use'
-		compress `new'
 	}
 	label variable `new' "group(`varlist')"
 	if "`label'" != "" {
@@ -32,7 +31,7 @@ program define Label
 	gettoken first 0 : 0
 	gettoken use 0 : 0
 	tempvar text
-	_gconcat str244 `text' = (`0') if `first' & `use', decode punct(" ")
+	_gconcat str1 `text' = (`0') if `first' & `use', decode punct(" ")
 	quietly replace `first' = !(`first' & `use')
 	sort `first' `new'
 	quietly count if !`first'
@@ -40,7 +39,9 @@ program define Label
 	capture label drop `name'
 	forvalues i = 1/`r(N)' {
 		local value = `text'[`i']
-		label define `name' `i' `"`value'"', add
+		if `"`value'"' != "" {
+			label define `name' `i' `"`value'"', add
+		}
 	}
 	label values `new' `name'
 end

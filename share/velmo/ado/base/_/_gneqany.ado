@@ -13,7 +13,6 @@ program define _gneqany
 				replace `n' = `n' + (`v' == `value')
 			}
 		}
-		generate int `new' = `n' if `sample'
-		compress `new'
+		generate long `new' = `n' if `sample'
 	}
 end

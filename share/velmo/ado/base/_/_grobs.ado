@@ -11,7 +11,6 @@ program define _grobs
 		foreach v of local varlist {
 			replace `n' = `n' + !missing(`v')
 		}
-		generate int `new' = `n' if `sample'
-		compress `new'
+		generate long `new' = `n' if `sample'
 	}
 end

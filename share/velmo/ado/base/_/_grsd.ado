@@ -18,6 +18,6 @@ program define _grsd
 		foreach v of local varlist {
 			replace `ss' = `ss' + (`v' - `total')^2 if `v' < .
 		}
-		generate `type' `new' = sqrt(`ss' / (`n' - 1)) if `sample'
+		generate `type' `new' = sqrt(`ss' / (`n' - 1)) if `sample' & `n' > 1
 	}
 end

@@ -8,7 +8,7 @@ program define _gsd
 	quietly {
 		`s(by)' generate double `mean' = sum(`x') / sum(`x' < .)
 		`s(by)' replace `mean' = `mean'[_N]
-		`s(by)' generate `typlist' `varlist' = sqrt(sum((`x' - `mean')^2) / (sum(`x' < .) - 1))
+		`s(by)' generate `typlist' `varlist' = sqrt(sum((`x' - `mean')^2) / cond(sum(`x' < .) > 1, sum(`x' < .) - 1, .))
 		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
 	}
 end

@@ -19,6 +19,5 @@ program define _gseq
 		sort `sample' `by' `order'
 		by `sample' `by': generate long `i' = int((_n - 1) / `block')
 		generate long `new' = `from' + cond(`to' < `from', -1, 1) * mod(`i', abs(`to' - `from') + 1) if `sample'
-		compress `new'
 	}
 end

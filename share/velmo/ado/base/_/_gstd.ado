@@ -12,7 +12,7 @@ program define _gstd
 	quietly {
 		`s(by)' generate double `m' = sum(`x') / sum(`x' < .)
 		`s(by)' replace `m' = `m'[_N]
-		`s(by)' generate double `s' = sqrt(sum((`x' - `m')^2) / (sum(`x' < .) - 1))
-		`s(by)' generate `typlist' `varlist' = (`x' - `m') / `s'[_N] * (`std') + (`mean') if `s'[_N] > 0
+		`s(by)' generate double `s' = sqrt(sum((`x' - `m')^2) / cond(sum(`x' < .) > 1, sum(`x' < .) - 1, .))
+		`s(by)' generate `typlist' `varlist' = (`x' - `m') / `s'[_N] * (`std') + (`mean') if `s'[_N] > 0 & `s'[_N] < .
 	}
 end

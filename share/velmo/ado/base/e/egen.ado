@@ -46,6 +46,9 @@ program define egen, byable(onecall) sortpreserve sclass
 	if "`type'" != "" {
 		Retype `type' `made'
 	}
+	else {
+		Narrow `made'
+	}
 	Finish `made' `"`fcn'(`args')"' `by'
 	rename `made' `new'
 end
@@ -77,7 +80,20 @@ program define Checkfcn
 	}
 end
 
-* Functions of codes and counts choose a type for themselves; the type that was typed has the last word.
+* Functions of codes and counts make a long, which becomes as narrow as its values allow.
+program define Narrow
+	args made
+	local type : type `made'
+	if "`type'" == "long" {
+		quietly compress `made'
+		local type : type `made'
+		if index(" byte int ", " `type' ") & "`:value label `made''" == "" {
+			format `made' %8.0g
+		}
+	}
+end
+
+* The type that was typed has the last word.
 program define Retype
 	args type made
 	local has : type `made'

@@ -34,14 +34,16 @@ program define egen, byable(onecall) sortpreserve sclass
 	if "`type'" == "" {
 		local default : set type
 	}
-	local byopt
 	if "`by'" != "" {
-		local byopt by(`by')
+		local options `"by(`by') `options'"'
+	}
+	if `"`options'"' != "" {
+		local options `", `options'"'
 	}
 	tempvar made
 	sreturn clear
 	sreturn local newvar `new'
-	_g`fcn' `default' `made' = (`args') `if' `in', `byopt' `options'
+	_g`fcn' `default' `made' = (`args') `if' `in' `options'
 	confirm variable `made'
 	if "`type'" != "" {
 		Retype `type' `made'

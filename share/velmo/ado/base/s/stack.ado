@@ -60,7 +60,7 @@ program define Newnames
 	confirm names `list'
 	foreach name of local list {
 		if "`name'" == "_stack" | index("`seen'", " `name' ") {
-			display as error "into(): `name' may not be used, or not twice"
+			display as error cond("`name'" == "_stack", "_stack may not stand in into()", "into() names `name' twice")
 			exit 110
 		}
 		local seen "`seen' `name' "

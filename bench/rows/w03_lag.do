@@ -5,5 +5,5 @@ generate double l = x - x[_n-1]
 drop l
 * check
 generate double l = x - x[_n-1]
-generate double s = sum(l)
-assert abs(s[_N] - (x[_N] - x[1])) < 1e-6
+generate double total = sum(l)
+assert abs(total[_N] - (x[_N] - x[1])) < 1e-6

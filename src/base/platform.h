@@ -14,7 +14,8 @@ struct clocktime { Int4 year, month, day, hour, minute, second; };   // month 1 
 std::int64_t clockms();                  // milliseconds of a clock that never goes back
 clocktime localclock();
 void sleepms(Int4 ms);                   // returns early on a signal
-void installsignals();                   // SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE and SIGXFSZ are ignored
+// SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE and SIGXFSZ are ignored.
+void installsignals();
 
 // Files. openread and so on return a descriptor, or -1 with the reason in openfailure.
 enum openreason { open_fine, open_notfound, open_exists, open_refused };
@@ -27,7 +28,7 @@ boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not a
 extern boolean diskfull;                 // why the last write that failed did: there was no room
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error
 boolean fileclose(Int4 fd);
-boolean fileremove(const char* name);
+boolean fileremove(const char* name);                        // never a device
 boolean filerename(const char* from, const char* to);
 
 struct fileinfo { boolean exists, isdirectory; Filepos size; clocktime changed; };

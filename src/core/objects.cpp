@@ -320,6 +320,7 @@ object* objolder(object* o) {
     key k(o->name, o->type);
     UInt4 e = entries[entryof(o)].chain;
     while (e && !matches(e, k)) e = entries[e].chain;
+    if (e) lastused = e;       // a walk asks for it next
     return e ? objectof(e) : nullptr;
 }
 

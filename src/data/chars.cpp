@@ -33,16 +33,22 @@ std::string char_get(std::string_view owner, std::string_view name) {
 
 boolean char_exists(std::string_view owner, std::string_view name) { return findchar(owner, name) != nullptr; }
 
-Int4 char_set(std::string_view owner, std::string_view name, std::string_view text) {
-    std::string record(namesize, 0), key(owner), field(name.substr(0, namelen));
-    std::memcpy(record.data(), field.data(), field.size());
+Int4 char_add(std::string_view owner, std::string_view name, std::string_view text) {
+    std::string record(namesize, 0);
+    name = name.substr(0, namelen);
+    std::memcpy(record.data(), name.data(), name.size());
     record += text.substr(0, maxchartext);
     record += '\0';
-    if (!text.empty()) {
-        object* made = objnew(key, obj_char, record.size(), record.size());
-        if (!made) return 950;
-        objwrite(made, 0, record.data(), record.size());
-    }
+    object* made = objnew(owner, obj_char, record.size(), record.size());
+    if (!made) return 950;
+    objwrite(made, 0, record.data(), record.size());
+    return 0;
+}
+
+Int4 char_set(std::string_view owner, std::string_view name, std::string_view text) {
+    std::string key(owner), field(name.substr(0, namelen));
+    if (!text.empty())
+        if (Int4 rc = char_add(key, field, text)) return rc;
     // The older record of that name, if there is one, goes now that the new one is safe.
     object* newest = objfind(key, obj_char);
     if (newest && !text.empty()) newest = objolder(newest);

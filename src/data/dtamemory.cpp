@@ -2,6 +2,7 @@
 // rectangle, a run of bytes for each row and piece, with nothing done for a cell.
 #include <algorithm>
 #include <cstring>
+#include <unordered_set>
 #include "base/poll.h"
 #include "base/text.h"
 #include "data/cells.h"
@@ -60,14 +61,17 @@ void taketables(const dtafile& f, const std::vector<Int4>& keep) {
     namesmoved();
 }
 
+// A file may hold very many: what has been met is kept here, so that each need not be looked for in memory.
 Int4 takechars(dtafile& f, const std::vector<UInt2>& number) {
+    std::unordered_set<std::string> met;
     dtachar c;
     boolean found;
     while (true) {
         if (Int4 rc = dta_nextchar(f, c, found)) return rc;
         if (!found) return 0;
         if (c.owner != "_dta" && !number[std::size_t(f.numbers[c.owner])]) continue;
-        if (Int4 rc = char_set(c.owner, c.name, c.text)) return rc;
+        boolean first = met.insert(c.owner + ' ' + c.name).second;
+        if (Int4 rc = (first ? char_add : char_set)(c.owner, c.name, c.text)) return rc;
     }
 }
 

@@ -31,11 +31,6 @@ static_assert(sizeof(record) == 28);
 
 struct kept { record r; std::string file, dataset; };
 
-std::string macrotext(const char* name) {
-    const char* value = macroget(name);
-    return value ? value : "";
-}
-
 Int4 storerecord(Int4 slot, const kept& k) {
     std::string bytes(reinterpret_cast<const char*>(&k.r), sizeof k.r);
     bytes.append(k.file.c_str(), k.file.size() + 1).append(k.dataset.c_str(), k.dataset.size() + 1);
@@ -86,6 +81,7 @@ Int4 bringback(const kept& k) {
 [[noreturn]] void giveup(const kept& k) {
     saved loud(quietlevel, UByte(0));
     prterr("preserved data could not be restored; they remain in " + k.file + "\n");
+    prtflush();
     tempfile_keep(k.file);
     messagebox("Error--Velmo Exiting:", "Check Results Window for filename");
     shutdown(900);
@@ -99,7 +95,7 @@ Int4 preserve_data() {
     Int4 slot = tempfile_next('i');
     char file[pathsize];
     if (Int4 rc = tempfilename(file, 'i', slot)) return error(rc);
-    kept k{{UInt4(memory / 1024), nobs, datachanged, UByte(nvar > 0), {}}, file, macrotext("S_FN")};
+    kept k{{UInt4(memory / 1024), nobs, datachanged, UByte(nvar > 0), {}}, file, std::string(macrotext("S_FN"))};
     copytext(k.r.stamp, sizeof k.r.stamp, macrotext("S_FNDATE"));
     savechoice choice{.all = true, .unused = true};
     if (k.r.hasdata)

@@ -1,6 +1,6 @@
 // preserve and restore: the dataset kept in a temporary file while a program spoils it. A level (the console, a
-// do-file, a program) can preserve once at a time; its slot is the number of the temporary file, and what else must come
-// back is an object of kind 16 named by that number:
+// do-file, a program) can preserve once at a time; its slot is the number of the temporary file, and what else must
+// come back is an object of kind 16 named by that number:
 //   memory in kilobytes UInt4 | nobs Int4 | changed | has variables | S_FNDATE 18 bytes || file name | S_FN
 // All value labels are kept, also those that no variable has.
 #pragma once

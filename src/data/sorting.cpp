@@ -8,6 +8,7 @@
 #include "data/sorting.h"
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstring>
 #include <vector>
 #include "base/memalloc.h"
@@ -20,7 +21,7 @@ UInt4 sortseed = 1001;
 
 namespace {
 
-struct keyrecord { std::uint64_t key; Int4 obs; UInt4 spare; };
+struct keyrecord { std::uint64_t key; Int4 obs; UInt4 work; };
 struct rankrecord { UInt4 rank, row; };
 struct span { Int4 lo, hi; };      // records lo to hi - 1
 
@@ -32,27 +33,53 @@ std::uint64_t orderedbits(Double v) {
 
 // Bytes 8*piece to 8*piece + 7 of a string as a big-endian number, with zeros behind the string's end.
 std::uint64_t stringpiece(const UByte* cell, Int4 size, Int4 piece) {
-    UByte part[8] = {};
-    Int4 n = std::min(size - 8 * piece, 8);
-    std::memcpy(part, cell + 8 * piece, std::size_t(n));
-    std::uint64_t key = 0;
-    boolean ended = false;
-    for (Int4 i = 0; i < 8; i++) {
-        ended = ended || part[i] == 0;
-        key = key << 8 | (ended ? 0 : part[i]);
-    }
-    return key;
+    constexpr std::uint64_t ones = 0x0101010101010101u;
+    std::uint64_t word = 0;
+    Int4 n = size - 8 * piece;
+    if (n >= 8)
+        std::memcpy(&word, cell + 8 * piece, 8);
+    else
+        for (Int4 i = n - 1; i >= 0; i--) word = word << 8 | cell[8 * piece + i];
+    // The lowest byte that is zero, if any, has its highest bit set here; what stands above it goes.
+    std::uint64_t zero = (word - ones) & ~word & ones << 7;
+    if (zero) word &= (zero & -zero) / 128 - 1;
+    return __builtin_bswap64(word);
 }
 
 Int4 pieces(Int4 var) { return isstring(var) ? (typ[var - 1] + 7) / 8 : 1; }
 
-void gatherkeys(keyrecord* r, Int4 n, Int4 var, Int4 piece) {
+std::uint64_t keyof(const UByte* cell, UByte type, Int4 piece) {
+    return isstringtype(type) ? stringpiece(cell, type, piece) : orderedbits(readcell(cell, type));
+}
+
+// The records of some spans, one after the other.
+struct spanwalk {
+    keyrecord* r;
+    const std::vector<span>& spans;
+    std::size_t at = 0;
+    Int4 i = 0;
+    spanwalk(keyrecord* records, const std::vector<span>& list) : r(records), spans(list) {
+        if (!list.empty()) i = list[0].lo;
+    }
+    keyrecord* next() {
+        if (at == spans.size()) return nullptr;
+        keyrecord* here = r + i++;
+        if (i == spans[at].hi && ++at < spans.size()) i = spans[at].lo;
+        return here;
+    }
+};
+
+// A piece of a variable into the keys of the records of these spans. Rows that stand in a permuted order are on their
+// way from memory before they are looked at; spans are often too short for that one by one.
+void gatherkeys(keyrecord* r, const std::vector<span>& spans, Int4 var, Int4 piece) {
     column c(var);
     constexpr Int4 ahead = 16;
-    for (Int4 i = 0; i < n; i++) {
-        if (i + ahead < n) __builtin_prefetch(c.at(r[i + ahead].obs));
-        const UByte* cell = c.at(r[i].obs);
-        r[i].key = isstringtype(c.type) ? stringpiece(cell, c.type, piece) : orderedbits(readcell(cell, c.type));
+    spanwalk later(r, spans), now(r, spans);
+    for (Int4 i = 0; i < ahead; i++)
+        if (keyrecord* x = later.next()) __builtin_prefetch(c.at(x->obs));
+    while (keyrecord* x = now.next()) {
+        if (keyrecord* y = later.next()) __builtin_prefetch(c.at(y->obs));
+        x->key = keyof(c.at(x->obs), c.type, piece);
     }
 }
 
@@ -99,20 +126,18 @@ void bucketsort(keyrecord* r, Int4 n) {
         if (end[b] - from > 1) bucketsort(r + from, end[b] - from);
 }
 
-// Sorts the records by all pieces of all variables; `ties` receives the runs that agree on everything. The first
-// piece is in the records already. False on a break.
+// Sorts the records by all pieces of all variables; `ties` receives the runs that agree on everything. False on a
+// break.
 boolean sortpieces(keyrecord* r, Int4 n, const Int4* vars, Int4 nvars, std::vector<span>& ties) {
     std::vector<span> open{{0, n}}, next, settled;
-    boolean first = true;
     for (Int4 v = 0; v < nvars && !open.empty(); v++) {
         Int4 last = pieces(vars[v]) - 1;
         settled.clear();
         for (Int4 piece = 0; piece <= last && !open.empty(); piece++) {
             next.clear();
+            gatherkeys(r, open, vars[v], piece);
             for (span s : open) {
                 if (tick()) return false;
-                if (!first) gatherkeys(r + s.lo, s.hi - s.lo, vars[v], piece);
-                first = false;
                 bucketsort(r + s.lo, s.hi - s.lo);
                 for (Int4 i = s.lo, j; i < s.hi; i = j) {
                     for (j = i + 1; j < s.hi && r[j].key == r[i].key;) j++;
@@ -159,10 +184,45 @@ void shuffle(rankrecord* a, Int4 first, Int4 last) {
 
 struct range { Int4 lo, hi; };
 
+// The swaps of a partition while its two ends are far apart: the k-th record from the left that isn't below the pivot
+// changes places with the k-th from the right that isn't above it. The places are found a block at a time without a
+// branch on the data. i and j are left where the plain scan goes on: everything outside has been dealt with.
+void swapblocks(rankrecord* a, UInt4 pivot, Int4& i, Int4& j) {
+    constexpr Int4 size = 64;
+    UByte left[size], right[size];
+    Int4 nl = 0, nr = 0, l = 0, r = 0;        // places found in each block, and how many of them are used up
+    Int4 from = i, to = j;                    // the blocks begin here and run towards each other
+    boolean haveleft = false, haveright = false;
+    while ((haveleft && haveright) || to - from + 1 >= 2 * size) {
+        if (!haveleft) {
+            nl = l = 0;
+            for (Int4 k = 0; k < size; k++) {
+                left[nl] = UByte(k);
+                nl += a[from + k].rank >= pivot;
+            }
+        }
+        if (!haveright) {
+            nr = r = 0;
+            for (Int4 k = 0; k < size; k++) {
+                right[nr] = UByte(k);
+                nr += a[to - k].rank <= pivot;
+            }
+        }
+        for (; l < nl && r < nr; l++, r++) std::swap(a[from + left[l]], a[to - right[r]]);
+        haveleft = l < nl;
+        haveright = r < nr;
+        from += haveleft ? 0 : size;
+        to -= haveright ? 0 : size;
+    }
+    i = haveleft ? from + left[l] : from;
+    j = haveright ? to - right[r] : to;
+}
+
 // Puts the pivot of [lo, hi] in place and gives the two parts that are left, the left one first.
 void partition(rankrecord* a, Int4 lo, Int4 hi, range (&part)[2]) {
     UInt4 pivot = a[hi].rank;
     Int4 i = lo, j = hi - 1;
+    swapblocks(a, pivot, i, j);
     while (true) {
         while (i < hi && a[i].rank < pivot) i++;
         while (j > i && a[j].rank > pivot) j--;
@@ -199,62 +259,81 @@ boolean quicksort(rankrecord* a, Int4 lo, Int4 hi) {
 
 enum rundirection { run_same, run_up, run_down, run_mixed };
 
-// How neighbours compare, by the first pieces in the records and by the cells where these agree.
-rundirection direction(const keyrecord* r, Int4 n, const Int4* vars, Int4 nvars) {
-    boolean single = nvars == 1 && pieces(vars[0]) == 1;
+// How neighbours compare. Data in no order tell so after a few.
+struct neighbours {
     rundirection found = run_same;
-    for (Int4 i = 1; i < n; i++) {
-        std::uint64_t a = r[i - 1].key, b = r[i].key;
-        Int4 c = a < b ? -1 : a > b;
-        if (c == 0 && !single) c = cmpobs(r[i - 1].obs, r[i].obs, vars, nvars);
-        if (c == 0) continue;
-        rundirection now = c < 0 ? run_up : run_down;
+    boolean add(Int4 c) {
+        rundirection now = c < 0 ? run_up : c > 0 ? run_down : found;
         if (found == run_same) found = now;
-        if (found != now) return run_mixed;
+        if (found != now) found = run_mixed;
+        return found != run_mixed;
     }
-    return found;
+};
+
+rundirection numberdirection(Int4 first, Int4 last, Int4 var) {
+    constexpr Int4 block = 1024;
+    Double values[block + 1];
+    neighbours seen;
+    for (Int4 from = first; from < last; from += block) {
+        Int4 n = std::min(block, last - from) + 1;
+        getcolumn(var, from, n, values);
+        for (Int4 i = 1; i < n; i++)
+            if (values[i - 1] != values[i] && !seen.add(values[i - 1] < values[i] ? -1 : 1)) return run_mixed;
+    }
+    return seen.found;
 }
 
-// Puts observations first to first + n - 1 in the order that the sorted records and their ties define; `ranks` is
-// room for n. False on a break.
-boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties, UInt4* ranks) {
+rundirection direction(Int4 first, Int4 last, const Int4* vars, Int4 nvars) {
+    if (nvars == 1 && !isstring(vars[0])) return numberdirection(first, last, vars[0]);
+    neighbours seen;
+    for (Int4 obs = first; obs < last; obs++)
+        if (!seen.add(cmpobs(obs, obs + 1, vars, nvars))) return run_mixed;
+    return seen.found;
+}
+
+// Puts observations first to first + n - 1 in the order that the sorted records and their ties define. False on a break.
+boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties) {
     UInt4* ptrs = obsptrs + first - 1;
     if (ties.empty()) {
-        for (Int4 i = 0; i < n; i++) ranks[i] = ptrs[r[i].obs - first];
-        std::memcpy(ptrs, ranks, std::size_t(n) * sizeof *ranks);
+        for (Int4 i = 0; i < n; i++) r[i].work = ptrs[r[i].obs - first];
+        for (Int4 i = 0; i < n; i++) ptrs[i] = r[i].work;
         skipdraws(2 * std::uint64_t(n));
         return true;
     }
-    for (Int4 i = 0; i < n; i++) ranks[r[i].obs - first] = UInt4(i);
+    // Ranks by observation, in the records' spare places.
+    for (Int4 i = 0; i < n; i++) r[r[i].obs - first].work = UInt4(i);
     for (span s : ties)
-        for (Int4 i = s.lo; i < s.hi; i++) ranks[r[i].obs - first] = UInt4(s.lo);
-    rankrecord* a = reinterpret_cast<rankrecord*>(r);      // the keys have done their work
-    for (Int4 i = 0; i < n; i++) a[i] = {ranks[i], ptrs[i]};
+        for (Int4 i = s.lo; i < s.hi; i++) r[r[i].obs - first].work = UInt4(s.lo);
+    // The keys have done their work; a rank is read before its place is written over, by bytes, as the types differ.
+    rankrecord* a = reinterpret_cast<rankrecord*>(r);
+    for (Int4 i = 0; i < n; i++) {
+        rankrecord x{0, ptrs[i]};
+        std::memcpy(&x.rank, reinterpret_cast<UByte*>(r + i) + offsetof(keyrecord, work), sizeof x.rank);
+        std::memcpy(static_cast<void*>(a + i), &x, sizeof x);
+    }
     shuffle(a, first, first + n - 1);
     if (!quicksort(a, 0, n - 1)) return false;
     for (Int4 i = 0; i < n; i++) ptrs[i] = a[i].row;
     return true;
 }
 
-// Sorts a run of at least two observations. 0, 1, 909; `untouched` when all are equal.
-Int4 sortrun(Int4 first, Int4 last, const Int4* vars, Int4 nvars, boolean& untouched) {
-    Int4 n = last - first + 1;
+Int4 sortmixed(Int4 first, Int4 n, const Int4* vars, Int4 nvars) {
     workspace records(std::size_t(n) * sizeof(keyrecord));
     keyrecord* r = records.get<keyrecord>();
     if (!r) return 909;
     for (Int4 i = 0; i < n; i++) r[i] = {0, first + i, 0};
-    gatherkeys(r, n, vars[0], 0);
-    rundirection d = direction(r, n, vars, nvars);
+    srt[0] = 0;
+    std::vector<span> ties;
+    boolean done = sortpieces(r, n, vars, nvars, ties) && settle(r, first, n, ties);
+    return done ? 0 : 1;
+}
+
+// Sorts a run of at least two observations. 0, 1, 909; `untouched` when all are equal.
+Int4 sortrun(Int4 first, Int4 last, const Int4* vars, Int4 nvars, boolean& untouched) {
+    rundirection d = direction(first, last, vars, nvars);
     untouched = d == run_same;
     if (untouched) return 0;
-    if (d == run_mixed) {
-        workspace rankspace(std::size_t(n) * sizeof(UInt4));
-        if (!rankspace.p) return 909;
-        srt[0] = 0;
-        std::vector<span> ties;
-        boolean done = sortpieces(r, n, vars, nvars, ties) && settle(r, first, n, ties, rankspace.get<UInt4>());
-        return done ? 0 : 1;
-    }
+    if (d == run_mixed) return sortmixed(first, last - first + 1, vars, nvars);
     srt[0] = 0;
     if (d == run_down)
         for (Int4 a = first, b = last; a < b;) swapobs(a++, b--);
@@ -308,7 +387,6 @@ Int4 sortlist(Int4* list, Int4 n, Int4 var) {
     keyrecord* r = records.get<keyrecord>();
     if (!r) return 909;
     for (Int4 i = 0; i < n; i++) r[i] = {0, list[i], 0};
-    gatherkeys(r, n, var, 0);
     std::vector<span> ties;
     if (!sortpieces(r, n, &var, 1, ties)) return 1;
     for (Int4 i = 0; i < n; i++) list[i] = r[i].obs;

@@ -126,9 +126,10 @@ namespace {
 boolean tousing() {
     tokenpos start;
     savetokpos(&start);
-    while (nexttoken()[0])
-        if (std::string_view(tokbuf) == "using" && tokfirst()[-1] == ' ' && (!tokpeek() || std::strchr(" \"`", tokpeek())))
-            return true;
+    while (nexttoken()[0]) {
+        boolean apart = tokfirst()[-1] == ' ' && (!tokpeek() || std::strchr(" \"`", tokpeek()));
+        if (apart && std::string_view(tokbuf) == "using") return true;
+    }
     restoretokpos(&start);
     return false;
 }

@@ -1,0 +1,6 @@
+* load
+insheet using main.csv, comma double names clear
+* repeat 1
+sort g
+* check
+assert g >= g[_n-1] in 2/l

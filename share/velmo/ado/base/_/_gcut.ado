@@ -28,6 +28,7 @@ program define _gcut
 		generate `type' `new' = `result'
 	}
 	if "`label'" != "" {
+		_egfree `s(newvar)'
 		Label `new' `low'
 	}
 end
@@ -74,7 +75,6 @@ end
 program define Label
 	args new low
 	local name `s(newvar)'
-	capture label drop `name'
 	quietly {
 		tempvar first
 		sort `new'

@@ -21,6 +21,7 @@ program define _ggroup
 			display as error "label may not be combined with by"
 			exit 190
 		}
+		_egfree `s(newvar)'
 		Label `new' `first' `use' `varlist'
 	}
 end
@@ -36,7 +37,6 @@ program define Label
 	sort `first' `new'
 	quietly count if !`first'
 	local name `s(newvar)'
-	capture label drop `name'
 	forvalues i = 1/`r(N)' {
 		local value = `text'[`i']
 		if `"`value'"' != "" {

@@ -1,5 +1,5 @@
 *! version 1.0.0  21nov2026
-* egen's mode(): the most frequent value of a group, of strings too; several are a missing value unless an option chooses
+* egen's mode(): the most frequent value of a group, of strings too; several give missing unless an option chooses
 program define _gmode
 	version 7.0
 	syntax newvarname =/exp [if] [in] [, BY(varlist) MINmode MAXmode NUMmode(integer 0) Missing]

@@ -1,5 +1,5 @@
 *! version 1.0.0  21nov2026
-* codebook: what is in each variable: type, label, range, units, how many values, missing ones, and the values themselves
+* codebook: what is in each variable: type, label, range, units, how many values and missing ones, the values themselves
 program define codebook, sortpreserve
 	version 7.0
 	syntax [varlist] [if] [in] [, Tabulate(integer 9) Notes]

@@ -25,6 +25,10 @@ Int4 macroset(std::string_view name, std::string_view value) {
         macroclear(name);
         return 0;
     }
+    return macroput(name, value);
+}
+
+Int4 macroput(std::string_view name, std::string_view value) {
     return objputtext(name, macrotype(name), value.substr(0, std::size_t(macrolen - 1)));
 }
 

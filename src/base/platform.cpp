@@ -71,8 +71,7 @@ void installsignals() {
     sigemptyset(&a.sa_mask);
     for (int s : {SIGINT, SIGABRT, SIGTERM}) sigaction(s, &a, nullptr);
     a.sa_handler = SIG_IGN;
-    sigaction(SIGPIPE, &a, nullptr);
-    sigaction(SIGXFSZ, &a, nullptr);     // a file past the limit is a failed write
+    for (int s : {SIGPIPE, SIGXFSZ}) sigaction(s, &a, nullptr);      // the write that failed tells it
 }
 
 Int4 fileopenread(const char* name) {
@@ -122,7 +121,13 @@ Filepos fileseek(Int4 fd, Filepos pos, Int4 whence) {
 }
 
 boolean fileclose(Int4 fd) { return close(fd) == 0; }
-boolean fileremove(const char* name) { return unlink(name) == 0; }
+
+boolean fileremove(const char* name) {
+    struct stat s{};
+    boolean isdevice = lstat(name, &s) == 0 && (S_ISCHR(s.st_mode) || S_ISBLK(s.st_mode));
+    return !isdevice && unlink(name) == 0;
+}
+
 boolean filerename(const char* from, const char* to) { return rename(from, to) == 0; }
 
 fileinfo filestat(const char* name) {
@@ -223,8 +228,7 @@ Int4 runshell(const char* shell, const char* command) {
     pid_t child = fork();
     if (child < 0) return -1;
     if (child == 0) {
-        signal(SIGPIPE, SIG_DFL);
-        signal(SIGXFSZ, SIG_DFL);
+        for (int s : {SIGPIPE, SIGXFSZ}) signal(s, SIG_DFL);
         if (*command)
             execlp(program, program, "-c", command, static_cast<char*>(nullptr));
         else

@@ -28,7 +28,7 @@ boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not a
 extern boolean diskfull;                 // why the last write that failed did: there was no room
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error
 boolean fileclose(Int4 fd);
-boolean fileremove(const char* name);
+boolean fileremove(const char* name);                        // never a device
 boolean filerename(const char* from, const char* to);
 
 struct fileinfo { boolean exists, isdirectory; Filepos size; clocktime changed; };

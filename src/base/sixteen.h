@@ -25,6 +25,13 @@ inline UInt4 anyof(const char* p, char a, char b, char c, char d) {
     return bits;
 }
 
+// True when none of p[0..63] is a, b or c.
+inline boolean noneof64(const char* p, char a, char b, char c) {
+    for (Int4 i = 0; i < 64; i++)
+        if (p[i] == a || p[i] == b || p[i] == c) return false;
+    return true;
+}
+
 // The digits and points among p[0..15].
 inline decimalbits decimals(const char* p) {
     decimalbits bits{0, 0};
@@ -66,6 +73,15 @@ inline UInt4 anyof(const char* p, char a, char b, char c, char d) {
     __m128i ab = _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(a)), _mm_cmpeq_epi8(v, _mm_set1_epi8(b)));
     __m128i cd = _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(c)), _mm_cmpeq_epi8(v, _mm_set1_epi8(d)));
     return bitsof(_mm_or_si128(ab, cd));
+}
+
+inline boolean noneof64(const char* p, char a, char b, char c) {
+    __m128i found = _mm_setzero_si128(), va = _mm_set1_epi8(a), vb = _mm_set1_epi8(b), vc = _mm_set1_epi8(c);
+    for (Int4 i = 0; i < 64; i += 16) {
+        __m128i v = load(p + i), ab = _mm_or_si128(_mm_cmpeq_epi8(v, va), _mm_cmpeq_epi8(v, vb));
+        found = _mm_or_si128(found, _mm_or_si128(ab, _mm_cmpeq_epi8(v, vc)));
+    }
+    return bitsof(found) == 0;
 }
 
 inline decimalbits decimals(const char* p) {

@@ -36,7 +36,7 @@ boolean validname(std::string_view name) {
 char* copytext(char* out, std::size_t size, std::string_view text) {
     if (size == 0) return out;
     std::size_t n = text.size() < size - 1 ? text.size() : size - 1;
-    std::memmove(out, text.data(), n);
+    if (n) std::memmove(out, text.data(), n);
     out[n] = 0;
     return out;
 }

@@ -1,5 +1,4 @@
 #include "core/macros.h"
-#include <string>
 #include "base/state.h"
 #include "core/objects.h"
 
@@ -26,11 +25,11 @@ Int4 macroset(std::string_view name, std::string_view value) {
         macroclear(name);
         return 0;
     }
-    return objputtext(name, macrotype(name), value.substr(0, std::size_t(macrolen - 1)));
+    return macroput(name, value);
 }
 
-Int4 argumentset(Int4 number, std::string_view value) {
-    return objputtext("_" + std::to_string(number), macrolevel, value.substr(0, std::size_t(macrolen - 1)));
+Int4 macroput(std::string_view name, std::string_view value) {
+    return objputtext(name, macrotype(name), value.substr(0, std::size_t(macrolen - 1)));
 }
 
 void macroclear(std::string_view name) { objdel(name, macrotype(name)); }

@@ -15,8 +15,8 @@ const char* macroget(std::string_view name);
 std::string_view macrotext(std::string_view name);
 // Replaces the macro, or deletes it when `value` is empty. Values are cut to macrolen - 1. 0 or 950.
 Int4 macroset(std::string_view name, std::string_view value);
-// A positional argument (_1, _2, ...), which keeps an empty value, so that the numbering has no hole. 0 or 950.
-Int4 argumentset(Int4 number, std::string_view value);
+// The same, but an empty value is kept: the numbering of positional arguments has no hole.
+Int4 macroput(std::string_view name, std::string_view value);
 void macroclear(std::string_view name);
 
 }  // namespace velmo

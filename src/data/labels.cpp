@@ -116,23 +116,31 @@ Double vl_texttoval(std::string_view name, std::string_view text) {
     return i < 0 ? missing : l.values[std::size_t(i)];
 }
 
-Int4 vl_nextval(std::string_view name, std::string_view text, Double& value) {
-    vallabel l;
-    std::string key(name), copy(text.substr(0, maxlabeltext));
-    vl_load(key, l);
-    Int4 i = indexoftext(l, copy);
-    if (i >= 0) {
-        value = l.values[std::size_t(i)];
-        return 0;
-    }
-    Int4 next = 1;
-    if (!l.values.empty()) {
-        if (l.values.back() >= longmissing - 1) return 134;
-        next = l.values.back() + 1;
-    }
-    insert(l, l.values.size(), next, copy);
+void vl_take(labelinhand& l, std::string_view name) {
+    vl_load(name, l.label);
+    l.label.exists = true;
+    for (std::size_t i = 0; i < l.label.values.size(); i++)      // of two alike the first counts
+        l.index.emplace(textat(l.label, i), l.label.values[i]);
+}
+
+Double vl_texttoval(const labelinhand& l, std::string_view text) {
+    auto found = l.index.find(text.substr(0, maxlabeltext));
+    return found == l.index.end() ? missing : found->second;
+}
+
+Int4 vl_nextval(labelinhand& l, std::string_view text, Double& value) {
+    text = text.substr(0, maxlabeltext);
+    value = vl_texttoval(l, text);
+    if (value != missing) return 0;
+    vallabel& label = l.label;
+    if (label.values.size() >= std::size_t(maxlabelentries)) return 134;
+    if (!label.values.empty() && label.values.back() >= longmissing - 1) return 134;
+    Int4 next = label.values.empty() ? 1 : label.values.back() + 1;
+    insert(label, label.values.size(), next, text);
+    l.index.emplace(text, next);
+    l.grown = true;
     value = next;
-    return vl_store(key, l);
+    return 0;
 }
 
 Int4 vl_maxtext(std::string_view name) {
@@ -143,14 +151,10 @@ Int4 vl_maxtext(std::string_view name) {
     return Int4(longest);
 }
 
-Int4 vl_put(std::string_view name, Int4 value, std::string_view text) {
-    vallabel l;
-    std::string key(name), copy(text.substr(0, maxlabeltext));
-    vl_load(key, l);
-    std::size_t i = placeof(l, value);
-    if (has(l, i, value)) takeout(l, i);
-    if (!copy.empty()) insert(l, i, value, copy);
-    return vl_store(key, l);
+void vl_change(vallabel& label, Int4 value, std::string_view text) {
+    std::size_t i = placeof(label, value);
+    if (has(label, i, value)) takeout(label, i);
+    if (!text.empty()) insert(label, i, value, text.substr(0, maxlabeltext));
 }
 
 boolean vl_drop(std::string_view name) { return objdel(name, obj_vallabel); }

@@ -5,6 +5,7 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 #include "base/types.h"
 
@@ -30,12 +31,27 @@ boolean vl_find(std::string_view name);
 boolean vl_valtotext(std::string_view name, Double value, char* out, std::size_t size);
 // The value of a text, `missing` when not found.
 Double vl_texttoval(std::string_view name, std::string_view text);
-// Adds text under the next free value (one above the highest, 1 when empty) unless it is there; its value in `value`.
-Int4 vl_nextval(std::string_view name, std::string_view text, Double& value);
 Int4 vl_maxtext(std::string_view name);                  // longest text in bytes, 0 when none
-// Adds or changes one entry; an empty text removes it. Makes the label when it is new.
-Int4 vl_put(std::string_view name, Int4 value, std::string_view text);
+// Adds or changes one entry of a label in hand; an empty text removes it.
+void vl_change(vallabel& label, Int4 value, std::string_view text);
 Int4 vl_store(std::string_view name, const vallabel& label);
+
+// A label in hand whose texts are found through a table, for commands that code many texts: stored once, by the caller.
+struct texthash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+};
+struct labelinhand {
+    vallabel label;
+    std::unordered_map<std::string, Int4, texthash, std::equal_to<>> index;
+    boolean grown = false;
+};
+void vl_take(labelinhand& l, std::string_view name);
+Double vl_texttoval(const labelinhand& l, std::string_view text);
+// The value of a text, which is added under the next free value (one above the highest, 1 when empty) unless it is there:
+// 0, 134.
+Int4 vl_nextval(labelinhand& l, std::string_view text, Double& value);
+
 boolean vl_drop(std::string_view name);
 void vl_dropall();
 std::vector<std::string> vl_names();                     // in the order in which they were made

@@ -8,6 +8,7 @@
 #include "data/sorting.h"
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstring>
 #include <vector>
 #include "base/memalloc.h"
@@ -20,7 +21,7 @@ UInt4 sortseed = 1001;
 
 namespace {
 
-struct keyrecord { std::uint64_t key; Int4 obs; UInt4 spare; };
+struct keyrecord { std::uint64_t key; Int4 obs; UInt4 work; };
 struct rankrecord { UInt4 rank, row; };
 struct span { Int4 lo, hi; };      // records lo to hi - 1
 
@@ -290,21 +291,26 @@ rundirection direction(Int4 first, Int4 last, const Int4* vars, Int4 nvars) {
     return seen.found;
 }
 
-// Puts observations first to first + n - 1 in the order that the sorted records and their ties define; `ranks` is
-// room for n. False on a break.
-boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties, UInt4* ranks) {
+// Puts observations first to first + n - 1 in the order that the sorted records and their ties define. False on a break.
+boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties) {
     UInt4* ptrs = obsptrs + first - 1;
     if (ties.empty()) {
-        for (Int4 i = 0; i < n; i++) ranks[i] = ptrs[r[i].obs - first];
-        std::memcpy(ptrs, ranks, std::size_t(n) * sizeof *ranks);
+        for (Int4 i = 0; i < n; i++) r[i].work = ptrs[r[i].obs - first];
+        for (Int4 i = 0; i < n; i++) ptrs[i] = r[i].work;
         skipdraws(2 * std::uint64_t(n));
         return true;
     }
-    for (Int4 i = 0; i < n; i++) ranks[r[i].obs - first] = UInt4(i);
+    // Ranks by observation, in the records' spare places.
+    for (Int4 i = 0; i < n; i++) r[r[i].obs - first].work = UInt4(i);
     for (span s : ties)
-        for (Int4 i = s.lo; i < s.hi; i++) ranks[r[i].obs - first] = UInt4(s.lo);
-    rankrecord* a = reinterpret_cast<rankrecord*>(r);      // the keys have done their work
-    for (Int4 i = 0; i < n; i++) a[i] = {ranks[i], ptrs[i]};
+        for (Int4 i = s.lo; i < s.hi; i++) r[r[i].obs - first].work = UInt4(s.lo);
+    // The keys have done their work; a rank is read before its place is written over, by bytes, as the types differ.
+    rankrecord* a = reinterpret_cast<rankrecord*>(r);
+    for (Int4 i = 0; i < n; i++) {
+        rankrecord x{0, ptrs[i]};
+        std::memcpy(&x.rank, reinterpret_cast<UByte*>(r + i) + offsetof(keyrecord, work), sizeof x.rank);
+        std::memcpy(static_cast<void*>(a + i), &x, sizeof x);
+    }
     shuffle(a, first, first + n - 1);
     if (!quicksort(a, 0, n - 1)) return false;
     for (Int4 i = 0; i < n; i++) ptrs[i] = a[i].row;
@@ -312,13 +318,13 @@ boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties, 
 }
 
 Int4 sortmixed(Int4 first, Int4 n, const Int4* vars, Int4 nvars) {
-    workspace records(std::size_t(n) * sizeof(keyrecord)), rankspace(std::size_t(n) * sizeof(UInt4));
+    workspace records(std::size_t(n) * sizeof(keyrecord));
     keyrecord* r = records.get<keyrecord>();
-    if (!r || !rankspace.p) return 909;
+    if (!r) return 909;
     for (Int4 i = 0; i < n; i++) r[i] = {0, first + i, 0};
     srt[0] = 0;
     std::vector<span> ties;
-    boolean done = sortpieces(r, n, vars, nvars, ties) && settle(r, first, n, ties, rankspace.get<UInt4>());
+    boolean done = sortpieces(r, n, vars, nvars, ties) && settle(r, first, n, ties);
     return done ? 0 : 1;
 }
 

@@ -248,6 +248,7 @@ boolean expandat(Int4 p) {
 
 // The next place from p on that may begin a reference or an escape, or the line's end.
 Int4 nextmark(Int4 p) {
+    while (p + 64 <= s.len && bytes::noneof64(cmdbuf + p, '$', '`', '\\')) p += 64;
     for (; p < s.len; p += 16)
         if (UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0'))
             return std::min(p + std::countr_zero(bits), s.len);

@@ -141,7 +141,7 @@ Int4 storearguments(std::string_view text) {
     if (text.size() >= std::size_t(macrolen)) return error(1004);
     if (Int4 rc = macroset("_0", text)) return rc;
     for (Int4 i = 1; !ltrimmed(text).empty(); i++)
-        if (Int4 rc = argumentset(i, nextargument(text))) return rc;
+        if (Int4 rc = macroput("_" + std::to_string(i), nextargument(text))) return rc;
     return 0;
 }
 

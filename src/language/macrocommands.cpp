@@ -58,11 +58,11 @@ Int4 plaintext(std::string_view text, std::string_view& value) {
 
 // What is computed stands in `computed`, what was typed in the line.
 Int4 definitionvalue(std::string& computed, std::string_view& value) {
-    tokenpos start;
-    savetokpos(&start);
+    char next = tokpeeknonblank();
+    if (!next) return 0;
+    if (next != '=' && next != ':') return plaintext(tokrest(), value);
     std::string_view token = nexttoken();
-    if (token.empty()) return 0;
-    if (token != "=" && token != ":") return plaintext(start.pos, value);
+    if (token != "=" && token != ":") return plaintext(tokstart, value);
     Int4 rc = token == "=" ? expressiontext(computed) : extfunc(computed);
     value = computed;
     return rc;

@@ -105,7 +105,7 @@ Int4 positionals(std::string_view text, std::string_view breaks) {
     clearpositionals();
     wordpiece piece;
     for (Int4 i = 1; nextpiece(text, breaks, piece); i++)
-        if (Int4 rc = argumentset(i, piece.text)) return rc;
+        if (Int4 rc = macroput("_" + std::to_string(i), piece.text)) return rc;
     return 0;
 }
 

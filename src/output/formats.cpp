@@ -112,11 +112,11 @@ void breakup(fmtparts& f, std::string_view fmt) {
     if (f.route == by_date || f.route == by_period) f.mask = datemaskof(f.period, behind + (f.period ? 2 : 1));
 }
 
-// The format broken up, as an earlier call left it when the text is the same. The formats of variables stand side by
-// side in a table, so that their addresses spread them over the places.
+// The format broken up, as an earlier call left it when the text is the same. Formats that are used in turn stand at
+// different addresses, which spread them over the places.
 const fmtparts& partsof(const char* fmt) {
-    static fmtparts kept[16] = {};
-    fmtparts& f = kept[reinterpret_cast<UPint>(fmt) / 4 % 16];
+    static fmtparts kept[256] = {};
+    fmtparts& f = kept[std::uint64_t(reinterpret_cast<UPint>(fmt)) * 0x9E3779B97F4A7C15u >> 56];
     if (std::strncmp(fmt, f.text, fmtsize) != 0 || !*fmt) breakup(f, std::string_view(fmt, strnlen(fmt, fmtsize)));
     return f;
 }

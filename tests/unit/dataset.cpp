@@ -11,7 +11,7 @@
 #include "core/objects.h"
 #include "data/cells.h"
 #include "data/chars.h"
-#include "data/labels.h"
+#include "putlabel.h"
 #include "data/run.h"
 #include "data/sorting.h"
 #include "data/timeseries.h"
@@ -381,7 +381,7 @@ TEST_F(dataset, geometry_and_names) {
     EXPECT_EQ(getobs(nvar, 12), 0);
     std::vector<UByte> marks(nvar, 1);
     marks[nvar - 1] = 0;
-    vl_put("kept", 1, "one");
+    putlabel("kept", 1, "one");
     datachanged = 0;
     ASSERT_EQ(dropvars(marks.data()), 0);
     EXPECT_EQ(nvar, 0);
@@ -440,7 +440,7 @@ TEST(cells, conversions_at_the_edges) {
 }
 
 TEST_F(dataset, labels_and_characteristics) {
-    for (Int4 v : {5, -3, 100, 7}) EXPECT_EQ(vl_put("l", v, "text " + std::to_string(v)), 0);
+    for (Int4 v : {5, -3, 100, 7}) putlabel("l", v, "text " + std::to_string(v));
     vallabel l;
     vl_load("l", l);
     EXPECT_EQ(l.values, (std::vector<Int4>{-3, 5, 7, 100}));
@@ -450,18 +450,21 @@ TEST_F(dataset, labels_and_characteristics) {
     EXPECT_EQ(vl_maxtext("l"), 8);
     EXPECT_EQ(vl_texttoval("l", "text -3"), -3);
     EXPECT_EQ(vl_texttoval("l", "no"), missing);
-    vl_put("l", 5, "");
-    vl_put("l", 7, "seven");
+    putlabel("l", 5, "");
+    putlabel("l", 7, "seven");
     char text[20];
     EXPECT_FALSE(vl_valtotext("l", 5, text, sizeof text));
     EXPECT_TRUE(vl_valtotext("l", 7, text, sizeof text));
     EXPECT_STREQ(text, "seven");
     Double value;
-    EXPECT_EQ(vl_nextval("l", "new", value), 0);
+    labelinhand hand;
+    vl_take(hand, "l");
+    EXPECT_EQ(vl_nextval(hand, "new", value), 0);
     EXPECT_EQ(value, 101);
-    EXPECT_EQ(vl_nextval("l", "seven", value), 0);
+    EXPECT_EQ(vl_nextval(hand, "seven", value), 0);
     EXPECT_EQ(value, 7);
-    vl_put("m", 1, "a");
+    EXPECT_EQ(vl_texttoval(hand, "none"), missing);
+    putlabel("m", 1, "a");
     EXPECT_EQ(vl_names(), (std::vector<std::string>{"l", "m"}));
     EXPECT_TRUE(vl_drop("l"));
     EXPECT_FALSE(vl_find("l"));

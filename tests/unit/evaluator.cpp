@@ -20,6 +20,7 @@
 #include "expr/functions.h"
 #include "matrix/results.h"
 #include "output/dates.h"
+#include "putlabel.h"
 #include "matrix/random.h"
 
 using namespace velmo;
@@ -442,7 +443,7 @@ TEST_F(evaluator, whereitends) {
 }
 
 TEST_F(evaluator, storedthings) {
-    ASSERT_EQ(vl_put("yesno", 1, "yes"), 0);
+    putlabel("yesno", 1, "yes");
     EXPECT_EQ(value("\"yes\":yesno"), 1);
     EXPECT_EQ(value("\"perhaps\":yesno"), missing);
     rstore("mean", 2.5);

@@ -110,9 +110,11 @@ TEST(numbertext, readnumber) {
 // The two ways to look at sixteen bytes agree.
 TEST(numbertext, sixteen) {
     for (Int4 i = 0; i < 100000; i++) {
-        char text[40], one[16], other[16];
+        char text[80], one[16], other[16];
         for (char& c : text) c = i % 2 ? char(source()) : "0123456789.,-+\n\r\" /:"[below(21)];
         ASSERT_EQ(bytes::anyof(text, ',', '\n', '\r', '"'), plainbytes::anyof(text, ',', '\n', '\r', '"'));
+        if (i % 5) std::memset(text, ' ', std::size_t(below(80)));
+        ASSERT_EQ(bytes::noneof64(text, '$', '7', '\\'), plainbytes::noneof64(text, '$', '7', '\\'));
         decimalbits a = bytes::decimals(text), b = plainbytes::decimals(text);
         ASSERT_TRUE(a.digits == b.digits && a.points == b.points);
         std::uint64_t v = source() % 10000000000000000u / std::uint64_t(exacttens[below(16)]);

@@ -117,11 +117,8 @@ Int4 labeldefine() {
     vl_load(name, old);
     if (old.exists && !add) return errorf(110, "label %s already defined\n", name.c_str());
     if (Int4 rc = checkentries(old, entries, modify)) return rc;
-    for (const labelentry& entry : entries)
-        if (Int4 rc = vl_put(name, entry.value, std::string_view(entry.text).substr(0, maxlabeltext))) {
-            old.exists ? void(vl_store(name, old)) : void(vl_drop(name));
-            return rc == 134 ? error(134) : rc;
-        }
+    for (const labelentry& entry : entries) vl_change(old, entry.value, entry.text);
+    if (Int4 rc = vl_store(name, old)) return rc == 134 ? error(134) : rc;
     if (fix) widenusers(name);
     datachanged = 1;
     return 0;
@@ -349,17 +346,19 @@ Int4 textorder(Int4 source, std::vector<Int4>& list) {
 
 // Gives every distinct text its value, adding to the label what it lacks.
 Int4 assigncodes(Int4 source, Int4 var, const std::string& label, const std::vector<Int4>& list) {
-    std::string last;
+    labelinhand texts;
+    vl_take(texts, label);
+    std::string_view last;
     Double value = missing;
-    for (std::size_t i = 0; i < list.size(); i++) {
-        std::string text(strcell(source, list[i]));
-        if (i == 0 || text != last)
-            if (Int4 rc = vl_nextval(label, text, value)) return rc == 134 ? error(134) : rc;
+    for (Int4 obs : list) {
+        std::string_view text = strcell(source, obs);
+        if (text != last)
+            if (Int4 rc = vl_nextval(texts, text, value)) return error(rc);
         last = text;
-        putobs(var, list[i], value);
+        putobs(var, obs, value);
         if (tick()) return 1;
     }
-    return 0;
+    return vl_store(label, texts.label);
 }
 
 }  // namespace

@@ -3,9 +3,8 @@
 #include <vector>
 #include "base/poll.h"
 #include "base/saved.h"
-#include "base/text.h"
+#include "commands/files/textnumber.h"
 #include "data/cells.h"
-#include "data/labels.h"
 #include "data/run.h"
 #include "language/dofile.h"
 #include "language/stdparse.h"
@@ -17,77 +16,47 @@ namespace velmo {
 
 namespace {
 
+struct inputvalue { Double number; std::string text; };
 struct inputstate {
     boolean label, automatic;
-    boolean newvars;                // some variables are new
+    boolean newvars;                     // some variables are new
     std::vector<Int4> vars;
-    std::vector<vallabel> labels;   // by place in vars
+    std::vector<inputvalue> values;      // of the line in hand, by place in vars
 };
 
 const breakset& valuebreaks() {
     static const breakset set = [] {
-        breakset s = breakstd;
-        s.in[UByte('-')] = s.in[UByte('+')] = 0;
+        breakset s = breaknum;
+        s.in[UByte('\\')] = 0;
         return s;
     }();
     return set;
 }
 
-void loadlabels(inputstate& s) {
-    s.labels.assign(s.vars.size(), {});
-    if (!s.label) return;
-    for (std::size_t i = 0; i < s.vars.size(); i++)
-        if (!isstring(s.vars[i]) && lbl[s.vars[i] - 1][0]) vl_load(lbl[s.vars[i] - 1], s.labels[i]);
-}
-
-// The number rule: a point is missing; d and D stand for e; what is no number may be a label's text.
-Int4 numbervalue(inputstate& s, std::size_t i, const char* token, Double& value, boolean& fine) {
+// The values of the line in hand, its first token being read; fine is false when it must be typed again. They are
+// stored only once all are known: a value label that grows may move the rows.
+Int4 readvalues(inputstate& s, boolean& fine) {
     fine = true;
-    value = missing;
-    if (std::string_view(token) == ".") return 0;
-    std::string_view text = trimmed(std::string_view(token).substr(0, 79));
-    if (readnumber(text, value)) {
-        value = datavalue(value);
-        return 0;
-    }
-    const char* lblname = lbl[s.vars[i] - 1];
-    std::string_view content = token[0] == '"' ? token + 1 : token;
-    if (s.label && lblname[0] && !content.empty()) {
-        value = vl_texttoval(lblname, content);
-        if (value != missing) return 0;
-        if (s.automatic) {
-            Int4 rc = vl_nextval(lblname, content, value);
-            loadlabels(s);
-            if (rc) return rc == 134 ? error(134) : rc;
-            return 0;
-        }
-    }
-    fine = false;
-    saved level(outlevel, UByte(1));
-    prtraw("{bf:'");
-    prt(content);
-    prtraw("' cannot be read as a number}\n");
-    return 0;
-}
-
-// One line's values into observation obs; fine is false when the line must be typed again.
-Int4 storeline(inputstate& s, Int4 obs, boolean& fine) {
     for (std::size_t i = 0; i < s.vars.size(); i++) {
         if (i) nexttoken(valuebreaks());
-        if (isstring(s.vars[i])) {
-            putstr(s.vars[i], obs, tokcontent());
-            continue;
-        }
-        std::string token = tokbuf;
-        Double value;
-        if (Int4 rc = numbervalue(s, i, token.c_str(), value, fine)) return rc;
+        inputvalue& v = s.values[i];
+        v.text = tokcontent();
+        if (isstring(s.vars[i])) continue;
+        if (Int4 rc = numbers_read(v.text, isquoted(), s.vars[i], 0, v.number, fine)) return rc;
         if (!fine) return 0;
-        putobs(s.vars[i], obs, value);
     }
     return 0;
 }
 
-// Reads the line of observation obs: 0 stored, -1 `end`, else a code.
+void storevalues(const inputstate& s, Int4 obs) {
+    for (std::size_t i = 0; i < s.vars.size(); i++)
+        if (isstring(s.vars[i]))
+            putstr(s.vars[i], obs, s.values[i].text);
+        else
+            putobs(s.vars[i], obs, s.values[i].number);
+}
+
+// Reads the line of observation obs: 0 with its values, -1 `end`, else a code.
 Int4 readobservation(inputstate& s, Int4 obs) {
     for (boolean fine = false; !fine;) {
         if (quietlevel < 3) {
@@ -100,8 +69,7 @@ Int4 readobservation(inputstate& s, Int4 obs) {
         settokpos(cmdbuf);
         nexttoken(valuebreaks());
         if (std::string_view(tokbuf) == "end") return -1;
-        fine = true;
-        if (Int4 rc = storeline(s, obs, fine)) return rc;
+        if (Int4 rc = readvalues(s, fine)) return rc;
         if (breakpending) return 1;
     }
     return 0;
@@ -111,33 +79,32 @@ Int4 readobservation(inputstate& s, Int4 obs) {
 Int4 fillnew(inputstate& s) {
     for (Int4 var : s.vars)
         for (Int4 obs = 1; obs <= nobs; obs++) clearcell(var, obs);
-    for (Int4 obs = 1; obs <= nobs; obs++)
+    for (Int4 obs = 1; obs <= nobs; obs++) {
         if (Int4 rc = readobservation(s, obs)) return rc < 0 ? 0 : rc;
+        storevalues(s, obs);
+    }
+    return 0;
+}
+
+// A new last observation, missing but for the values read.
+Int4 append(const inputstate& s) {
+    if (nobs + 1 >= maxobs)
+        if (Int4 rc = obsroom(1)) return error(rc);
+    touchptrs(nobs + 2);
+    for (Int4 v = 1; v <= nvar; v++) clearcell(v, nobs + 1);
+    storevalues(s, nobs + 1);
+    if (Int4 sample = findvar("(e)")) putobs(sample, nobs + 1, 0);
+    nobs++;
+    srt[0] = 0;
     return 0;
 }
 
 // Lines add observations at the end.
 Int4 appendlines(inputstate& s) {
-    Int4 sample = findvar("(e)"), before = nobs, rc = 0;
-    while (!rc) {
-        if (nobs + 1 >= maxobs) {
-            rc = obsroom(1);
-            if (rc) return error(rc);
-        }
-        touchptrs(nobs + 2);
-        for (Int4 v = 1; v <= nvar; v++) clearcell(v, nobs + 1);
-        if (sample) putobs(sample, nobs + 1, 0);
-        rc = readobservation(s, nobs + 1);
-        if (!rc) nobs++;
+    while (true) {
+        if (Int4 rc = readobservation(s, nobs + 1)) return rc < 0 ? 0 : rc;
+        if (Int4 rc = append(s)) return rc;
     }
-    if (nobs > before) srt[0] = 0;
-    return rc < 0 ? 0 : rc;
-}
-
-void widenlabelled(const inputstate& s) {
-    if (!s.automatic) return;
-    for (Int4 var : s.vars)
-        if (!isstring(var) && lbl[var - 1][0]) fmtwiden(var, var);
 }
 
 // Anything but options behind the command's word names new variables.
@@ -162,14 +129,16 @@ Int4 cmd_input() {
     if (Int4 rc = getopt_done()) return rc;
     if (vl_n == 0) return error(104);
     s.vars.assign(vl_vr, vl_vr + vl_n);
-    loadlabels(s);
+    s.values.resize(s.vars.size());
+    numbers_start(s.label, s.automatic);
     visnvar = nvar;
     boolean fill = s.newvars && nobs > 0;
     UByte changed = datachanged;
     Int4 rc = fill ? fillnew(s) : appendlines(s);
     datachanged = wasempty && nobs == 0 ? changed : UByte(1);
-    widenlabelled(s);
-    return rc;
+    Int4 failed = numbers_end();
+    for (Int4 var : s.vars) numbers_widen(var);
+    return rc ? rc : failed;
 }
 
 }  // namespace velmo

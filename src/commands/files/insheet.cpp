@@ -10,8 +10,8 @@
 #include "base/platform.h"
 #include "base/poll.h"
 #include "base/saved.h"
-#include "base/sixteen.h"
 #include "base/text.h"
+#include "commands/files/textnumber.h"
 #include "core/webfile.h"
 #include "data/cells.h"
 #include "data/labels.h"
@@ -31,7 +31,7 @@ enum fieldend : Int4 { field_delim, field_line, field_eof, field_error };
 enum byteclass : UByte { byte_text, byte_delim, byte_newline, byte_return, byte_quote };
 
 // What may be read ahead of a field and behind it, so that sixteen bytes can always be taken at once.
-constexpr Int4 margin = 17;
+constexpr Int4 margin = numbermargin;
 
 struct fieldreader {
     bytereader bytes;
@@ -189,16 +189,17 @@ inline fieldend nextfield(fieldreader& f) {
 
 // ---- The delimiter.
 
-struct linecounts { Int4 commas, tabs; boolean last; };
+struct linecounts { Int4 commas, tabs; boolean last, empty; };
 
 linecounts countline(fieldreader& f) {
-    linecounts n{0, 0, false};
+    linecounts n{0, 0, false, true};
     for (boolean quoted = false;;) {
         Int4 c = reader_next(f.bytes);
         if (c >= read_eof) {
             n.last = true;
             return n;
         }
+        n.empty = false;
         if (c == '"') quoted = !quoted;
         if (quoted) continue;
         if (c == ',') n.commas++;
@@ -219,7 +220,7 @@ Int4 guessdelimiter(Int4 handle, char& delimiter) {
     if (!first.commas || !first.tabs) return 0;
     while (!first.last) {
         linecounts next = countline(f);
-        if (next.last && !next.commas && !next.tabs) break;
+        if (next.last && next.empty) break;
         boolean tabschanged = next.tabs != first.tabs, commaschanged = next.commas != first.commas;
         if (commaschanged && tabschanged) return error(615);
         if (commaschanged || tabschanged) {
@@ -385,12 +386,8 @@ Int4 makevariables(const sheet& s, const std::vector<std::string>& names, boolea
 // ---- Storing.
 
 inline Double cellvalue(std::string_view text) {
-    if (text.empty()) return missing;
-    if (text.size() <= 16) {
-        plaindecimal d = plaindecimalof(text.data(), Int4(text.size()));
-        if (d.digits) return plainvalue(text.data() + text.size(), d);
-    }
     Double v;
+    if (plainnumber(text, v)) return v;
     return readnumber(text, v) ? datavalue(v) : missing;
 }
 

@@ -1,0 +1,30 @@
+*! version 1.0.0  21nov2026
+* _egby value sample = exp [if] [in] [, by()]: what egen's functions of groups begin with.  It marks the sample, sorts
+* the data into groups that keep the user's order within, and evaluates the expression there (missing elsewhere);
+* s(by) is the prefix that runs a command over the groups, s(key) the by-variables.  With strings, a string
+* expression will do.
+program define _egby, sclass
+	version 7.0
+	syntax newvarlist(min=2 max=2) =/exp [if] [in] [, BY(string) STRings]
+	tokenize `varlist'
+	args value sample
+	sreturn clear
+	mark `sample' `if' `in'
+	if "`by'" != "" {
+		tempvar order
+		generate long `order' = _n
+		sort `by' `order'
+		sreturn local by "by `by':"
+		sreturn local key "`by'"
+	}
+	quietly {
+		capture `s(by)' generate double `value' = `exp' if `sample'
+		if _rc == 109 & "`strings'" != "" {
+			generate str1 `value' = ""
+			`s(by)' replace `value' = `exp' if `sample'
+		}
+		else if _rc {
+			noisily `s(by)' generate double `value' = `exp' if `sample'
+		}
+	}
+end

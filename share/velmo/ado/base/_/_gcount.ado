@@ -1,0 +1,12 @@
+*! version 1.0.0  21nov2026
+* egen's count(): the number of nonmissing values of a group, of strings too
+program define _gcount
+	version 7.0
+	syntax newvarname =/exp [if] [in] [, BY(varlist)]
+	tempvar x sample
+	_egby `x' `sample' = `exp' `if' `in', by(`by') strings
+	quietly {
+		`s(by)' generate long `varlist' = sum(!missing(`x'))
+		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
+	}
+end

@@ -1,0 +1,318 @@
+*! version 1.0.0  21nov2026
+* codebook: what is in each variable: type, label, range, units, how many values and missing ones, the values themselves
+program define codebook, sortpreserve
+	version 7.0
+	syntax [varlist] [if] [in] [, Tabulate(integer 9) Notes]
+	if "`if'`in'" != "" {
+		preserve
+		quietly keep `if' `in'
+	}
+	if _N == 0 {
+		error 2000
+	}
+	foreach v of local varlist {
+		Title `v'
+		capture confirm string variable `v'
+		if _rc {
+			Numeric `v' `tabulate'
+		}
+		else {
+			String `v' `tabulate'
+		}
+		if "`notes'" != "" {
+			Notes `v'
+		}
+	}
+end
+
+* The name, and the label at the right or, a long one, below.
+program define Title
+	args v
+	local label : variable label `v'
+	if `"`label'"' == "" {
+		local label "(unlabeled)"
+	}
+	local gap = 79 - length("`v'") - length(`"`label'"')
+	display
+	display as text "{hline 79}"
+	if `gap' < 2 {
+		display as result "`v'"
+		local gap = max(0, 79 - length(`"`label'"'))
+		display _skip(`gap') as text _asis `"`label'"'
+	}
+	else {
+		display as result "`v'" _skip(`gap') as text _asis `"`label'"'
+	}
+	display as text "{hline 79}"
+	display
+end
+
+* One item, or two, of a line.
+program define Item
+	args name text name2 text2
+	if `"`name2'"' == "" {
+		display as text %22s "`name'" ":  " as result _asis `"`text'"'
+	}
+	else {
+		local gap = max(1, 32 - length(`"`text'"'))
+		display as text %22s "`name'" ":  " as result _asis `"`text'"' as text %`gap's `"`name2'"' ":  " as result "`text2'"
+	}
+end
+
+* Sorts by the variable and counts: the observations with a value, the distinct values, and how often each occurs.
+program define Distinct
+	args v often n unique
+	tempvar first
+	quietly {
+		sort `v'
+		by `v': generate byte `first' = _n == 1 & !missing(`v')
+		by `v': generate long `often' = _N
+		count if `first'
+		c_local `unique' `r(N)'
+		count if !missing(`v')
+		c_local `n' `r(N)'
+	}
+end
+
+program define Numeric
+	args v most
+	tempvar often
+	local type : type `v'
+	local f : format `v'
+	local label : value label `v'
+	local kind numeric
+	local dated = index("`f'", "%d") == 1 | index("`f'", "%t") == 1 | index("`f'", "%-d") == 1
+	if `dated' {
+		local kind "numeric date"
+	}
+	else {
+		local f = cond("`type'" == "long", "%12.0g", cond("`type'" == "double", "%10.0g", "%9.0g"))
+	}
+	Distinct `v' `often' n unique
+	Item type "`kind' (`type')"
+	if "`label'" != "" {
+		Gaps `v' `label' `n' `unique'
+	}
+	display
+	quietly summarize `v'
+	local mean = string(r(mean))
+	local sd = string(r(sd))
+	if `n' {
+		local range = "[" + trim(string(r(min), "`f'")) + "," + trim(string(r(max), "`f'")) + "]"
+		Units `v' `type'
+		Item range "`range'" units "`units'"
+	}
+	local missing = _N - `n'
+	Item "unique values" `unique' "missing ." "`missing'/`=_N'"
+	if `n' == 0 {
+		exit
+	}
+	display
+	if `unique' <= `most' {
+		Table `v' `often' `f' `n' "`label'"
+	}
+	else if "`label'" != "" {
+		Examples `v' `n' `f'
+	}
+	else {
+		if !`dated' {
+			Item mean "`mean'"
+			Item "std. dev." "`sd'"
+			display
+		}
+		Percentiles `v' `n' `f'
+	}
+end
+
+* The value label, and how many of the distinct values it leaves out.
+program define Gaps
+	args v label n unique
+	tempvar text first
+	quietly {
+		capture decode `v', generate(`text')
+		if _rc {
+			noisily Item label "`label', which does not exist"
+			exit
+		}
+		by `v': generate byte `first' = _n == 1 & !missing(`v') & `text' == ""
+		count if `first'
+	}
+	local gap
+	if r(N) {
+		local gap ", but `r(N)' of `unique' values are not labeled"
+	}
+	Item label "`label'`gap'"
+end
+
+* The greatest power of ten that all values are multiples of, as nearly as their type can hold them.
+program define Units
+	args v type
+	local k 0
+	local few = min(_N, 1000)
+	capture assert `v' == int(`v')
+	if _rc {
+		local off 1
+		while `off' & `k' < 20 {
+			local k = `k' + 1
+			local kept "round(`v' * 1e`k', 1) / 1e`k'"
+			if "`type'" == "float" {
+				local kept "float(`kept')"
+			}
+			capture assert `kept' == `v' | `v' >= . in 1/`few'
+			if !_rc {
+				capture assert `kept' == `v' | `v' >= .
+			}
+			local off = _rc
+		}
+		local k = -`k'
+	}
+	else {
+		local off 0
+		while !`off' & `k' < 20 {
+			local k = `k' + 1
+			capture assert mod(abs(`v'), 1e`k') == 0 if `v' < .
+			local off = _rc
+		}
+		local k = cond(`k' == 20, 0, `k' - 1)
+	}
+	c_local units = string(1e`k')
+end
+
+program define String
+	args v most
+	tempvar often length
+	local type : type `v'
+	Distinct `v' `often' n unique
+	quietly generate int `length' = length(`v')
+	quietly summarize `length', meanonly
+	local longest
+	if r(max) > 0 & r(max) < real(substr("`type'", 4, .)) {
+		local longest ", but longest is str`r(max)'"
+	}
+	Item type "string (`type')`longest'"
+	display
+	local missing = _N - `n'
+	Item "unique values" `unique' `"missing """' "`missing'/`=_N'"
+	if `n' == 0 {
+		exit
+	}
+	display
+	if `unique' <= `most' {
+		Table `v' `often' "" `n'
+	}
+	else {
+		Examples `v' `n'
+	}
+	Blanks `v'
+end
+
+* Runs of blanks are easily overlooked.
+program define Blanks
+	args v
+	local found
+	quietly {
+		count if `v' != ltrim(`v')
+		if r(N) {
+			local found leading
+		}
+		count if index(trim(`v'), " ")
+		if r(N) {
+			local found `found' embedded
+		}
+		count if `v' != rtrim(`v')
+		if r(N) {
+			local found `found' trailing
+		}
+	}
+	if "`found'" != "" {
+		local found : subinstr local found " " ", ", all
+		display
+		Item warning "variable has `found' blanks"
+	}
+end
+
+* The data are sorted by the variable: a step for each value, missing ones last for numbers and first for strings.
+program define Table
+	args v often f n label
+	local i 1
+	local string = "`f'" == ""
+	local head = cond(`string', "Value", cond("`label'" == "", "Value", "Value  Label"))
+	display as text %22s "tabulation" ":  " %10s "Freq." _skip(cond(`string', 2, 7)) "`head'"
+	while `i' <= _N {
+		Value `v' `i' "`f'"
+		display as text _skip(25) as result %10.0f `often'[`i'] "  " _asis `"`value'"'
+		local i = `i' + `often'[`i']
+	}
+end
+
+* Four values, each a fifth of the observations further on.
+program define Examples
+	args v n f
+	local empty = cond("`f'" == "", _N - `n', 0)
+	forvalues i = 1/4 {
+		local at = `empty' + int(`n' * `i' / 5) + 1
+		Value `v' `at' "`f'"
+		if `i' == 1 {
+			Item examples `"`value'"'
+		}
+		else {
+			display _skip(25) as result _asis `"`value'"'
+		}
+	}
+end
+
+* Percentiles as summarize, detail has them, from the sorted variable.
+program define Percentiles
+	args v n f
+	display as text %22s "percentiles" ":  " %10s "10%" %10s "25%" %10s "50%" %10s "75%" %10s "90%"
+	display _skip(25) _continue
+	foreach p in 10 25 50 75 90 {
+		local k = int((`n' * `p') / 100)
+		local value = string(`v'[`k' + 1], "`f'")
+		if `k' * 100 == `n' * `p' {
+			local value = string((`v'[`k'] + `v'[`k' + 1]) / 2, "`f'")
+		}
+		display as result %10s trim("`value'") _continue
+	}
+	display
+end
+
+* The text of one value; a number in ten columns, its label behind.
+program define Value
+	args v i f
+	if "`f'" == "" {
+		local value = `v'[`i']
+		c_local value `"`value'"'
+		exit
+	}
+	local value = trim(string(`v'[`i'], "`f'"))
+	local label : value label `v'
+	local text
+	if "`label'" != "" & `v'[`i'] < . {
+		if `v'[`i'] == int(`v'[`i']) {
+			local number = `v'[`i']
+			local text : label (`v') `number'
+			if `"`text'"' == "`number'" {
+				local text
+			}
+		}
+	}
+	local gap = max(0, 10 - length("`value'"))
+	local pad : display _skip(`gap')
+	if `"`text'"' != "" {
+		local text `"  `text'"'
+	}
+	c_local value `"`pad'`value'`text'"'
+end
+
+program define Notes
+	args v
+	local n : char `v'[note0]
+	if "`n'" != "" {
+		display
+		forvalues i = 1/`n' {
+			local text : char `v'[note`i']
+			display as text "{p 4 8}" _newline "`i'.  " as result _asis `"`text'"' _newline as vtml "{p_end}"
+		}
+	}
+end

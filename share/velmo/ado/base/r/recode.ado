@@ -19,34 +19,22 @@ program define recode
 		quietly generate `type' `code' = `x' if `touse'
 		* the first rule that fits decides, so it is applied last
 		local r `n'
+		local fits
 		while `r' >= 1 {
 			Fill `type' `x' "`test`r''"
-			local fits`r' `filled'
-			quietly replace `code' = `value`r'' if (`fits`r'') & `touse'
+			local fits `""`filled'" `fits'"'
+			quietly replace `code' = `value`r'' if (`filled') & `touse'
 			local r = `r' - 1
 		}
 		if "`test'" != "" {
-			tempvar hits
-			quietly generate byte `hits' = 0
-			forvalues r = 1/`n' {
-				quietly count if (`fits`r'') & `touse'
-				if !r(N) {
-					display as text "(`x': rule `r' fits no observation)"
-				}
-				if "`test`r''" != "1" {
-					quietly replace `hits' = `hits' + 1 if (`fits`r'') & `touse'
-				}
-			}
-			quietly count if `hits' > 1
-			if r(N) {
-				display as text "(`x': rules overlap in " r(N) cond(r(N) == 1, " observation", " observations") "; the first one counts)"
-			}
+			Overlap `x' `touse' `fits'
 		}
 		quietly count if `code' != `x' & `touse'
 		local changes = r(N)
 		local s = cond(`changes' == 1, "", "s")
 		if "`new'" == "" {
 			quietly replace `x' = `code' if `touse'
+			drop `code'
 			display as text "(`x': `changes' change`s' made)"
 		}
 		else {
@@ -248,4 +236,29 @@ program define Fill
 	local test : subinstr local test "@" "`x'", all
 	local test : subinstr local test "#(" "`round'", all
 	c_local filled `test'
+end
+
+* Tells of rules that fit nothing, or the same observations; a rule for everything else overlaps by intention.
+program define Overlap
+	args x touse
+	macro shift 2
+	tempvar hits
+	quietly generate byte `hits' = 0
+	local r 0
+	while `"`1'"' != "" {
+		local r = `r' + 1
+		quietly count if (`1') & `touse'
+		if !r(N) {
+			display as text "(`x': rule `r' fits no observation)"
+		}
+		if "`1'" != "1" {
+			quietly replace `hits' = `hits' + 1 if (`1') & `touse'
+		}
+		macro shift
+	}
+	quietly count if `hits' > 1
+	if r(N) {
+		local s = cond(r(N) == 1, "", "s")
+		display as text "(`x': rules overlap in " r(N) " observation`s'; the first one counts)"
+	}
 end

@@ -42,9 +42,18 @@ Int4 mostobs() {
 
 Int4 mostvars() { return std::min(maxvar, widestrow()); }
 
+// Half of the margin, as long as that spreads the rows over no more than `few` bytes beyond what they take now; with
+// many rows half of what they take, since every page that they are spread over is touched.
+Int4 generouswidth(Int4 least) {
+    constexpr std::int64_t few = 32 << 20;
+    Int4 half = (widestrow() - lrecl) / 2;
+    if (std::int64_t(nobs) * half > few) half = std::min(half, std::max(lrecl / 2, Int4(few / nobs)));
+    return std::max(half, least);
+}
+
 Int4 addwidthroom(Int4 n) {
     Int4 least = std::max(n, 2), before = lrecl;
-    Int4 generous = std::max((widestrow() - lrecl) / 2, least);
+    Int4 generous = generouswidth(least);
     if (Int4 rc = trytwice(generous, least, [](Int4 d) { return repart(d, 0); })) return rc;
     return lrecl - before < least ? 9997 : 0;
 }

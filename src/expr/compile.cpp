@@ -363,6 +363,18 @@ char* afterblanks(char* p) {
     return p;
 }
 
+// Its value; whole numbers of few digits need no conversion.
+boolean plainvalue(std::string_view text, Double& v) {
+    if (text.size() > 15) return readnumber(text, v);
+    std::int64_t whole = 0;
+    for (char c : text) {
+        if (c == '.') return readnumber(text, v);
+        whole = whole * 10 + (c - '0');
+    }
+    v = Double(whole);
+    return true;
+}
+
 struct plainparts { std::string_view first, second; const operatorrow* op; };
 
 boolean cutplain(char* p, plainparts& parts) {
@@ -387,7 +399,7 @@ boolean compileplain(exp& e) {
     char* p = afterblanks(tokrest());
     plainparts parts;
     Double a, b;
-    if (!cutplain(p, parts) || !readnumber(parts.first, a) || (parts.op && !readnumber(parts.second, b))) return false;
+    if (!cutplain(p, parts) || !plainvalue(parts.first, a) || (parts.op && !plainvalue(parts.second, b))) return false;
     std::string_view last = parts.op ? parts.second : parts.first;
     e.textbeg = p;
     e.textend = p + (last.data() + last.size() - p);

@@ -106,7 +106,7 @@ Int4 loadfile(const std::string& name, const std::string& path, Int4 id) {
     boolean other;
     {
         saved loading(loadingid, id);
-        copytext(programhome, namesize, name);
+        setprogramhome(name);
         rc = runfile(path);
         other = madeother();
     }
@@ -115,7 +115,7 @@ Int4 loadfile(const std::string& name, const std::string& path, Int4 id) {
     settokpos(cmdbuf + pos);
     tokstart = cmdbuf + start;
     copytext(cmdword, namesize, word);
-    copytext(programhome, namesize, home);
+    setprogramhome(home);
     if (rc) {
         saved level(outlevel, UByte(4));
         prtf("(error occurred while loading %s.ado)\n", name.c_str());

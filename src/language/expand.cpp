@@ -28,6 +28,7 @@ constexpr Int4 maxdepth = 1000;     // references within references
 
 struct scan {
     Int4 len = 0;
+    Int4 tail = 0;                  // bytes at the line's end without a mark
     Int4 depth = 0;
     Int4 rc = 0;                    // 920 once the line can't be expanded
 };
@@ -46,7 +47,8 @@ boolean put(Int4 p, Int4 n, std::string_view value) {
         return false;
     }
     std::memmove(cmdbuf + p + value.size(), cmdbuf + p + n, std::size_t(s.len - p - n) + 1);
-    std::memcpy(cmdbuf + p, value.data(), value.size());
+    if (!value.empty()) std::memcpy(cmdbuf + p, value.data(), value.size());
+    s.tail = std::min(s.tail, s.len - p - n);
     s.len = Int4(len);
     return true;
 }
@@ -246,17 +248,22 @@ boolean expandat(Int4 p) {
     return any;
 }
 
-// The next place from p on that may begin a reference or an escape, or the line's end.
+// The next place from p on that may begin a reference or an escape, or the end of what may hold one.
 Int4 nextmark(Int4 p) {
-    while (p + 64 <= s.len && bytes::noneof64(cmdbuf + p, '$', '`', '\\')) p += 64;
-    for (; p < s.len; p += 16)
-        if (UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0'))
-            return std::min(p + std::countr_zero(bits), s.len);
-    return s.len;
+    Int4 end = s.len - s.tail;
+    if (end - p < 8) {                    // a short value, as most are: bytes just written are slow to read in one piece
+        while (p < end && !ismark(cmdbuf[p]) && cmdbuf[p] != '\\') p++;
+        return p;
+    }
+    while (p + 64 <= end && bytes::noneof64(cmdbuf + p, '$', '`', '\\')) p += 64;
+    for (; p < end; p += 16)
+        if (UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0')) return std::min(p + std::countr_zero(bits), end);
+    return end;
 }
 
+// p is a mark, or the end.
 void expandline(Int4 p) {
-    for (p = nextmark(p); p < s.len && !s.rc; p = nextmark(p)) {
+    for (; p < s.len - s.tail && !s.rc; p = nextmark(p)) {
         char c = cmdbuf[p], next = cmdbuf[p + 1];
         if (ismark(c)) {
             if (!expandat(p) || ismark(cmdbuf[p])) p++;
@@ -310,14 +317,16 @@ std::string macrovalue(std::string_view name) {
     return all;
 }
 
-Int4 expandmacros() {
+Int4 expandmacros(const linemarks& marks) {
     if (!execflag) return 0;
     settokpos(cmdbuf);
     s = {};
-    s.len = Int4(std::strlen(cmdbuf));
-    Int4 plain = nextmark(0);
-    if (plain == s.len && version >= 320) return 0;
-    expandline(plain);
+    boolean known = marks.length >= 0 && version >= 320;
+    s.len = known ? marks.length : Int4(std::strlen(cmdbuf));
+    s.tail = known ? marks.behind : 0;
+    Int4 first = known ? marks.first : nextmark(0);
+    if (first == s.len && version >= 320) return 0;
+    expandline(first);
     if (version < 320) expandpercents();
     settokpos(cmdbuf);
     return s.rc;

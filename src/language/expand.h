@@ -11,9 +11,12 @@ namespace velmo {
 
 // A whole number from the cursor within lo..hi; 198 (printed).
 Int4 wholetoken(Int4& value, Int4 lo, Int4 hi);
+// Where the marks of a line in cmdbuf stand, if that is known: its length, the first $, backquote or backslash, and the
+// bytes behind the last one.
+struct linemarks { Int4 length = -1, first = 0, behind = 0; };
 // Expands cmdbuf and sets the cursor to its start. 0, or 920 (printed) when a line grows past conslen - 1 or a
 // reference goes round. With execflag 0 nothing changes. A line without $, backquote or backslash costs one scan.
-Int4 expandmacros();
+Int4 expandmacros(const linemarks& marks = {});
 
 // The extended function whose text is at the cursor (behind the colon): its result in `out`. 0 or a code (printed).
 // Rows are extfunctions.def.

@@ -91,8 +91,8 @@ void putback(const frame& f) {
     by_index = f.byindex;
     by_active = f.byactive;
     by_last = f.bylast;
-    copytext(programname, namesize, f.name);
-    copytext(programhome, namesize, f.home);
+    setprogramname(f.name);
+    setprogramhome(f.home);
 }
 
 // Splits off the options behind the last comma of the line: nostop, delay.
@@ -177,7 +177,7 @@ Int4 opennamedfile(frame& f) {
     char* end;
     if (Int4 rc = dooptions(f, &end)) return rc;
     if (Int4 rc = opendofile(f, name, {arguments, std::size_t(end - arguments)})) return rc;
-    programhome[0] = 0;
+    setprogramhome("");
     return 0;
 }
 
@@ -196,8 +196,8 @@ Int4 openprogram(frame& f) {
     programline = 0;
     subprogramlevel = p.subprogram;
     programclass = p.progclass;
-    copytext(programhome, namesize, p.home[0] ? p.home : cmdword);
-    copytext(programname, namesize, cmdword);
+    setprogramhome(p.home[0] ? p.home : cmdword);
+    setprogramname(cmdword);
     f.sortpreserved = p.sortpreserve;
     results_enter();          // the store moves: the program's header is no longer where it was
     return 0;

@@ -26,7 +26,9 @@ namespace velmo {
 char* findbrace(char* text, boolean needed) {
     Int4 depth = 0, compound = 0;
     boolean quoted = false;
-    for (char* p = text; *p; p++) {
+    char* plain = text + std::strcspn(text, "{\"`()[]");
+    if (*plain == '{') return plain;
+    for (char* p = plain; *p; p++) {
         if (quoted) {
             quoted = *p != '"';
         } else if (p[0] == '`' && p[1] == '"') {
@@ -176,7 +178,7 @@ Int4 whiledepth = 0;       // temporary loop programs, at most 1000
 void runstored(const std::string& name) {
     programline = 0;
     inprogram = 1;
-    copytext(programname, namesize, name);
+    setprogramname(name);
     if (object* o = runningprogram()) {
         programheader(o).running = 1;
         programheader(o).lastused = sysclock;
@@ -212,7 +214,7 @@ Int4 storeloop(const char* word) {
         runstored(name);
     }
     programline = line;
-    copytext(programname, namesize, oldname);
+    setprogramname(oldname);
     if (object* o = exactprogram(name, home)) objdelthis(o);
     return lastrc;
 }

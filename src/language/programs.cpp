@@ -36,15 +36,25 @@ object* findprogram(std::string_view name, std::string_view home) {
     return plain;
 }
 
+namespace {
+std::uint64_t namings = 0;      // of the running program
+}
+
+void setprogramname(std::string_view name) {
+    copytext(programname, namesize, name);
+    namings++;
+}
+
+void setprogramhome(std::string_view home) {
+    copytext(programhome, namesize, home);
+    namings++;
+}
+
 // Each line of a running program asks: the answer holds while neither the names nor the store have changed.
 object* runningprogram() {
-    static struct { std::uint64_t moves = ~std::uint64_t(0); object* o; char name[namesize], home[namesize]; } last;
-    if (last.moves == objmoves && !std::strcmp(last.name, programname) && !std::strcmp(last.home, programhome))
-        return last.o;
-    last.o = findprogram(programname, programhome);
-    last.moves = objmoves;
-    copytext(last.name, namesize, programname);
-    copytext(last.home, namesize, programhome);
+    static struct { std::uint64_t moves = ~std::uint64_t(0), namings = 0; object* o; } last;
+    if (last.moves == objmoves && last.namings == namings) return last.o;
+    last = {objmoves, namings, findprogram(programname, programhome)};
     return last.o;
 }
 
@@ -200,10 +210,14 @@ lineinfo* lineknown(object* o, Int4 i) {
     if (i >= programheader(o).lines) return nullptr;
     lineinfo& info = knownplace(o).lines[std::size_t(i)];
     if (info.known) return &info;
-    std::string_view text = storedline(o, i);
+    std::string text = " ";          // as programtext puts it
+    text += storedline(o, i);
     info.known = true;
-    info.blank = text.empty() || text[0] == '*';
-    info.marks = text.find_first_of("$`\\") != text.npos;
+    info.blank = text.size() == 1 || text[1] == '*';
+    std::size_t first = text.find_first_of("$`\\");
+    info.length = Int4(text.size());
+    info.firstmark = first == text.npos ? -1 : Int4(first);
+    info.behindmarks = first == text.npos ? 0 : info.length - 1 - Int4(text.find_last_of("$`\\"));
     info.cutat = closingbrace(text);
     return &info;
 }

@@ -23,7 +23,7 @@ struct storedprogram {
 };
 
 // State
-extern char programname[namesize];     // the running program, empty outside
+extern char programname[namesize];     // the running program, empty outside; set by the calls below alone
 extern char programhome[namesize];     // its home
 extern Int4 programline;               // index of the next line, from 0
 extern UByte subprogramlevel;          // the running program is a subprogram
@@ -45,6 +45,8 @@ Int4 programdefine(std::string_view name, std::string_view home, const programop
 // Line i of a program into out (conslen bytes): behind one blank, or behind its whole indentation; false behind the
 // last.
 boolean programtext(object* o, Int4 i, char* out, boolean indented = false);
+void setprogramname(std::string_view name);
+void setprogramhome(std::string_view home);
 // The running program's object, or null when it has gone.
 object* runningprogram();
 
@@ -56,7 +58,9 @@ Int4 closingbrace(std::string_view line);
 struct lineinfo {
     boolean known;
     boolean blank;          // nothing to obey: no text, or a comment
-    boolean marks;          // holds $, a backquote or a backslash: macros must be expanded
+    Int4 firstmark;         // where the first $, backquote or backslash stands; -1 without one: nothing to expand
+    Int4 behindmarks;       // bytes behind the last one
+    Int4 length;
     Int4 cutat;             // where the brace stands that ends the line and its block; -1 without one
     Int4 skipto;            // of a block's first line: the line behind its end, once the block has been skipped; else 0
 };

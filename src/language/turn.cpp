@@ -126,12 +126,13 @@ Int4 docmd() {
     bymode = 0;
     std::int64_t start = rmsg && !inprogram ? clockms() : 0;
     const lineinfo* line = std::exchange(currentline, nullptr);
-    boolean plain = line && !line->marks && version >= 320;
+    linemarks marks = !line || line->cutat >= 0 ? linemarks{} : linemarks{line->length, line->firstmark, line->behindmarks};
+    boolean plain = line && line->firstmark < 0 && version >= 320;
     try {
         // A loop at a level that stores loops is expanded in each of its rounds.
         boolean loop = !inprogram && looppeek();
         wasexpanded = !loop;
-        lastrc = loop || plain ? 0 : expandmacros();
+        lastrc = loop || plain ? 0 : expandmacros(marks);
         if (!lastrc) {
             takecmdword();
             lastrc = dispatch();

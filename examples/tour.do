@@ -74,4 +74,37 @@ order kind
 outsheet using iris.out, comma replace
 quietly insheet using iris.out, comma clear
 describe
+
+* ---- The irises again: saved, reduced to statistics by kind, merged with them, and turned from wide to long
+insheet using iris.csv, comma clear
+generate flower = _n
+label variable flower "Number of the flower"
+sort species
+save iris, replace
+collapse (mean) mean=petal_length (sd) sd=petal_length (count) n=petal_length, by(species)
+list
+assert n == 50
+sort species
+save kinds, replace
+use iris, clear
+merge species using kinds
+assert _merge == 3
+drop _merge
+generate z = (petal_length - mean) / sd
+bysort species: summarize z
+egen place = rank(petal_length), by(species)
+list species flower petal_length z place if z > 2.3
+keep flower species sepal_length sepal_width petal_length petal_width
+rename sepal_length length1
+rename sepal_width width1
+rename petal_length length2
+rename petal_width width2
+reshape long length width, i(flower) j(part)
+label define part 1 "sepal" 2 "petal"
+label values part part
+sort part
+by part: summarize length width
+reshape wide
+assert _N == 150
+
 display "The tour ends: " _N " flowers, date " %d date("21 Nov 2026", "dmy") "."

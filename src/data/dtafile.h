@@ -130,6 +130,7 @@ Int4 dta_takerows(dtafile& f, const std::vector<Int4>& keep);
 // The same row by row, for who chooses among them: room for n observations more, then runs of bytes from a row of the
 // file to one of memory; at the end dta_endrows, which tells of an order that old missing values have spoilt.
 struct dtacopy { UInt4 from, to, n; };
+void dta_addcopy(std::vector<dtacopy>& copies, UInt4 from, UInt4 to, UInt4 n);       // joined to the one before if it adjoins
 std::vector<dtacopy> dta_copies(const dtafile& f, const std::vector<Int4>& keep);
 inline void dta_copyrow(const std::vector<dtacopy>& copies, const UByte* from, UByte* to) {
     for (const dtacopy& c : copies) std::memcpy(to + c.to, from + c.from, c.n);

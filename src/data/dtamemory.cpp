@@ -92,15 +92,19 @@ Int4 dta_takevars(dtafile& f, const std::vector<Int4>& keep) {
     return takechars(f, number);
 }
 
+void dta_addcopy(std::vector<dtacopy>& copies, UInt4 from, UInt4 to, UInt4 n) {
+    if (!copies.empty() && copies.back().from + copies.back().n == from && copies.back().to + copies.back().n == to)
+        copies.back().n += n;
+    else
+        copies.push_back({from, to, n});
+}
+
 std::vector<dtacopy> dta_copies(const dtafile& f, const std::vector<Int4>& keep) {
     std::vector<dtacopy> copies;
     UInt4 to = 0;
     for (Int4 v : keep) {
-        UInt4 from = f.offsets[std::size_t(v) - 1], n = UInt4(varsize(f.head.types[std::size_t(v) - 1]));
-        if (!copies.empty() && copies.back().from + copies.back().n == from)
-            copies.back().n += n;
-        else
-            copies.push_back({from, to, n});
+        UInt4 n = UInt4(varsize(f.head.types[std::size_t(v) - 1]));
+        dta_addcopy(copies, f.offsets[std::size_t(v) - 1], to, n);
         to += n;
     }
     return copies;

@@ -148,11 +148,8 @@ std::vector<dtacopy> runsof(const std::vector<Int4>& vars) {
     std::vector<dtacopy> runs;
     UInt4 to = 0;
     for (Int4 v : vars) {
-        UInt4 from = mapi[v - 1], n = UInt4(varsize(typ[v - 1]));
-        if (!runs.empty() && runs.back().from + runs.back().n == from)
-            runs.back().n += n;
-        else
-            runs.push_back({from, to, n});
+        UInt4 n = UInt4(varsize(typ[v - 1]));
+        dta_addcopy(runs, mapi[v - 1], to, n);
         to += n;
     }
     return runs;

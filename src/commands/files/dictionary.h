@@ -1,5 +1,5 @@
 // Where the values of each variable stand in the lines of a text file: the field table, which a dictionary of infile
-// or the specifications of infix fill. Nothing is made of it here: names are checked against each other and the rules
+// or the items of infix fill. Nothing is made of it here: names are checked against each other and the rules
 // only, so that a bad dictionary costs nobody the data in memory.
 #pragma once
 #include <string>
@@ -55,12 +55,12 @@ void dict_skipline(dicttokens& t);
 Int4 addfield(fieldtable& table, const std::string& name, UByte type);
 // Goes to a line; column and skip start anew. 614 beyond maxlines or table.lines.
 Int4 gotoline(fieldtable& table, std::int64_t line);
-// At the end of the specifications: 614 without variables or with fields beyond `lines`.
+// At the end of the items: 614 without variables or with fields beyond `lines`.
 Int4 closetable(fieldtable& table);
 
 // Reads a dictionary through its `}`: of infile, or of infix. 6, 181's message with 614, 611 to 614, 691, all printed.
 Int4 readdictionary(linereader& lines, boolean infix, fieldtable& table);
-// One specification of infix, whose first token is in hand.
+// One item of infix, whose first token is in hand.
 Int4 infixitem(dicttokens& t, fieldtable& table);
 
 // ---- Reading by the table.

@@ -1,4 +1,4 @@
-// infix: data in fixed columns, told by short specifications.
+// infix: data in fixed columns, told by short items, names and columns.
 #include "commands/files/infile.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -110,7 +110,7 @@ Int4 infixitem(dicttokens& t, fieldtable& table) {
 
 namespace {
 
-Int4 readspecifications(fieldtable& table) {
+Int4 readitems(fieldtable& table) {
     dicttokens t{nullptr};
     while (true) {
         if (Int4 rc = dict_take(t)) return rc;
@@ -122,11 +122,11 @@ Int4 readspecifications(fieldtable& table) {
     return closetable(table);
 }
 
-// infix specifications using datafile
+// infix items using datafile
 Int4 bycolumns() {
     fieldtable table;
     infileoptions o;
-    if (Int4 rc = readspecifications(table)) return rc;
+    if (Int4 rc = readitems(table)) return rc;
     if (Int4 rc = optionsahead(o, form_columns)) return rc;
     char path[pathsize];
     addsuffix(path, o.file, ".raw");
@@ -141,7 +141,7 @@ Int4 bycolumns() {
 }  // namespace
 
 // infix using dictfile [if] [in] [, using(datafile) clear]
-// infix specifications using datafile [if] [in] [, clear]
+// infix items using datafile [if] [in] [, clear]
 Int4 cmd_infix() {
     if (bymode) return error(190);
     tokenpos here;

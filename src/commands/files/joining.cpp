@@ -66,22 +66,12 @@ Int4 join_addvars(joining& j) {
     return 0;
 }
 
-namespace {
-
-void addrun(std::vector<dtacopy>& runs, UInt4 from, UInt4 to, UInt4 n) {
-    if (!runs.empty() && runs.back().from + runs.back().n == from && runs.back().to + runs.back().n == to)
-        runs.back().n += n;
-    else
-        runs.push_back({from, to, n});
-}
-
-}  // namespace
-
 void join_layout(joining& j) {
     j.copies.clear();
     for (const auto* list : {&j.direct, &j.fresh})
         for (const sharedvar& s : *list)
-            addrun(j.copies, j.f.offsets[std::size_t(s.filevar) - 1], mapi[s.var - 1], UInt4(varsize(typ[s.var - 1])));
+            dta_addcopy(j.copies, j.f.offsets[std::size_t(s.filevar) - 1], mapi[s.var - 1],
+                        UInt4(varsize(typ[s.var - 1])));
     j.blank.assign(std::size_t(width), 0);
     for (Int4 v = 1; v <= nvar; v++)
         if (!isstring(v) && !issample(v)) writecell(j.blank.data() + mapi[v - 1], typ[v - 1], missing);

@@ -18,6 +18,7 @@ struct workspace {
     void* p;
     explicit workspace(std::size_t n) : p(memalloc(n)) {}
     ~workspace() { memfree(p); }
+    workspace(workspace&& other) : p(other.p) { other.p = nullptr; }
     workspace(const workspace&) = delete;
     workspace& operator=(const workspace&) = delete;
     template <class T> T* get() const { return static_cast<T*>(p); }

@@ -126,10 +126,10 @@ void bucketsort(keyrecord* r, Int4 n) {
         if (end[b] - from > 1) bucketsort(r + from, end[b] - from);
 }
 
-// Sorts the records by all pieces of all variables; `ties` receives the runs that agree on everything. False on a
-// break.
-boolean sortpieces(keyrecord* r, Int4 n, const Int4* vars, Int4 nvars, std::vector<span>& ties) {
-    std::vector<span> open{{0, n}}, next, settled;
+// Sorts the records of the open runs by all pieces of all variables; what is left open are the runs that agree on
+// everything. False on a break.
+boolean sortpieces(keyrecord* r, const Int4* vars, Int4 nvars, std::vector<span>& open) {
+    std::vector<span> next, settled;
     for (Int4 v = 0; v < nvars && !open.empty(); v++) {
         Int4 last = pieces(vars[v]) - 1;
         settled.clear();
@@ -150,7 +150,6 @@ boolean sortpieces(keyrecord* r, Int4 n, const Int4* vars, Int4 nvars, std::vect
         }
         open.swap(settled);
     }
-    ties.swap(open);
     return true;
 }
 
@@ -244,13 +243,40 @@ void partition(rankrecord* a, Int4 lo, Int4 hi, range (&part)[2]) {
     }
 }
 
-boolean quicksort(rankrecord* a, Int4 lo, Int4 hi) {
-    while (lo < hi) {
+// Which ranks are shared. A range without such has only one order: its records go straight to their places.
+struct sharedranks {
+    static constexpr Int4 largest = 1024;
+    std::vector<std::uint64_t> bits;
+    Int4 most = 0;                         // ranges longer than this are hardly ever without: they aren't looked at
+    // n ranks, `tied` of the records sharing theirs with others.
+    void start(Int4 n, Int4 tied) {
+        most = tied > n / 8 ? 0 : std::clamp(n / (tied + 1) / 2, 8, largest);
+        if (most) bits.assign(std::size_t(n) / 64 + 1, 0);
+    }
+    void add(UInt4 rank) { bits[rank / 64] |= std::uint64_t(1) << rank % 64; }
+    boolean has(UInt4 rank) const { return bits[rank / 64] >> rank % 64 & 1; }
+};
+
+// Puts records lo to hi in place if no rank among them is shared.
+boolean placed(rankrecord* a, Int4 lo, Int4 hi, const sharedranks& shared) {
+    rankrecord out[sharedranks::largest];
+    Int4 n = hi - lo + 1;
+    if (n > shared.most) return false;
+    for (Int4 i = lo; i <= hi; i++) {
+        if (shared.has(a[i].rank)) return false;
+        out[a[i].rank - UInt4(lo)] = a[i];
+    }
+    std::copy(out, out + n, a + lo);
+    return true;
+}
+
+boolean quicksort(rankrecord* a, Int4 lo, Int4 hi, const sharedranks& shared) {
+    while (lo < hi && !placed(a, lo, hi, shared)) {
         if (tick()) return false;
         range part[2];
         partition(a, lo, hi, part);
         Int4 small = part[0].hi - part[0].lo < part[1].hi - part[1].lo ? 0 : 1;
-        if (!quicksort(a, part[small].lo, part[small].hi)) return false;
+        if (!quicksort(a, part[small].lo, part[small].hi, shared)) return false;
         lo = part[1 - small].lo;
         hi = part[1 - small].hi;
     }
@@ -291,6 +317,15 @@ rundirection direction(Int4 first, Int4 last, const Int4* vars, Int4 nvars) {
     return seen.found;
 }
 
+// The order among ties, of which there are some: observations first to first + n - 1, whose ranks and rows stand in a,
+// as the shuffle and the quicksort leave them. False on a break.
+boolean settleties(rankrecord* a, Int4 first, Int4 n, const sharedranks& shared) {
+    shuffle(a, first, first + n - 1);
+    if (!quicksort(a, 0, n - 1, shared)) return false;
+    for (Int4 i = 0; i < n; i++) obsptrs[first - 1 + i] = a[i].row;
+    return true;
+}
+
 // Puts observations first to first + n - 1 in the order that the sorted records and their ties define. False on a break.
 boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties) {
     UInt4* ptrs = obsptrs + first - 1;
@@ -300,10 +335,16 @@ boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties) 
         skipdraws(2 * std::uint64_t(n));
         return true;
     }
+    Int4 tied = 0;
+    for (span s : ties) tied += s.hi - s.lo;
+    sharedranks shared;
+    shared.start(n, tied);
     // Ranks by observation, in the records' spare places.
     for (Int4 i = 0; i < n; i++) r[r[i].obs - first].work = UInt4(i);
-    for (span s : ties)
+    for (span s : ties) {
         for (Int4 i = s.lo; i < s.hi; i++) r[r[i].obs - first].work = UInt4(s.lo);
+        if (shared.most) shared.add(UInt4(s.lo));
+    }
     // The keys have done their work; a rank is read before its place is written over, by bytes, as the types differ.
     rankrecord* a = reinterpret_cast<rankrecord*>(r);
     for (Int4 i = 0; i < n; i++) {
@@ -311,21 +352,104 @@ boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties) 
         std::memcpy(&x.rank, reinterpret_cast<UByte*>(r + i) + offsetof(keyrecord, work), sizeof x.rank);
         std::memcpy(static_cast<void*>(a + i), &x, sizeof x);
     }
-    shuffle(a, first, first + n - 1);
-    if (!quicksort(a, 0, n - 1)) return false;
-    for (Int4 i = 0; i < n; i++) ptrs[i] = a[i].row;
+    return settleties(a, first, n, shared);
+}
+
+// ---- Integers of a small range: their ranks are counted.
+
+// An integer variable's values less the least one; missing comes as one more than the greatest. Their number, or 0 when
+// they are too far apart for counting.
+struct integerrange {
+    Int4 var;
+    Double least = missing, greatest = -missing;
+    template <class F> void each(Int4 first, Int4 n, F use) const {
+        constexpr Int4 block = 1024;
+        Double values[block];
+        for (Int4 from = 0; from < n; from += block) {
+            Int4 m = std::min(block, n - from);
+            getcolumn(var, first + from, m, values);
+            for (Int4 i = 0; i < m; i++) use(from + i, values[i]);
+        }
+    }
+    std::size_t slot(Double v) const { return std::size_t(v == missing ? greatest - least + 1 : v - least); }
+    std::size_t slots(Int4 first, Int4 n) {
+        each(first, n, [this](Int4, Double v) {
+            if (v == missing) return;
+            least = std::min(least, v);
+            greatest = std::max(greatest, v);
+        });
+        Double count = greatest < least ? 1 : greatest - least + 2;
+        return count <= 2.0 * n ? std::size_t(count) : 0;
+    }
+};
+
+// Where the observations of each value begin, by slot; empty when they can't be counted.
+workspace countstarts(integerrange& range, Int4 first, Int4 n, std::size_t& slots) {
+    boolean integers = typ[range.var - 1] >= typebyte && typ[range.var - 1] <= typelong;
+    slots = integers ? range.slots(first, n) : 0;
+    workspace counts(slots ? (slots + 1) * sizeof(UInt4) : 0);
+    UInt4* start = counts.get<UInt4>();
+    if (!start) slots = 0;
+    if (!slots) return counts;
+    std::fill(start, start + slots + 1, 0u);
+    range.each(first, n, [&](Int4, Double v) { start[range.slot(v) + 1]++; });
+    for (std::size_t k = 1; k <= slots; k++) start[k] += start[k - 1];
+    return counts;
+}
+
+// Sorts by one such variable. 0, 1, 909; -1 when it isn't one.
+Int4 sortcounted(Int4 first, Int4 n, Int4 var) {
+    integerrange range{var};
+    std::size_t slots;
+    workspace counts = countstarts(range, first, n, slots), records(std::size_t(n) * sizeof(rankrecord));
+    if (!slots) return -1;
+    rankrecord* a = records.get<rankrecord>();
+    const UInt4 *start = counts.get<UInt4>(), *ptrs = obsptrs + first - 1;
+    if (!a) return 909;
+    srt[0] = 0;
+    range.each(first, n, [&](Int4 i, Double v) { a[i] = {start[range.slot(v)], ptrs[i]}; });
+    UInt4 tied = 0;
+    for (std::size_t k = 0; k < slots; k++)
+        if (UInt4 count = start[k + 1] - start[k]; count > 1) tied += count;
+    sharedranks shared;
+    shared.start(n, Int4(tied));
+    for (std::size_t k = 0; shared.most && k < slots; k++)
+        if (start[k + 1] - start[k] > 1) shared.add(start[k]);
+    if (tied) return settleties(a, first, n, shared) ? 0 : 1;
+    for (Int4 i = 0; i < n; i++) obsptrs[first - 1 + a[i].rank] = a[i].row;
+    skipdraws(2 * std::uint64_t(n));
+    return 0;
+}
+
+// The records in the order of the first key when that can be counted; its ties are the open runs.
+boolean countfirst(keyrecord* r, Int4 first, Int4 n, Int4 var, std::vector<span>& open) {
+    integerrange range{var};
+    std::size_t slots;
+    workspace counts = countstarts(range, first, n, slots);
+    UInt4* start = counts.get<UInt4>();
+    if (!slots) return false;
+    range.each(first, n, [&](Int4 i, Double v) { r[start[range.slot(v)]++] = {0, first + i, 0}; });
+    for (std::size_t k = 0, from = 0; k < slots; from = start[k++])      // each now stands where its run ends
+        if (start[k] - from > 1) open.push_back({Int4(from), Int4(start[k])});
     return true;
 }
 
 Int4 sortmixed(Int4 first, Int4 n, const Int4* vars, Int4 nvars) {
+    if (nvars == 1)
+        if (Int4 rc = sortcounted(first, n, vars[0]); rc >= 0) return rc;
     workspace records(std::size_t(n) * sizeof(keyrecord));
     keyrecord* r = records.get<keyrecord>();
     if (!r) return 909;
-    for (Int4 i = 0; i < n; i++) r[i] = {0, first + i, 0};
     srt[0] = 0;
-    std::vector<span> ties;
-    boolean done = sortpieces(r, n, vars, nvars, ties) && settle(r, first, n, ties);
-    return done ? 0 : 1;
+    std::vector<span> open;
+    if (nvars > 1 && countfirst(r, first, n, vars[0], open)) {
+        vars++;
+        nvars--;
+    } else {
+        for (Int4 i = 0; i < n; i++) r[i] = {0, first + i, 0};
+        open.push_back({0, n});
+    }
+    return sortpieces(r, vars, nvars, open) && settle(r, first, n, open) ? 0 : 1;
 }
 
 // Sorts a run of at least two observations. 0, 1, 909; `untouched` when all are equal.
@@ -387,8 +511,8 @@ Int4 sortlist(Int4* list, Int4 n, Int4 var) {
     keyrecord* r = records.get<keyrecord>();
     if (!r) return 909;
     for (Int4 i = 0; i < n; i++) r[i] = {0, list[i], 0};
-    std::vector<span> ties;
-    if (!sortpieces(r, n, &var, 1, ties)) return 1;
+    std::vector<span> open{{0, n}};
+    if (!sortpieces(r, &var, 1, open)) return 1;
     for (Int4 i = 0; i < n; i++) list[i] = r[i].obs;
     return 0;
 }

@@ -299,7 +299,9 @@ TEST_F(dataset, ties_come_out_as_defined) {
     newvar("b", typebyte);
     newvar("s", 20);
     newvar("t", 8);
-    std::vector<std::vector<Int4>> keys = {{1}, {2}, {3}, {4}, {2, 1}, {4, 3, 2}, {3, 1}};
+    newvar("i", typeint);
+    newvar("l", typelong);
+    std::vector<std::vector<Int4>> keys = {{1}, {2}, {3}, {4}, {5}, {6}, {2, 1}, {4, 3, 2}, {3, 1}, {5, 1}, {6, 5}};
     for (UInt4 distinct : {2u, 10u, 500u, 1000000u}) {
         for (const std::vector<Int4>& key : keys) {
             for (Int4 i = 1; i <= nobs; i++) {
@@ -308,6 +310,8 @@ TEST_F(dataset, ties_come_out_as_defined) {
                 putobs(2, i, pick(distinct < 250 ? distinct : 250) - 100.0);
                 putstr(3, i, pick(5) ? "common prefix " + std::to_string(k) : std::string(pick(3), char(200)));
                 putstr(4, i, std::to_string(k));
+                putobs(5, i, pick(8) ? Double(k % 20000) - 9000 : missing);
+                putobs(6, i, Double(i) * 7919 - std::floor(i * 7919 / 3001.0) * 3001 + 2147480000);      // all different
             }
             sortseed = random() & 0x7FFFFFFF;
             sortboth(1, nobs, key);

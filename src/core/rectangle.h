@@ -48,8 +48,8 @@ void putrow(const void* in, Int4 obs, Int4 n);
 Int4 addobsroom(Int4 n);
 Int4 addwidthroom(Int4 n);
 Int4 repart(Int4 dwidth, Int4 dobs);
-// For a reader that has made its variables and has no rows yet: rows only as long as the variables need and half as
-// much again (32 bytes at least), so that a pass over a narrow dataset moves fewer lines of cache. Nothing happens when
+// For a reader that has made its variables and has no rows yet: rows only as long as the variables need and a fifth
+// as much again (24 bytes at least), so that a pass over a narrow dataset moves fewer lines of cache. Nothing happens when
 // rows are shorter already, or with observations.
 void tightenrows();
 // Shrinks lrecl to give the object store n bytes more: 901, 902, 9994.

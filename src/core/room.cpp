@@ -74,7 +74,7 @@ Int4 addobsroom(Int4 n) {
 }
 
 void tightenrows() {
-    Int4 wanted = (width + std::max(32, width / 2) + 1) & ~1;
+    Int4 wanted = (width + std::max(24, width / 5) + 1) & ~1;
     if (nobs == 0 && wanted < lrecl) repart(wanted - lrecl, 0);
 }
 

@@ -82,9 +82,14 @@ UInt4 totalsize(std::size_t capacity) { return UInt4((capacity + 63) / 16 * 16);
 object* objectof(UInt4 e) { return reinterpret_cast<object*>(blockend - entries[e].offset); }
 UInt4& slotof(UInt4 hash) { return slots[hash & (slots.size() - 1)]; }
 
+// Names are compared by their first eight bytes, zeros behind short ones; few need more.
 boolean matches(UInt4 e, const key& k) {
-    return entries[e].hash == k.hash && entries[e].type == k.type &&
-           std::memcmp(objectof(e)->name, k.name, k.size + 1) == 0;
+    if (entries[e].hash != k.hash || entries[e].type != k.type) return false;
+    const char* name = objectof(e)->name;
+    std::uint64_t a, b;
+    std::memcpy(&a, name, 8);
+    std::memcpy(&b, k.name, 8);
+    return a == b && (k.size < 8 || std::memcmp(name + 8, k.name + 8, k.size - 7) == 0);
 }
 
 UInt4 lookup(const key& k) {

@@ -65,7 +65,7 @@ namespace {
 // Cuts the line at the brace that ends its block and tells that it was there; a { leaves the line to the construct it
 // opens.
 boolean cutatbrace() {
-    Int4 at = currentline ? currentline->cutat : closingbrace(cmdbuf);
+    Int4 at = currentline ? currentline->cutat : *cmdbuf ? closingbrace(cmdbuf) : -1;
     if (at >= 0) cmdbuf[at] = 0;
     return at >= 0;
 }

@@ -21,7 +21,7 @@ namespace velmo {
 
 namespace {
 
-// = exp: the text of the result, numbers trimmed and cut at their first blank.
+// = exp: the text of the result, numbers without blanks.
 Int4 expressiontext(std::string& value) {
     exp_reset();
     firstobs = groupfirst = 1;
@@ -37,8 +37,7 @@ Int4 expressiontext(std::string& value) {
     }
     char buf[512];
     Int4 n = fmttrimmed(version < 220 ? "%10.0g" : "%18.0g", exp_getnum(eqexp, 1), buf);
-    std::string_view text(buf, std::size_t(n));
-    value = text.substr(0, text.find(' '));
+    value.assign(buf, std::size_t(n));
     return 0;
 }
 

@@ -77,6 +77,7 @@ Int4 dropkeep(boolean keep) {
     if (Int4 rc = stdparse()) return rc;
     if (!vl_given && !ifgiven && !ingiven) return required("varlist or in range");
     if (!vl_given) return dropobservations(keep);
+    if (bymode) return errorf(190, "%s of variables may not be combined with by\n", keep ? "keep" : "drop");
     return ifgiven || ingiven ? error(198) : dropvariables(keep);
 }
 

@@ -10,7 +10,8 @@ using namespace velmo;
 static bool reachesout(std::string_view text) {
     static constexpr std::string_view outside[] = {"shell", "xshell", "erase",    "copy", "cp",   "mkdir",
                                                    "chdir", "cd",     "dir",      "ls",   "sleep", "do",
-                                                   "run",   "save",   "outsheet", "beep", "memory"};
+                                                   "run",   "save",   "outsheet", "beep", "memory",
+                                                   "outfile", "postfile"};
     std::string word;
     for (std::size_t i = 0; i <= text.size(); i++) {
         char c = i < text.size() ? text[i] : ' ';

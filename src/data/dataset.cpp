@@ -168,16 +168,13 @@ Int4 maketemp(UByte type, boolean keep) {
 
 void droptemp() {
     if (nvar == 0 || nameof(nvar) != "_delete") return;
-    nvar--;
-    width = Int4(mapi[nvar]);
-    if (visnvar > nvar) visnvar = nvar;
+    shrinkvars(nvar - 1);
 }
 
 Int4 recast(Int4 var, std::string_view name, UByte newtype) {
     if (appendvar(name, newtype, true)) return 903;
     if (Int4 rc = needscratchrow()) {
-        nvar--;
-        width = Int4(mapi[nvar]);
+        shrinkvars(nvar - 1);
         return rc;
     }
     if (name == nameof(var)) return 0;      // then the label is there already

@@ -55,6 +55,13 @@ Int4 movevar(Int4 from, Int4 to, Int4* vars, Int4 n);
 // Drops the variables whose mark (nvar bytes) is set, with all records keyed by them; (e) goes with the last of the
 // others, and with no variable left the dataset is emptied. 901 without a scratch row.
 Int4 dropvars(const UByte* marks);
+// The same for variables that hold the state of a command or a level: the data don't count as changed by it, and look-up
+// follows. A failure leaves them.
+void dropworkvars(const UByte* marks);
+void dropworkvar(Int4 var);
+// Takes back the variables beyond the first `count`: what a command had appended and did not finish. They have no
+// records of their own yet.
+void shrinkvars(Int4 count);
 // Renames: table and all records keyed by the name.
 Int4 renamevar(Int4 var, std::string_view newname);
 // Keeps the observations whose flag (nobs bytes) is 0, in their order, moving pointers only.
@@ -66,6 +73,7 @@ void cleardata(boolean keeplabels);
 // observations the data are marked changed and srt is emptied.
 Int4 growobs(Int4 n);
 Int4 obsroom(Int4 n);                       // addobsroom, with 901 for whatever refused it
+Int4 nextobsroom();                         // room for observation nobs + 1, which can then be addressed; 0 or 901, printed
 Int4 needscratchrow();                     // makes sure that nobs < maxobs; 0 or 901
 
 boolean issample(Int4 var);                // the variable is (e)

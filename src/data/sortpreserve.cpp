@@ -38,14 +38,6 @@ void restorekey(const std::vector<std::string>& names) {
     srt[n] = 0;
 }
 
-void dropvariable(Int4 var) {
-    std::vector<UByte> marks(std::size_t(nvar), 0);
-    marks[std::size_t(var - 1)] = 1;
-    UByte changed = datachanged;
-    if (dropvars(marks.data()) == 0) visnvar = nvar;
-    datachanged = changed;
-}
-
 }  // namespace
 
 Int4 sortindex_push(std::string_view name) {
@@ -75,7 +67,7 @@ Int4 sortindex_pop() {
     if (!var) return error(196);
     Int4 rc = orderbyindex(var);
     restorekey(names);
-    dropvariable(var);
+    dropworkvar(var);
     return rc > 1 ? error(rc) : rc;
 }
 

@@ -13,6 +13,7 @@
 #include "data/chars.h"
 #include "data/dataset.h"
 #include "data/labels.h"
+#include "output/errors.h"
 #include "output/formats.h"
 
 namespace velmo {
@@ -20,6 +21,13 @@ namespace velmo {
 Int4 obsroom(Int4 n) {
     Int4 rc = addobsroom(n);
     return rc >= 9000 ? 901 : rc;
+}
+
+Int4 nextobsroom() {
+    if (nobs + 1 >= maxobs)
+        if (Int4 rc = obsroom(1)) return error(rc);
+    touchptrs(nobs + 2);
+    return 0;
 }
 
 Int4 needscratchrow() {
@@ -217,6 +225,26 @@ Int4 dropvars(const UByte* marks) {
     cutandrenumbersrt(all.data());
     compactvars(all.data());
     return 0;
+}
+
+void dropworkvars(const UByte* marks) {
+    UByte changed = datachanged;
+    if (dropvars(marks) == 0) visnvar = nvar;
+    datachanged = changed;
+}
+
+void dropworkvar(Int4 var) {
+    std::vector<UByte> marks(std::size_t(nvar), 0);
+    marks[std::size_t(var - 1)] = 1;
+    dropworkvars(marks.data());
+}
+
+void shrinkvars(Int4 count) {
+    while (nvar > count) {
+        nvar--;
+        width = Int4(mapi[nvar]);
+    }
+    visnvar = std::min(visnvar, nvar);
 }
 
 void dropobs(const UByte* flags, Int4 kept) {

@@ -136,15 +136,6 @@ Int4 groupresult(Int4 rc, boolean rc0) {
     return rc == 2000 || rc == 2001 ? 0 : rc;
 }
 
-// Variables beyond `count` go: what a command made in an earlier group, or left unfinished.
-void shrinkvars(Int4 count) {
-    while (nvar > count) {
-        nvar--;
-        width = Int4(mapi[nvar]);
-    }
-    visnvar = nvar;
-}
-
 Int4 grouploop(const command& row, boolean rc0) {
     char* arguments = tokpos;
     Int4 before = nvar;
@@ -161,13 +152,13 @@ Int4 grouploop(const command& row, boolean rc0) {
         Int4 rc = dispatch();
         prtfresh();                   // count leaves its line open
         outlevel = 0;
-        if (nvar > visnvar) shrinkvars(visnvar);
+        shrinkvars(visnvar);
         if (rc && bymode == 1)
             stdparse_forget();        // the next group parses anew
         else
             bymode = 2;
         if ((rc = groupresult(rc, rc0))) {
-            shrinkvars(std::min(before, nvar));
+            shrinkvars(before);
             return rc;
         }
         first = last + 1;
@@ -211,16 +202,6 @@ Int4 makemarker(const std::string& name, Int4& groups) {
     }
     visnvar = nvar;
     return 0;
-}
-
-void dropmarker(const std::string& name) {
-    Int4 var = findvar(name);
-    if (!var) return;
-    std::vector<UByte> marks(std::size_t(nvar), 0);
-    marks[std::size_t(var - 1)] = 1;
-    UByte changed = datachanged;
-    if (dropvars(marks.data()) == 0) visnvar = nvar;
-    datachanged = changed;
 }
 
 // The by-variables under their names: a program may have moved or dropped them.
@@ -280,7 +261,9 @@ Int4 callgroups(const programby& b, Int4 groups) {
 
 Int4 recallprogram(programby& b) {
     b.marker = newtempname();
-    onexit drop([&b] { dropmarker(b.marker); });
+    onexit drop([&b] {
+        if (Int4 var = findvar(b.marker)) dropworkvar(var);
+    });
     Int4 groups;
     if (Int4 rc = makemarker(b.marker, groups)) return rc;
     if (Int4 rc = setbymacros(b.rc0, b.vars, b.marker)) return rc;

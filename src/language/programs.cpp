@@ -223,15 +223,12 @@ lineinfo* lineknown(object* o, Int4 i) {
 }
 
 boolean programtext(object* o, Int4 i, char* out, boolean indented) {
-    const storedprogram& header = programheader(o);
-    if (i >= header.lines) return false;
-    UInt4 offset[2];
-    std::memcpy(offset, o->data() + sizeof header + std::size_t(i) * sizeof(UInt4), sizeof offset);
-    const UByte* text = o->data() + offset[0];
-    std::size_t indent = indented ? text[0] : 1, n = offset[1] - offset[0] - 1;
+    if (i >= programheader(o).lines) return false;
+    std::string_view text = storedline(o, i);          // a zero stands behind it, its indentation ahead
+    std::size_t indent = indented ? UByte(text.data()[-1]) : 1, n = text.size() + 1;
     if (indent + n > std::size_t(conslen)) indent = 0;
     std::memset(out, ' ', indent);
-    std::memcpy(out + indent, text + 1, n);
+    std::memcpy(out + indent, text.data(), n);
     return true;
 }
 

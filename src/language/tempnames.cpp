@@ -36,11 +36,7 @@ void droptempnames(Int4 from) {
     std::vector<UByte> marks(std::size_t(nvar), 0);
     boolean any = false;
     for (Int4 v = 1; v <= nvar; v++) any |= (marks[std::size_t(v - 1)] = istempname(varlist[v - 1], from));
-    UByte changed = datachanged;
-    if (any && dropvars(marks.data()) == 0) {
-        visnvar = nvar;
-        datachanged = changed;
-    }
+    if (any) dropworkvars(marks.data());
     std::vector<std::string> scalars;
     char name[36];
     for (object* o = objnext(nullptr, name, obj_scalar); o; o = objnext(o, name, obj_scalar))

@@ -35,10 +35,7 @@ void takecmdword() {
 
 // A variable that its command did not finish stands beyond visnvar.
 void endcommand() {
-    while (nvar > visnvar) {
-        nvar--;
-        width = Int4(mapi[nvar]);
-    }
+    shrinkvars(visnvar);
     prtflush();
 }
 

@@ -77,7 +77,7 @@ Int4 dropkeep(boolean keep) {
     if (Int4 rc = stdparse()) return rc;
     if (!vl_given && !ifgiven && !ingiven) return required("varlist or in range");
     if (!vl_given) return dropobservations(keep);
-    if (bymode) return errorf(190, "%s of variables may not be combined with by\n", keep ? "keep" : "drop");
+    if (bymode) return error(190);        // the next group would drop what then stands at the numbers
     return ifgiven || ingiven ? error(198) : dropvariables(keep);
 }
 
@@ -92,9 +92,7 @@ namespace {
 Int4 copyobservation(Int4 obs, Int4 copies) {
     Int4 sample = findvar("(e)");
     for (Int4 k = 0; k < copies; k++) {
-        if (nobs + 1 >= maxobs)
-            if (Int4 rc = obsroom(1)) return error(rc);
-        touchptrs(nobs + 2);
+        if (Int4 rc = nextobsroom()) return rc;
         std::memcpy(rowptr(nobs + 1), rowptr(obs), std::size_t(width));
         nobs++;
         if (sample) putobs(sample, nobs, 0);

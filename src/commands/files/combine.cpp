@@ -139,7 +139,7 @@ void unmatched(merging& m, Int4 obs) {
 
 Int4 fileonly(merging& m, const UByte* row) {
     if (!m.o.keep) return 0;
-    if (Int4 rc = join_room()) return rc;
+    if (Int4 rc = nextobsroom()) return rc;
     std::memcpy(rowptr(nobs + 1), m.j.blank.data(), m.j.blank.size());
     nobs++;
     join_copy(m.j, row, nobs);
@@ -152,7 +152,7 @@ Int4 fileonly(merging& m, const UByte* row) {
 }
 
 Int4 appendcopy(const merging& m, Int4 obs) {
-    if (Int4 rc = join_room()) return rc;
+    if (Int4 rc = nextobsroom()) return rc;
     nobs++;
     std::memcpy(rowptr(nobs), rowptr(obs), std::size_t(width));
     if (m.sample) putobs(m.sample, nobs, 0);

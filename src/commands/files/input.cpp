@@ -88,9 +88,7 @@ Int4 fillnew(inputstate& s) {
 
 // A new last observation, missing but for the values read.
 Int4 append(const inputstate& s) {
-    if (nobs + 1 >= maxobs)
-        if (Int4 rc = obsroom(1)) return error(rc);
-    touchptrs(nobs + 2);
+    if (Int4 rc = nextobsroom()) return rc;
     for (Int4 v = 1; v <= nvar; v++) clearcell(v, nobs + 1);
     storevalues(s, nobs + 1);
     if (Int4 sample = findvar("(e)")) putobs(sample, nobs + 1, 0);

@@ -14,11 +14,7 @@ joining::joining() : oldvars(nvar), oldobs(nobs) {}
 joining::~joining() {
     if (done) return;
     nobs = oldobs;
-    while (nvar > oldvars) {
-        nvar--;
-        width = Int4(mapi[nvar]);
-    }
-    visnvar = nvar;
+    shrinkvars(oldvars);
 }
 
 namespace {
@@ -33,7 +29,6 @@ Int4 join_otherkind(const joining& j, const sharedvar& s) {
 }
 
 Int4 join_open(joining& j, std::string_view name) {
-    if (nvar == 0) return error(3);
     if (Int4 rc = dta_open(name, j.f)) return rc;
     for (Int4 v = 1; v <= j.f.head.nvar(); v++) {
         const std::string& variable = j.f.head.names[std::size_t(v) - 1];
@@ -75,14 +70,6 @@ void join_layout(joining& j) {
     j.blank.assign(std::size_t(width), 0);
     for (Int4 v = 1; v <= nvar; v++)
         if (!isstring(v) && !issample(v)) writecell(j.blank.data() + mapi[v - 1], typ[v - 1], missing);
-}
-
-Int4 join_room() {
-    constexpr Int4 step = 8192;
-    if (nobs + 1 >= maxobs && obsroom(step))
-        if (Int4 rc = obsroom(1)) return error(rc);
-    touchptrs(nobs + 2);
-    return 0;
 }
 
 namespace {

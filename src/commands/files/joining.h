@@ -25,8 +25,7 @@ struct joining {
     ~joining();                              // unless done: nobs and variables as they were
 };
 
-// Opens the file and matches its variables with memory's by their exact names. 3 without data, 106 (printed) when one
-// is a string here and a number there, the file's codes.
+// Opens the file and matches its variables with memory's by their exact names: the file's codes.
 Int4 join_open(joining& j, std::string_view name);
 // "x is str5 in using data": 106.
 Int4 join_otherkind(const joining& j, const sharedvar& s);
@@ -36,8 +35,6 @@ Int4 join_addvars(joining& j);
 void join_layout(joining& j);
 // A value of a file's row into a shared variable; a wider type is taken as replace would. 0, 901, 903.
 Int4 join_store(joining& j, const sharedvar& s, const UByte* row, Int4 obs);
-// Room for observation nobs + 1; 901.
-Int4 join_room();
 // Value labels that memory lacks (if wanted), labels and characteristics; then variables and observations are in. Tells
 // which types have changed.
 Int4 join_finish(joining& j, boolean labels);

@@ -188,9 +188,8 @@ Int4 readoptions(describeoptions& o) {
 
 // The dataset in memory, with the variables of the varlist unless `brief`.
 dataview memoryview(boolean all, boolean brief) {
-    auto text = [](const char* macro) { return std::string(macroget(macro) ? macroget(macro) : ""); };
     Int4 hidden = findvar("(e)") && !all ? 1 : 0;
-    dataview d{true, text("S_FN"), datalabel, text("S_FNDATE"), nobs, nvar - hidden, width - hidden,
+    dataview d{true, std::string(macrotext("S_FN")), datalabel, std::string(macrotext("S_FNDATE")), nobs, nvar - hidden, width - hidden,
                char_exists("_dta", "note0"), datachanged != 0, {}, {}};
     for (Int4 i = 0; i < vl_n && !brief; i++) {
         Int4 v = vl_vr[i] - 1;

@@ -95,9 +95,10 @@ def main():
             text = read(p, rb"whole 2")
             for wanted in (r"^version 7\.0$", r"^obs 1$", r"^\[\]\[\]$", r"^rc 0$", r"^data [09]$|^data 111$"):
                 if not re.search(wanted, text, re.M): raise SystemExit("after Break %d: no %s in\n%s%s" % (i + 1, wanted, first[-1500:], text))
-            if [f for f in os.listdir(work) if f.endswith(".tmp")]: raise SystemExit("a temporary file stayed")
+            if [f for _, _, names in os.walk(work) for f in names if f.endswith(".tmp")]: raise SystemExit("a temporary file stayed")
         say("exit, clear")
         p.wait(20)
+        if [f for f in os.listdir(work) if f.startswith("velmo-")]: raise SystemExit("the session's folder stayed")
         print("%d Breaks sent, none lost, the session whole after each" % times)
     finally:
         p.kill()

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <pwd.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -90,6 +91,12 @@ Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean is
     return opened(open(name, flags, ispublic ? 0666 : 0644));
 }
 
+Int4 fileopenprivate(const char* name) {
+    int fd = open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (fd >= 0) fchmod(fd, 0600);
+    return opened(fd);
+}
+
 Int4 fileopenboth(const char* name, boolean ispublic) {
     return opened(open(name, O_RDWR | O_CREAT | O_CLOEXEC, ispublic ? 0666 : 0644));
 }
@@ -120,6 +127,8 @@ Filepos fileseek(Int4 fd, Filepos pos, Int4 whence) {
     return lseek(fd, pos, whence == 0 ? SEEK_SET : whence == 1 ? SEEK_CUR : SEEK_END);
 }
 
+void filetoend(Int4 fd) { fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_APPEND); }
+
 boolean fileclose(Int4 fd) { return close(fd) == 0; }
 
 boolean fileremove(const char* name) {
@@ -148,6 +157,16 @@ std::string currentdir() {
 
 boolean changedir(const char* name) { return chdir(name) == 0; }
 boolean makedir(const char* name, boolean ispublic) { return mkdir(name, ispublic ? 0777 : 0755) == 0; }
+
+std::string makeprivatedir(std::string stem) {
+    stem += "XXXXXX";
+    return mkdtemp(stem.data()) ? stem : "";
+}
+
+void removetree(const char* name) {
+    std::error_code ignored;
+    std::filesystem::remove_all(name, ignored);
+}
 
 boolean listdir(const char* name, std::vector<std::string>& names) {
     names.clear();

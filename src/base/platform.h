@@ -22,11 +22,13 @@ enum openreason { open_fine, open_notfound, open_exists, open_refused };
 extern openreason openfailure;           // why the last open failed
 Int4 fileopenread(const char* name);
 Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean ispublic);  // else must be new
+Int4 fileopenprivate(const char* name);                   // to write, emptied; for this user's eyes only
 Int4 fileopenboth(const char* name, boolean ispublic);    // to read and write; made when it isn't there
 Pint fileread(Int4 fd, void* out, std::size_t n);            // bytes read, 0 at end, -1 on an error
 boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not all could be written
 extern boolean diskfull;                 // why the last write that failed did: there was no room
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error
+void filetoend(Int4 fd);       // each later write goes to the end, also behind what others have written since
 boolean fileclose(Int4 fd);
 boolean fileremove(const char* name);                        // never a device
 boolean filerename(const char* from, const char* to);
@@ -37,6 +39,9 @@ boolean samefile(const char* a, const char* b);   // both exist and are one file
 std::string currentdir();
 boolean changedir(const char* name);
 boolean makedir(const char* name, boolean ispublic);
+// Makes a new folder that only this user can enter: `stem` and six characters. Its name, or "" when it can't be made.
+std::string makeprivatedir(std::string stem);
+void removetree(const char* name);               // a file, or a folder with all that is in it; links are not followed
 // Names in a folder, sorted bytewise, without "." and ".."; false when it can't be read.
 boolean listdir(const char* name, std::vector<std::string>& names);
 

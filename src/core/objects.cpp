@@ -10,6 +10,7 @@
 #include "base/text.h"
 #include "core/guard.h"
 #include "core/rectangle.h"
+#include "core/upcalls.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -201,10 +202,16 @@ UInt4 newentry() {
 UByte* usedtop() { return rowplace(ptrmark); }
 
 // Room in the account for `need` bytes beyond the live ones: 0, 901, 902, 9999.
-Int4 makeroom(std::int64_t need) {
+Int4 roomfor(std::int64_t need) {
     if (need <= 0) return 0;
     if (blockend - livebytes - rowplace(maxobs) >= need) return 0;
     return yieldroom(std::uint64_t(need));
+}
+
+// The same, with programs that can be loaded again giving way before it fails.
+Int4 makeroom(std::int64_t need) {
+    Int4 rc = roomfor(need);
+    return rc && yieldprograms() ? roomfor(need) : rc;
 }
 
 // Gives entry e `size` bytes below all objects. Room in the account has been made; holes are closed when they are

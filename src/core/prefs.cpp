@@ -76,25 +76,25 @@ std::string textof(const std::vector<preference>& all) {
 
 void prefs_load() { prefs = readall(); }
 
-void prefs_save() {
+std::string prefs_file() { return prefsfolder() + "/preferences"; }
+
+boolean prefs_save() {
     boolean changed = false;
     for (const preference& p : prefs) changed = changed || p.changed;
-    if (!changed) return;
+    if (!changed) return true;
     std::vector<preference> all = readall();
-    for (preference& p : prefs) {
+    for (const preference& p : prefs)
         if (p.changed) store(all, p);
-        p.changed = false;
-    }
-    std::string folder = prefsfolder(), name = folder + "/preferences", fresh = name + ".new", text = textof(all);
+    std::string folder = prefsfolder(), name = prefs_file(), fresh = name + ".new", text = textof(all);
     makedir((homedir() + "/.config").c_str(), false);
     makedir(folder.c_str(), false);
-    Int4 fd = fileopenwrite(fresh.c_str(), true, false, false);
-    if (fd < 0) return;
+    Int4 fd = fileopenprivate(fresh.c_str());
+    if (fd < 0) return false;
     boolean fine = filewrite(fd, text.data(), text.size());
-    if (fileclose(fd) && fine)
-        filerename(fresh.c_str(), name.c_str());
-    else
-        fileremove(fresh.c_str());
+    fine = fileclose(fd) && fine && filerename(fresh.c_str(), name.c_str());
+    if (!fine) fileremove(fresh.c_str());
+    for (preference& p : prefs) p.changed = p.changed && !fine;
+    return fine;
 }
 
 boolean prefs_get(std::string_view section, std::string_view key, std::string& value) {

@@ -8,7 +8,10 @@
 namespace velmo {
 
 void prefs_load();                     // a missing or unreadable file is an empty one
-void prefs_save();                     // writes only what changed; failures are silent
+// Writes what changed, as a file that only its user can read (a proxy's password may stand there); false when it could
+// not be written, and then a later call tries again.
+boolean prefs_save();
+std::string prefs_file();              // its name
 // False when there is no such key.
 boolean prefs_get(std::string_view section, std::string_view key, std::string& value);
 boolean prefs_getint(std::string_view section, std::string_view key, std::int64_t& value);

@@ -7,6 +7,7 @@
 #include "core/division.h"
 #include "core/guard.h"
 #include "core/objects.h"
+#include "core/upcalls.h"
 #include "output/print.h"
 
 namespace velmo {
@@ -51,14 +52,16 @@ Int4 generouswidth(Int4 least) {
     return std::max(half, least);
 }
 
-Int4 addwidthroom(Int4 n) {
+namespace {
+
+Int4 widen(Int4 n) {
     Int4 least = std::max(n, 2), before = lrecl;
     Int4 generous = generouswidth(least);
     if (Int4 rc = trytwice(generous, least, [](Int4 d) { return repart(d, 0); })) return rc;
     return lrecl - before < least ? 9997 : 0;
 }
 
-Int4 addobsroom(Int4 n) {
+Int4 lengthen(Int4 n) {
     Int4 before = maxobs, wanted = nobs < 2147483646 - n ? nobs + n + 1 : 2147483647;
     division present;
     if (divide(lrecl, present)) reclaimrows(present);
@@ -72,6 +75,17 @@ Int4 addobsroom(Int4 n) {
     touchptrs(wanted);
     return 0;
 }
+
+// Once more when programs that can be loaded again have given way.
+Int4 insist(Int4 (*attempt)(Int4), Int4 n) {
+    Int4 rc = attempt(n);
+    return rc && rc != 1010 && yieldprograms() ? attempt(n) : rc;
+}
+
+}  // namespace
+
+Int4 addwidthroom(Int4 n) { return insist(widen, n); }
+Int4 addobsroom(Int4 n) { return insist(lengthen, n); }
 
 void tightenrows() {
     Int4 wanted = (width + std::max(24, width / 5) + 1) & ~1;

@@ -1,4 +1,5 @@
-// Temporary files: names, and removal at the end. The directory is VELMOTMP, else TEMP, else the current one.
+// Temporary files: names, and removal at the end. They lie in a folder of the session's own, which only its user can enter:
+// made when the first name is asked for, in VELMOTMP, TEMP, TMPDIR or /tmp, the first of these that lets it be made.
 #pragma once
 #include <string_view>
 #include "base/types.h"
@@ -7,14 +8,14 @@ namespace velmo {
 
 extern Int4 unlinktimeout;     // set unlinktimeout: milliseconds to wait before a delete is tried again
 
-void tempfile_init();          // settles directory and session stamp
+void tempfile_init();          // settles the session stamp
 // Name number `number` of kind '_' (tempfile), 'i' (internal) and so on into `out` (pathsize bytes): directory,
-// "VM", kind, four digits of the session in base 34, the number likewise, ".tmp". 0, or 914 when the directory can't
-// be written to.
+// "VM", kind, four digits of the session in base 34, the number likewise, ".tmp". The file isn't made. 0, or 914 when no
+// folder could be made.
 Int4 tempfilename(char* out, char kind, Int4 number);
 Int4 tempfile_next(char kind); // the next unused number of a kind, from 1
 void tempfile_keep(std::string_view name);   // this one is not removed at shutdown
-void tempfile_removeall();     // shutdown: the files of kind '_' and 'i' that this session named
+void tempfile_removeall();     // shutdown: the folder with all that is in it, but for a file kept
 // Deletes a file, trying once more after unlinktimeout; false when it stays.
 boolean removewithretry(const char* name);
 

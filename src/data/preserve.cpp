@@ -1,4 +1,5 @@
 #include "data/preserve.h"
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -64,13 +65,40 @@ Int4 readback(const kept& k) {
     return dta_takelabels(f);
 }
 
+Int4 refill(const kept& k) {
+    cleardata(!k.r.hasdata);
+    return k.r.hasdata ? readback(k) : growobs(k.r.nobs);
+}
+
+boolean lacksroom(Int4 rc) { return rc == 900 || rc == 901 || rc == 902 || rc == 950; }
+
+// A block in which the file's data and what was made meanwhile have room side by side.
+std::uint64_t largerblock(const kept& k) {
+    std::uint64_t data = std::uint64_t(filestat(k.file.c_str()).size) + std::uint64_t(k.r.nobs) * 64;
+    return std::max(memory + memory / 2, 2 * (data + objbytes()) + (1u << 20)) / 1024 * 1024;
+}
+
+// What came into memory meanwhile may have taken the room of the data: then the block grows, as told.
+Int4 refillsomewhere(const kept& k) {
+    Int4 rc;
+    {
+        saved quiet(quietlevel, UByte(5));
+        rc = refill(k);
+    }
+    if (!rc) return 0;
+    cleardata(!k.r.hasdata);
+    if (lacksroom(rc) && setmemory(largerblock(k)) == 0)
+        notef("(memory set to %lluk, for the preserved data)\n", static_cast<unsigned long long>(memory >> 10));
+    return refill(k);
+}
+
 // The data as they were; the block as large as it was, should it have been made smaller meanwhile.
 Int4 bringback(const kept& k) {
     cleardata(!k.r.hasdata);
     std::uint64_t then = std::uint64_t(k.r.memory) * 1024;
     if (memory < then)
         if (Int4 rc = setmemory(then)) return error(rc);
-    Int4 rc = k.r.hasdata ? readback(k) : growobs(k.r.nobs);
+    Int4 rc = refillsomewhere(k);
     if (!rc) rc = macroset("S_FN", k.dataset);
     if (!rc) rc = macroset("S_FNDATE", fieldtext(k.r.stamp, sizeof k.r.stamp));
     datachanged = k.r.changed;

@@ -8,6 +8,7 @@
 #include "core/adopath.h"
 #include "core/settings.h"
 #include "core/tokenizer.h"
+#include "core/upcalls.h"
 #include "language/levels.h"
 #include "language/programs.h"
 #include "output/errors.h"
@@ -18,6 +19,7 @@ namespace velmo {
 namespace {
 
 Int4 lastid = 0;
+Int4 outerid = 0;      // of the outermost file being loaded, 0 when none is: ids from it on are not complete
 
 // Programs that a file defined: all that carry its number.
 std::vector<std::pair<std::string, std::string>> programsof(Int4 id) {
@@ -105,7 +107,7 @@ Int4 loadfile(const std::string& name, const std::string& path, Int4 id) {
     Int4 rc;
     boolean other;
     {
-        saved loading(loadingid, id);
+        saved loading(loadingid, id), outer(outerid, outerid ? outerid : id);
         setprogramhome(name);
         rc = runfile(path);
         other = madeother();
@@ -126,6 +128,12 @@ Int4 loadfile(const std::string& name, const std::string& path, Int4 id) {
 }
 
 }  // namespace
+
+boolean yieldprograms() {
+    Int4 before = objcount(obj_program);
+    discardprograms(outerid ? outerid : lastid + 1);
+    return objcount(obj_program) < before;
+}
 
 Int4 autoload(const char* suffix, boolean required) {
     std::string name = cmdword;

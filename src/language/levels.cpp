@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -9,6 +10,7 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/upcalls.h"
 #include "core/webfile.h"
 #include "data/dataset.h"
 #include "data/preserve.h"
@@ -16,6 +18,7 @@
 #include "data/sorting.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
+#include "language/autoload.h"
 #include "language/by.h"
 #include "language/control.h"
 #include "language/dofile.h"
@@ -181,15 +184,20 @@ Int4 opennamedfile(frame& f) {
     return 0;
 }
 
+// The program is marked first: one that isn't running may have to give way to its own arguments.
 Int4 openprogram(frame& f) {
     f.stop = true;
     std::string arguments = tokrest();
-    if (Int4 rc = openmacros(arguments)) return rc;
+    if (!findprogram(cmdword, programhome))
+        if (Int4 rc = autoload(".ado", true)) return rc;
+    f.wasrunning = std::exchange(programheader(findprogram(cmdword, programhome)).running, 1);
+    Int4 rc = openmacros(arguments);
+    storedprogram& p = programheader(findprogram(cmdword, programhome));
+    if (rc) {
+        p.running = f.wasrunning;
+        return rc;
+    }
     keepstate(f);
-    object* o = findprogram(cmdword, programhome);
-    storedprogram& p = programheader(o);
-    f.wasrunning = p.running;
-    p.running = 1;
     p.lastused = sysclock;
     rmsg = 0;
     inprogram = 1;
@@ -213,7 +221,7 @@ void enter(Int4 mode) {
 }
 
 void leave(Int4 mode, frame& f) {
-    if (preserveslot >= 0) preserve_restore(false);
+    if (preserveslot >= 0) shuttingdown ? preserve_cancel() : preserve_restore(false);
     preserveslot = f.preserved;
     if (mode == level_program) {
         object* o = runningprogram();

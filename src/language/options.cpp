@@ -103,7 +103,7 @@ Int4 parseoptions() {
         return 0;
     }
     ungettoken();
-    if (token.empty() || p_rest) return 0;
+    if (token.empty()) return 0;
     return errorf(198, "'%s' found where nothing expected\n", tokcontent());
 }
 

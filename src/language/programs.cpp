@@ -260,8 +260,10 @@ void dropprogram(std::string_view givenname, std::string_view givenhome) {
         if (object* s = exactprogram(sub.name, sub.home)) objdelthis(s);
 }
 
-void discardprograms() {
-    auto loaded = [](const char*, const storedprogram& p) { return p.loadid && !p.running && !p.home[0]; };
+void discardprograms(Int4 below) {
+    auto loaded = [below](const char*, const storedprogram& p) {
+        return p.loadid && p.loadid < below && !p.running && !p.home[0];
+    };
     for (const programkey& key : pickprograms(loaded)) dropprogram(key.name, key.home);
 }
 

@@ -71,6 +71,7 @@ lineinfo* lineknown(object* o, Int4 i);
 extern const lineinfo* currentline;
 // Drops it and its subprograms unless it is running.
 void dropprogram(std::string_view name, std::string_view home);
-void discardprograms();                // those from ado-files that don't run, each with its subprograms
+// Drops those from ado-files loaded before the one numbered `below`, unless they run, each with its subprograms.
+void discardprograms(Int4 below = 2147483647);
 
 }  // namespace velmo

@@ -18,7 +18,7 @@
 namespace velmo {
 
 UByte p_varlist, p_existing, p_if, p_in, p_using, p_exp, p_exptype, p_weight, p_weightmask, p_weightdefault;
-UByte p_options, p_byok, p_tsops, p_rest, p_range, p_skip, p_noeq, p_scale;
+UByte p_options, p_byok, p_tsops, p_range, p_skip, p_noeq, p_scale;
 Int4 p_inlimit;
 Int4 vl_n, vl_groups[5], vl_ngroups, vl_groupbegin;
 UByte vl_given, ingiven, usinggiven, weightgiven;
@@ -26,7 +26,7 @@ char *intextbeg = nullptr, *intextend = nullptr;
 Int4 weighttype;
 
 void parse_defaults() {
-    p_varlist = p_if = p_in = p_options = p_byok = p_rest = p_range = p_skip = p_noeq = p_scale = 0;
+    p_varlist = p_if = p_in = p_options = p_byok = p_range = p_skip = p_noeq = p_scale = 0;
     p_existing = 1;
     p_inlimit = nolimit;
     p_using = p_exp = p_weight = p_tsops = 3;

@@ -28,7 +28,6 @@ extern UByte p_scale;         // 1 old-style weights are aweights with the optio
 extern UByte p_options;       // 3 forbidden [0]
 extern UByte p_byok;          // 3 not with by [0]
 extern UByte p_tsops;         // 3 no time-series operators [3]
-extern UByte p_rest;          // 1 text left over is the command's [0]
 extern UByte p_range;         // 1 a varlist or range is required [0]
 extern UByte p_skip;          // 1 _skip may stand in a new varlist [0]
 extern UByte p_noeq;          // 1 the `=` of =exp may be left out [0]
@@ -51,7 +50,7 @@ void stdparse_forget();       // drops the form kept under by
 Int4 parseif();
 // The condition of if and while: an expression into ifexp, and nothing behind it.
 Int4 parsecondition();
-// Options alone, from a comma at the cursor (or the end of the line, or text left over when p_rest).
+// Options alone, from a comma at the cursor or the end of the line.
 Int4 parseoptions();
 
 // Options. Each marks what it finds as consumed. An option with an argument is another one than the bare word.

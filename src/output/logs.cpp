@@ -14,12 +14,15 @@ logstate sessionlog, commandlog;
 namespace {
 Int4 batchlog = -1;
 boolean batchvtml = false;
+std::string batchname;         // full path
 }  // namespace
 
 boolean batchlog_open(const char* name, boolean vtml) {
     if (!console || batchlog >= 0) return false;
     batchlog = fileopenwrite(name, true, false, false);
     if (batchlog < 0) return false;
+    filetoend(batchlog);
+    batchname = fullpath(name);
     batchvtml = vtml;
     boolean refused = vtml ? vstream_lograw(console, batchlog, 1) : vstream_logline(console, batchlog, 1);
     if (!refused) return true;
@@ -33,6 +36,12 @@ void batchlog_close() {
     if (console) batchvtml ? vstream_lograw(console, batchlog, 2) : vstream_logline(console, batchlog, 2);
     fileclose(batchlog);
     batchlog = -1;
+}
+
+boolean islogfile(const char* path) {
+    return (batchlog >= 0 && samefile(batchname.c_str(), path)) ||
+           (sessionlog.file >= 0 && samefile(sessionlog.name, path)) ||
+           (commandlog.file >= 0 && samefile(commandlog.name, path));
 }
 
 // ---- The session's log
@@ -68,6 +77,7 @@ std::string datetime() {
 }  // namespace
 
 boolean log_start(Int4 file, std::string_view name, boolean vtml) {
+    filetoend(file);
     sessionlog.file = file;
     sessionlog.vtml = vtml;
     copytext(sessionlog.name, pathsize, name);
@@ -109,6 +119,7 @@ void log_closingrule() {
 // ---- The command log
 
 void cmdlog_start(Int4 file, std::string_view name) {
+    filetoend(file);
     commandlog.file = file;
     commandlog.on = commandlog.alive = true;
     copytext(commandlog.name, pathsize, name);

@@ -10,6 +10,8 @@ namespace velmo {
 // Opens the batch log `name`, truncating it, as VTML or as plain text; false when it can't be opened.
 boolean batchlog_open(const char* name, boolean vtml);
 void batchlog_close();
+// Whether `path` is a file that a log is being written to.
+boolean islogfile(const char* path);
 
 struct logstate {
     Int4 file = -1;            // descriptor, -1 when closed

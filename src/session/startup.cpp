@@ -189,15 +189,14 @@ void memorynote() {
     if (!memory_fellback) return;
     saved level(outlevel, UByte(1));
     auto row = [](const char* name, std::uint64_t now, std::uint64_t asked) {
-        prtrawf("{p_end}\n    set %s %llu{col 45}%llu\n", name, static_cast<unsigned long long>(now),
+        prtrawf("    set %s %llu{col 45}%llu\n", name, static_cast<unsigned long long>(now),
                 static_cast<unsigned long long>(asked));
     };
-    prtraw("\n{txt}{p 0 4}\nNote: Velmo has been initialized with{col 45}instead of\n");
+    prtraw("\n{txt}Note: Velmo has been initialized with{col 45}instead of\n");
     row("memory", memory >> 10, asked_memory >> 10);
     row("matsize", std::uint64_t(matsize), std::uint64_t(asked_matsize));
     row("maxvar", std::uint64_t(maxvar), std::uint64_t(asked_maxvar));
-    prtraw("{p 0 4}\nbecause the operating system refused to provide\n"
-           "sufficient memory for the requested amounts.\n{p_end}\n");
+    prtraw("because the operating system refused to provide\nsufficient memory for the requested amounts.\n");
     for (const char* key : {"memory", "matsize", "maxvar"}) {
         std::string value;
         if (prefs_get("mem_xe_w", key, value)) prtrawf("    set %s %s, permanent\n", key, value.c_str());

@@ -276,17 +276,20 @@ TEST(tempfiles, names_differ_and_go_at_the_end) {
     ASSERT_EQ(tempfilename(a, '_', tempfile_next('_')), 0);
     ASSERT_EQ(tempfilename(b, '_', tempfile_next('_')), 0);
     EXPECT_STRNE(a, b);
-    EXPECT_EQ(std::string(a).substr(0, 8), "/tmp/VM_");
-    EXPECT_EQ(std::strlen(a), std::strlen("/tmp/VM_00000001.tmp"));
-    Int4 f = fileopenwrite(a, true, false, false);
-    fileclose(f);
+    std::string folder = std::string(a).substr(0, std::strlen("/tmp/velmo-123456"));
+    EXPECT_EQ(std::string(a).substr(folder.size(), 4), "/VM_");
+    EXPECT_EQ(std::strlen(a), folder.size() + std::strlen("/VM_00000001.tmp"));
+    makedir((folder + "/deeper").c_str(), false);
+    for (const std::string& name : {std::string(a), folder + "/deeper/x"})
+        fileclose(fileopenwrite(name.c_str(), true, false, false));
     tempfile_removeall();
-    EXPECT_FALSE(filestat(a).exists);
+    EXPECT_FALSE(filestat(folder.c_str()).exists);
     setenv("VELMOTMP", "/no/such/folder", 1);
-    tempfile_init();
-    EXPECT_EQ(tempfilename(a, '_', 1), 914);
+    setenv("TEMP", "/tmp", 1);
+    EXPECT_EQ(tempfilename(a, '_', 1), 0);       // the next place that lets it
+    tempfile_removeall();
     unsetenv("VELMOTMP");
-    tempfile_init();
+    unsetenv("TEMP");
 }
 
 TEST(preferences, survive_a_session) {

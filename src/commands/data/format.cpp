@@ -1,6 +1,7 @@
 // format: the display formats of variables.
 #include <cstring>
 #include <string>
+#include "base/saved.h"
 #include "base/text.h"
 #include "data/dataset.h"
 #include "data/run.h"
@@ -21,6 +22,25 @@ Int4 formattoken(std::string& text, fmtspec& spec) {
     text = rest.substr(0, rest.find(' '));
     settokpos(tokfirst() + text.size());
     return chkfmt(text, 3, &spec) ? error(120) : 0;
+}
+
+// Where the list ends: at the first token that cannot stand in one.
+char* listend() {
+    tokenpos start;
+    savetokpos(&start);
+    onexit back([&] { restoretokpos(&start); });
+    for (char c = nexttoken(breakvarlist)[0]; isnamestart(c) || (c && std::strchr("*?~-()", c));)
+        c = nexttoken(breakvarlist)[0];
+    return tokfirst();
+}
+
+// `varlist %fmt`: the list is all that stands ahead of the token that ends it.
+Int4 listahead() {
+    char* end = listend();
+    saved cut(*end, char(0));
+    Int4 rc = stdparse();
+    settokpos(end);
+    return rc;
 }
 
 Int4 checkkinds(const fmtspec& spec) {
@@ -44,10 +64,9 @@ Int4 cmd_format() {
     boolean formatfirst = tokpeeknonblank() == '%';
     if (formatfirst)
         if (Int4 rc = formattoken(text, spec)) return rc;
-    p_varlist = 1;
     p_if = p_in = p_options = 3;
-    p_rest = !formatfirst;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = formatfirst ? stdparse() : listahead()) return rc;
+    if (!vl_given) return error(111);
     if (!formatfirst) {
         if (Int4 rc = formattoken(text, spec)) return rc;
         if (nexttoken()[0]) return error(198);

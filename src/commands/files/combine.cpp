@@ -268,6 +268,8 @@ Int4 appendrows(joining& j) {
         // The rest of a regular file is known to be there, so its room can be asked for at once.
         if (Int4 rc = dta_roomfor(first && j.f.size >= 0 ? j.f.head.nobs : n)) return rc;
         for (; n > 0; n--, row += j.f.width) {
+            if (nobs + 1 >= ptrmark)             // a wider type has divided the block anew
+                if (Int4 rc = dta_roomfor(n)) return rc;
             std::memcpy(rowptr(nobs + 1), j.blank.data(), j.blank.size());
             nobs++;
             join_copy(j, row, nobs);

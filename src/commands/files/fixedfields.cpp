@@ -125,7 +125,8 @@ Int4 readfields(linereader& lines, const fieldtable& table, Int4 first, Int4 las
         rowcell cell = rows_cell(f.var);
         r.fields.push_back({f, cell, !isstringtype(cell.type) && f.letter == 'f' && f.width > 0});
     }
-    Int4 rc = droplines(lines, std::int64_t(table.firstline) - 1 + (std::int64_t(first) - 1) * table.lines);
+    std::int64_t ahead = std::max(table.firstline, 1) - 1;
+    Int4 rc = droplines(lines, ahead + (std::int64_t(first) - 1) * table.lines);
     for (Int4 obs = first; obs <= last && !rc; obs++) rc = readobservation(lines, r, obs);
     return std::max(rc, 0);
 }

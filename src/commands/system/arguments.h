@@ -12,7 +12,7 @@ Int4 readbounded(std::string_view name, Int4 lo, Int4 hi, Int4& value);
 Int4 readreal(Double& value);
 // The end of the line or `, permanent` (perm at least).
 Int4 permanentoption(boolean& permanent);
-// "({cmd:set NAME} preference recorded)\n"
+// Stores what a setting has put among the preferences: "({cmd:set NAME} preference recorded)\n", or 603.
 Int4 recorded(const char* name);
 
 }  // namespace velmo

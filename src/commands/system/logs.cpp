@@ -66,6 +66,7 @@ Int4 opencmdlog(const char* name, Int4 flags) {
     char path[pathsize];
     if (commandlog.file >= 0) return error(604);
     addsuffix(path, name, ".txt");
+    if (islogfile(path)) return error(604);
     Int4 file = webopen(path, flags);
     if (file < 0) return -file;
     cmdlog_start(file, fullpath(path));
@@ -109,6 +110,7 @@ Int4 openlog() {
     if (sessionlog.file >= 0) return error(604);
     boolean vtml = isvtml(name, o);
     addsuffix(path, name, vtml ? ".vtml" : ".log");
+    if (islogfile(path)) return error(604);
     Int4 file = webopen(path, o.flags);
     if (file < 0) return -file;
     if (log_start(file, fullpath(path), vtml)) {

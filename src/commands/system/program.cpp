@@ -5,7 +5,6 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
-#include "data/posting.h"
 #include "core/adopath.h"
 #include "core/keywords.h"
 #include "core/macros.h"
@@ -14,7 +13,6 @@
 #include "language/expand.h"
 #include "language/programs.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/print.h"
 
@@ -171,21 +169,6 @@ Int4 cmd_program() {
     case 3: return definecommand();
     default: return error(198);
     }
-}
-
-// Estimates and their macros, r(), and the programs that ado-files brought.
-Int4 cmd_discard() {
-    if (nexttoken()[0]) return error(198);
-    post_closeall();
-    for (Int4 type : {Int4(obj_varlist), Int4(obj_lastcmd), Int4(obj_xpprogram)}) objdeltype(type);
-    std::vector<std::string> names;
-    char name[36];
-    for (object* o = objnext(nullptr, name, obj_global); o; o = objnext(o, name, obj_global))
-        if (std::string_view(name).substr(0, 4) == "S_E_") names.push_back(name);
-    for (const std::string& macro : names) macroclear(macro);
-    rclear();
-    discardprograms();
-    return 0;
 }
 
 namespace {

@@ -50,6 +50,7 @@ Int4 permanentoption(boolean& permanent) {
 }
 
 Int4 recorded(const char* name) {
+    if (!prefs_save()) return fileerror(603, prefs_file());
     saved level(outlevel, UByte(1));
     prtcolour();
     return prtrawf("({cmd:set %s} preference recorded)\n", name);

@@ -6,13 +6,13 @@
 #include <vector>
 #include "base/text.h"
 #include "commands/system/arguments.h"
+#include "commands/system/discard.h"
 #include "core/keywords.h"
 #include "core/objects.h"
 #include "core/prefs.h"
 #include "data/dataset.h"
 #include "language/review.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
@@ -99,27 +99,15 @@ std::string shown_memory() {
 
 namespace {
 
-boolean discarded(Int4 type, const std::string& name) {
-    static const Int4 types[] = {obj_varlist, obj_lastcmd, obj_estimate, obj_xpprogram, obj_estpreserve, obj_postfile};
-    if (std::find(std::begin(types), std::end(types), type) != std::end(types)) return true;
-    if (type >= obj_escalar && type < obj_ematrix + 3) return true;
-    if (type >= obj_held && type < obj_local) return true;
-    return type == obj_global && name.substr(0, 4) == "S_E_";
+// Estimates name variables by their places in tables that are made anew.
+void dropresults() {
+    discard();
+    for (Int4 type = obj_escalar; type < obj_ematrix + 3; type++) objdeltype(type);
+    objdeltype(obj_estimate);
 }
 
-// Estimation results name variables by their places in tables that are made anew; r() goes with them.
-void discardresults() {
-    struct found { std::string name; Int4 type; };
-    std::vector<found> doomed;
-    char name[36];
-    Int4 type;
-    for (object* o = objnext(nullptr, name, obj_any, &type); o; o = objnext(o, name, obj_any, &type))
-        if (discarded(type, name)) doomed.push_back({name, type});
-    beginbatch();
-    for (const found& f : doomed) objdel(f.name, f.type);
-    endbatch();
-    rclear();
-}
+// Preserved data must find room for their variables again.
+boolean spoilspreserved(Int4 n) { return n < maxvar && objcount(obj_estpreserve) > 0; }
 
 }  // namespace
 
@@ -129,11 +117,11 @@ Int4 setting_maxvar() {
     boolean permanent;
     if (Int4 rc = readbounded("#", 2048, 32767, n)) return rc;
     if (Int4 rc = permanentoption(permanent)) return rc;
-    if (datainmemory()) return error(4);
+    if (datainmemory() || spoilspreserved(n)) return error(4);
     if (n != maxvar) {
+        dropresults();
         if (Int4 rc = setmaxvar(n)) return sizeerror(rc);
         review_resize();
-        discardresults();
     }
     return record(permanent, "maxvar", n);
 }

@@ -12,7 +12,9 @@
 #include <filesystem>
 #include <pwd.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/sysinfo.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -33,10 +35,18 @@ clocktime broken(std::time_t t) {
 
 void onsignal(int) { breakpending = breakswitch; }
 
+// open, which may wait for a pipe's other end.
+int openwaiting(const char* name, int flags, mode_t mode = 0) {
+    int fd;
+    do fd = open(name, flags, mode);
+    while (fd < 0 && errno == EINTR && !breakpending);
+    return fd;
+}
+
 Int4 opened(int fd) {
     openfailure = open_fine;
     if (fd >= 0) return fd;
-    openfailure = errno == ENOENT || errno == ENOTDIR ? open_notfound : errno == EEXIST ? open_exists : open_refused;
+    openfailure = errno == EINTR ? open_broken : errno == ENOENT || errno == ENOTDIR ? open_notfound : errno == EEXIST ? open_exists : open_refused;
     return -1;
 }
 
@@ -76,7 +86,7 @@ void installsignals() {
 }
 
 Int4 fileopenread(const char* name) {
-    int fd = open(name, O_RDONLY | O_CLOEXEC);
+    int fd = openwaiting(name, O_RDONLY | O_CLOEXEC);
     struct stat s{};
     if (fd >= 0 && fstat(fd, &s) == 0 && S_ISDIR(s.st_mode)) {
         close(fd);
@@ -88,7 +98,7 @@ Int4 fileopenread(const char* name) {
 
 Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean ispublic) {
     int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (append ? O_APPEND : replace ? O_TRUNC : O_EXCL);
-    return opened(open(name, flags, ispublic ? 0666 : 0644));
+    return opened(openwaiting(name, flags, ispublic ? 0666 : 0644));
 }
 
 Int4 fileopenprivate(const char* name) {
@@ -98,13 +108,13 @@ Int4 fileopenprivate(const char* name) {
 }
 
 Int4 fileopenboth(const char* name, boolean ispublic) {
-    return opened(open(name, O_RDWR | O_CREAT | O_CLOEXEC, ispublic ? 0666 : 0644));
+    return opened(openwaiting(name, O_RDWR | O_CREAT | O_CLOEXEC, ispublic ? 0666 : 0644));
 }
 
 Pint fileread(Int4 fd, void* out, std::size_t n) {
     while (true) {
         ssize_t got = read(fd, out, n);
-        if (got >= 0 || errno != EINTR) return got;
+        if (got >= 0 || errno != EINTR || breakpending) return got;
     }
 }
 
@@ -125,6 +135,32 @@ boolean filewrite(Int4 fd, const void* in, std::size_t n) {
 
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence) {
     return lseek(fd, pos, whence == 0 ? SEEK_SET : whence == 1 ? SEEK_CUR : SEEK_END);
+}
+
+Int4 filebeside(const char* name, std::string& target, std::string& beside) {
+    struct stat s{};
+    char* whole = realpath(name, nullptr);
+    if (!whole) return -1;
+    target = whole;
+    std::free(whole);
+    if (stat(target.c_str(), &s) != 0 || !S_ISREG(s.st_mode) || access(target.c_str(), W_OK) != 0) return -1;
+    beside = target.substr(0, target.rfind('/') + 1) + ".velmo-XXXXXX";
+    int fd = mkostemp(beside.data(), O_CLOEXEC);
+    if (fd < 0) return -1;
+    struct stat own{};
+    boolean same = fstat(fd, &own) == 0 && own.st_uid == s.st_uid && own.st_gid == s.st_gid;
+    if ((same || fchown(fd, s.st_uid, s.st_gid) == 0) && fchmod(fd, s.st_mode & 07777) == 0) return fd;
+    close(fd);
+    unlink(beside.c_str());
+    return -1;
+}
+
+Filepos roominstead(const char* name) {
+    struct statvfs s{};
+    struct rlimit limit{};
+    if (statvfs(name, &s) != 0 || getrlimit(RLIMIT_FSIZE, &limit) != 0) return 0;
+    rlim_t room = rlim_t(s.f_bavail) * s.f_frsize + rlim_t(filestat(name).size);
+    return Filepos(std::min(room, limit.rlim_cur));
 }
 
 void filetoend(Int4 fd) { fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_APPEND); }

@@ -18,16 +18,21 @@ void sleepms(Int4 ms);                   // returns early on a signal
 void installsignals();
 
 // Files. openread and so on return a descriptor, or -1 with the reason in openfailure.
-enum openreason { open_fine, open_notfound, open_exists, open_refused };
+enum openreason { open_fine, open_notfound, open_exists, open_refused, open_broken };    // broken: by Break
 extern openreason openfailure;           // why the last open failed
 Int4 fileopenread(const char* name);
 Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean ispublic);  // else must be new
 Int4 fileopenprivate(const char* name);                   // to write, emptied; for this user's eyes only
 Int4 fileopenboth(const char* name, boolean ispublic);    // to read and write; made when it isn't there
-Pint fileread(Int4 fd, void* out, std::size_t n);            // bytes read, 0 at end, -1 on an error
+// Bytes read, 0 at the end, -1 on an error, or when Break came while nothing was there to be read.
+Pint fileread(Int4 fd, void* out, std::size_t n);
 boolean filewrite(Int4 fd, const void* in, std::size_t n);   // false when not all could be written
 extern boolean diskfull;                 // why the last write that failed did: there was no room
 Filepos fileseek(Int4 fd, Filepos pos, Int4 whence);         // whence 0 start, 1 here, 2 end; -1 on an error
+// A new file beside the regular file `name` (or beside what the link `name` leads to), with its owner and mode: its
+// descriptor, with the names of both; -1 when there is no such file, or the folder or the owner doesn't allow it.
+Int4 filebeside(const char* name, std::string& target, std::string& beside);
+Filepos roominstead(const char* name);           // bytes that a file could have that is written over this one
 void filetoend(Int4 fd);       // each later write goes to the end, also behind what others have written since
 boolean fileclose(Int4 fd);
 boolean fileremove(const char* name);                        // never a device

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 #include "base/platform.h"
+#include "base/poll.h"
 #include "core/objects.h"
 #include "core/webfile.h"
 #include "output/errors.h"
@@ -63,7 +64,7 @@ Int4 handle_fill(filehandle& h) {
     Pint n = fileread(h.fd, h.buf, sizeof h.buf);
     h.pos = h.len = 0;
     if (n < 0) {
-        failed(h);
+        if (!breakpending) failed(h);
         return handle_failed;
     }
     h.eof = n == 0;

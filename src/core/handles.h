@@ -33,7 +33,7 @@ void handle_forget(std::string_view name);                        // the file st
 std::vector<std::string> handlenames();                           // in store order
 
 // The transfers below return 0 or 691, not printed.
-// The next byte: 0 to 255, or handle_eof at the end, handle_failed.
+// The next byte: 0 to 255, or handle_eof at the end, handle_failed (after a Break too; the handle can then be read on).
 inline constexpr Int4 handle_eof = 1000, handle_failed = 1001;
 Int4 handle_fill(filehandle& h);
 inline Int4 handle_byte(filehandle& h) {

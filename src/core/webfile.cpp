@@ -26,13 +26,14 @@ Int4 failed(Int4 rc, std::string_view name, Int4 flags) {
     if (flags & web_quiet) return -rc;
     if (rc == 601 || rc == 602 || rc == 603)
         fileerror(rc, name);
-    else
+    else if (rc > 1)
         error(rc);
     return -rc;
 }
 
 // A missing folder can't be written to; only what is read can be not found.
 Int4 opencode(Int4 flags) {
+    if (openfailure == open_broken) return 1;
     if (openfailure == open_exists) return 602;
     return openfailure == open_notfound && !(flags & (web_write | web_append)) ? 601 : 603;
 }
@@ -80,7 +81,7 @@ Int4 copyblocks(Int4 from, Int4 to, boolean text) {
     while (true) {
         Pint n = fileread(from, block, sizeof block);
         if (n == 0) return 0;
-        if (n < 0) return 692;
+        if (n < 0) return breakpending ? 1 : 692;
         if (text) n = Pint(plainlineends(block, std::size_t(n), cr));
         if (!filewrite(to, block, std::size_t(n))) return 699;
         poll();
@@ -174,6 +175,17 @@ void reader_start(bytereader& r, Int4 handle) {
     r.pos = r.len = 0;
     r.failed = 0;
 }
+
+void reader_skipmark(bytereader& r) {
+    while (r.len < 3) {
+        Pint n = fileread(r.handle, r.buf + r.len, std::size_t(readsize - r.len));
+        if (n <= 0) break;
+        r.len += Int4(n);
+    }
+    if (r.len >= 3 && std::memcmp(r.buf, "\xEF\xBB\xBF", 3) == 0) r.pos = 3;
+}
+
+Int4 readfailure() { return breakpending ? 1 : error(691); }
 
 Int4 reader_fill(bytereader& r) {
     Pint n = fileread(r.handle, r.buf, readsize);

@@ -15,7 +15,7 @@ boolean isurl(std::string_view name);  // letters, a colon, two slashes
 void webfile_init();                   // clears the table of open files
 // Opens a file. Reading a missing one is 601, writing one that exists without replace or append 602, any other
 // refusal 603; with web_write and web_textread it is open for both, and made unless it is there; 632 a URL that must
-// be local, 633 writing to a URL, 681 too many open files.
+// be local, 633 writing to a URL, 681 too many open files, 1 a Break while a pipe was waited for.
 Int4 webopen(std::string_view name, Int4 flags);
 Int4 webclose(Int4 handle);            // 0, or 691 when the last bytes could not be written
 // Copies a file by blocks, with Break tests; a failed copy leaves no target behind, but for one that was appended to.
@@ -37,6 +37,8 @@ struct bytereader {
     UByte buf[readsize + 16];
 };
 void reader_start(bytereader& r, Int4 handle);
+void reader_skipmark(bytereader& r);   // at a file's start: a UTF-8 mark there is no part of the text
+Int4 readfailure();                    // the code behind read_error: 1 after a Break, else 691, printed
 Int4 reader_fill(bytereader& r);       // the next byte after reading a new buffer
 inline Int4 reader_next(bytereader& r) { return r.pos < r.len ? r.buf[r.pos++] : reader_fill(r); }
 

@@ -7,7 +7,8 @@
 // Nothing in a file is believed: every size, count, offset and terminator is checked before it is used, and no memory
 // is asked for on a count's word alone. A file that breaks a rule is code 610, one that ends early 692. What can be put
 // right harmlessly is: an unfit display format becomes the default one, the sort list ends ahead of an entry that
-// cannot be, an invalid value-label name is none, labels are cut at 80.
+// cannot be, an invalid value-label name is none, labels are cut at 80. Control characters are 610 in names and become blanks
+// in labels and formats, with a note: those are shown, and go into commands. Cells and characteristics keep theirs.
 //
 // Reading goes one way: dta_open, then characteristics, rows, value labels, each as far as the caller likes; a later
 // kind passes over what is left of an earlier one. All failures have been printed, with the file's name.
@@ -51,7 +52,7 @@ struct dtafile {
     dtahead head;
     std::string path;                    // with its extension, as messages name it
     boolean accepted = false;            // the header was fine: `use` then gives up what is in memory
-    boolean unbroken = false;            // Break is not looked at while rows are read
+    boolean own = false;                 // this session wrote it: Break is not looked at, texts stay as they are
     std::vector<UInt4> offsets;          // of the variables in a row
     Int4 width = 0;                      // bytes of a row
     std::unordered_map<std::string, Int4> numbers;        // the variable of a name
@@ -60,6 +61,7 @@ struct dtafile {
     // The reader's own.
     Int4 handle = -1;
     boolean swapped = false;             // the file's byte order is not ours
+    boolean blanked = false;             // control characters of a label have been told
     boolean failed = false;              // a read failed, rather than came to the end
     Filepos size = -1, place = 0;        // bytes of a regular file (else -1); place of buf[len] in the file
     dtastage stage = dta_atchars;
@@ -118,8 +120,10 @@ struct savechoice {
     boolean all = false;                 // (e) too
     boolean unused = false;              // value labels that no variable has, too
 };
-// Writes the dataset into a new file, or over an old one with replace, and sets nothing in memory. On a failure the
-// file is removed. 602, 603, 693, 699, 1.
+// Writes the dataset into a new file, or with replace over an old one, and sets nothing in memory. An old one stays until
+// the new one, written beside it, is whole: links are followed, mode and owner kept. Only where the folder or its room
+// does not allow that, or the name is no regular file's, is it written straight. On a failure a file written straight
+// is removed. 602, 603, 693, 699, 909, 1.
 Int4 dta_save(std::string_view path, boolean replace, const savechoice& choice, const std::string& stamp);
 
 // Makes the variables `keep` (ascending numbers of the file's) those of memory, which is emptied, value labels too:

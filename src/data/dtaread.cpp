@@ -86,13 +86,13 @@ boolean skip(dtafile& f, Filepos n) {
     }
     while (n > 0) {
         std::size_t part = std::size_t(std::min<Filepos>(n, Filepos(blockbytes)));
-        if (!take(f, part) || (!f.unbroken && tick())) return false;
+        if (!take(f, part) || (!f.own && tick())) return false;
         n -= Filepos(part);
     }
     return true;
 }
 
-Int4 cutshort(const dtafile& f) { return breakpending && !f.unbroken ? 1 : fileerror(692, f.path); }
+Int4 cutshort(const dtafile& f) { return breakpending && !f.own ? 1 : fileerror(692, f.path); }
 Int4 unfit(const dtafile& f) { return fileerror(610, f.path); }
 
 template <class T> T swappedbytes(T v) {
@@ -110,6 +110,20 @@ template <class T> T number(const dtafile& f, const UByte* p) {
 
 std::string text(const UByte* p, std::size_t size) {
     return std::string(fieldtext(reinterpret_cast<const char*>(p), size));
+}
+
+// ---- Control characters.
+
+boolean iscontrol(char c) { return (c > 0 && c < ' ') || c == 127; }
+
+boolean hascontrol(std::string_view text) { return std::any_of(text.begin(), text.end(), iscontrol); }
+
+// Blanks in their place; the first time that is told.
+template <class T> void blankcontrols(dtafile& f, T& text) {
+    if (f.own || std::none_of(text.begin(), text.end(), iscontrol)) return;
+    std::replace_if(text.begin(), text.end(), iscontrol, ' ');
+    if (!f.blanked) notef("(note: control characters in labels of file %s are now blanks)\n", f.path.c_str());
+    f.blanked = true;
 }
 
 // ---- The header.
@@ -134,6 +148,8 @@ Int4 readheader(dtafile& f, const layout& l, Int4& nvar) {
     const UByte* stamp = p + labelat + l.label;
     if (l.stamped && stamp[stampsize - 1] != 0) return unfit(f);
     if (l.stamped) f.head.stamp = text(stamp, stampsize);
+    blankcontrols(f, f.head.label);
+    blankcontrols(f, f.head.stamp);
     if (p[2] != 1) return fileerror(609, f.path);
     if (f.head.nobs < 0 || (nvar == 0 && f.head.nobs > 0)) return unfit(f);
     f.rowsleft = f.head.nobs;
@@ -198,7 +214,7 @@ Int4 checknames(dtafile& f) {
     for (std::size_t i = 0; i < f.head.names.size(); i++) {
         const std::string& name = f.head.names[i];
         boolean sample = name == "(e)" && f.head.types[i] == typebyte;
-        if (!sample && !validname(name)) return unfit(f);
+        if (!sample && (!validname(name) || hascontrol(name))) return unfit(f);
         if (!f.numbers.emplace(name, Int4(i) + 1).second) return unfit(f);
     }
     return 0;
@@ -232,6 +248,8 @@ void mendtables(dtafile& f) {
     dtahead& h = f.head;
     for (std::size_t i = 0; i < h.types.size(); i++) {
         boolean string = isstringtype(h.types[i]);
+        blankcontrols(f, h.formats[i]);
+        blankcontrols(f, h.varlabels[i]);
         if (h.formats[i].size() >= fmtsize || chkfmt(h.formats[i], string ? 2 : 1)) {
             char usual[fmtsize];
             defaultformat(h.types[i], usual);
@@ -251,6 +269,7 @@ Int4 readtables(dtafile& f, const layout& l, Int4 nvar) {
     if (Int4 rc = readtexts(f, l.fmt, f.head.formats)) return rc;
     if (Int4 rc = readtexts(f, l.name, f.head.vallabels)) return rc;
     if (Int4 rc = readtexts(f, l.varlabel, f.head.varlabels)) return rc;
+    if (std::any_of(f.head.vallabels.begin(), f.head.vallabels.end(), hascontrol)) return unfit(f);
     mendtables(f);
     return 0;
 }
@@ -299,6 +318,7 @@ Int4 readchar(dtafile& f, std::size_t namefield, Filepos length, dtachar& c, boo
     if (!p) return cutshort(f);
     c.owner = text(p, namefield);
     c.name = text(p + namefield, namefield);
+    if (hascontrol(c.owner) || hascontrol(c.name)) return unfit(f);
     Filepos rest = length - Filepos(2 * namefield), shown = std::min<Filepos>(rest, maxchartext);
     p = take(f, std::size_t(shown));
     if (!p) return cutshort(f);
@@ -325,7 +345,7 @@ Int4 dta_nextchar(dtafile& f, dtachar& c, boolean& found) {
         } else if (Int4 rc = readchar(f, l.name, length, c, found)) {
             return rc;
         }
-        if (!f.unbroken && tick()) return 1;
+        if (!f.own && tick()) return 1;
     }
     return 0;
 }
@@ -383,7 +403,7 @@ Int4 dta_nextrows(dtafile& f, const UByte*& rows, Int4& n) {
     if (Int4 rc = torows(f)) return rc;
     if (f.stage != dta_atrows) return 0;
     std::size_t width = std::size_t(f.width);
-    if (!f.unbroken && tick()) return 1;
+    if (!f.own && tick()) return 1;
     if (!need(f, width)) return cutshort(f);
     n = Int4(std::min<std::size_t>(std::size_t(f.rowsleft), (f.len - f.pos) / width));
     UByte* p = f.buf.data() + f.pos;
@@ -509,13 +529,15 @@ Int4 dta_nextlabel(dtafile& f, std::string& name, vallabel& label, boolean& foun
         if (!p) return cutshort(f);
         Filepos length = old ? Filepos(number<UInt2>(f, p)) : Filepos(number<UInt4>(f, p));
         name = text(p + lengthsize, namefield);
+        if (hascontrol(name)) return unfit(f);
         found = validname(name);
         if (!found && !old) {
             if (!skip(f, length)) return cutshort(f);
         } else if (Int4 rc = old ? readoldtable(f, std::size_t(length), label) : readtable(f, length, label)) {
             return rc;
         }
-        if (!f.unbroken && tick()) return 1;
+        if (found) blankcontrols(f, label.texts);
+        if (!f.own && tick()) return 1;
     }
     return 0;
 }

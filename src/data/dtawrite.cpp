@@ -9,6 +9,7 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
+#include "core/objects.h"
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/dtafile.h"
@@ -210,20 +211,54 @@ Int4 writeall(Int4 handle, const savechoice& choice, const std::string& stamp) {
     return writer_flush(*w) && dta_complete(handle, h.format, h.nobs) ? 0 : 693;
 }
 
-}  // namespace
+// Where the old file's room and what is free hold the new one; names, texts and labels are counted with the objects.
+boolean fitsinstead(const std::string& target) {
+    std::uint64_t rows = std::uint64_t(nobs) * std::uint64_t(width), tables = std::uint64_t(nvar + 1) * 256;
+    return rows + tables + 2 * objbytes() <= std::uint64_t(roominstead(target.c_str()));
+}
 
-Int4 dta_save(std::string_view path, boolean replace, const savechoice& choice, const std::string& stamp) {
+constexpr Int4 notbeside = -1;
+
+// Into a file beside the old one, which takes its place when it is whole. notbeside where that can't be done, or has no
+// room for two files but for the new one alone.
+Int4 savebeside(const std::string& path, const savechoice& choice, const std::string& stamp) {
+    std::string target, beside;
+    Int4 handle = filebeside(path.c_str(), target, beside);
+    if (handle < 0) return notbeside;
+    Int4 rc = 909;
+    {
+        onexit close([&] {
+            if (!fileclose(handle) && !rc) rc = 693;
+            if (!rc && !filerename(beside.c_str(), target.c_str())) rc = 693;
+            if (rc) fileremove(beside.c_str());
+        });
+        rc = writeall(handle, choice, stamp);
+    }
+    return rc == 693 && diskfull && fitsinstead(target) ? notbeside : rc;
+}
+
+// Straight into the file, which is removed when that fails.
+Int4 savestraight(const std::string& path, boolean replace, const savechoice& choice, const std::string& stamp) {
     Int4 handle = webopen(path, web_write | web_binary | (replace ? web_replace : 0));
     if (handle < 0) return -handle;
-    diskfull = false;
     Int4 rc = 909;
     {
         onexit close([&] {
             if (webclose(handle) && !rc) rc = 693;
-            if (rc) fileremove(std::string(path).c_str());
+            if (rc) fileremove(path.c_str());
         });
         rc = writeall(handle, choice, stamp);
     }
+    return rc;
+}
+
+}  // namespace
+
+Int4 dta_save(std::string_view name, boolean replace, const savechoice& choice, const std::string& stamp) {
+    std::string path(name);
+    diskfull = false;
+    Int4 rc = replace ? savebeside(path, choice, stamp) : notbeside;
+    if (rc == notbeside) rc = savestraight(path, replace, choice, stamp);
     return rc == 693 ? fileerror(diskfull ? 699 : 693, path) : rc;
 }
 

@@ -57,7 +57,7 @@ void forget(const kept& k) {
 Int4 readback(const kept& k) {
     std::vector<Int4> all;
     dtafile f;
-    f.unbroken = true;
+    f.own = true;
     if (Int4 rc = dta_open(k.file, f)) return rc;
     for (Int4 v = 1; v <= f.head.nvar(); v++) all.push_back(v);
     if (Int4 rc = dta_takevars(f, all)) return rc;

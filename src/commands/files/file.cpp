@@ -153,7 +153,7 @@ Int4 readtext(filehandle& h) {
     if (!validname("_" + name)) return badname(name);
     if (Int4 rc = nothingbehind()) return rc;
     const char* status = textline(h, line);
-    if (!status) return error(691);
+    if (!status) return readfailure();
     readresults(status, !std::strcmp(status, "eof"));
     return setlocal(name, line);
 }
@@ -186,7 +186,7 @@ Int4 fieldlist(std::vector<fieldto>& fields) {
 Int4 readfield(filehandle& h, const fieldto& f, boolean& eof) {
     std::string bytes(std::size_t(f.field.size), 0);
     Int4 got;
-    if (handle_get(h, bytes.data(), f.field.size, got)) return error(691);
+    if (handle_get(h, bytes.data(), f.field.size, got)) return readfailure();
     boolean whole = got == f.field.size;
     eof = eof || !whole;
     if (f.field.kind == 's') return setlocal(f.name, bytes);

@@ -34,6 +34,7 @@ struct tokenreader {
 
 void tokens_start(tokenreader& t, Int4 handle) {
     reader_start(t.bytes, handle);
+    reader_skipmark(t.bytes);
     t.commas = t.ended = t.quoted = false;
 }
 
@@ -111,7 +112,7 @@ Int4 anytoken(tokenreader& t) {
     }
     if (breakpending) return 1;
     if (c == read_eof) return token_atend;
-    if (c == read_error) return error(691);
+    if (c == read_error) return readfailure();
     if (c == ',') {
         t.commas = true;
         return 0;

@@ -33,6 +33,8 @@ enum byteclass : UByte { byte_text, byte_delim, byte_newline, byte_return, byte_
 // What may be read ahead of a field and behind it, so that sixteen bytes can always be taken at once.
 constexpr Int4 margin = numbermargin;
 
+constexpr char endmark = 26;     // at the end of a file, some systems' mark of the end
+
 struct fieldreader {
     bytereader bytes;
     UByte kind[256];
@@ -49,6 +51,7 @@ fieldreader fields;
 void startfields(fieldreader& f, Int4 handle, char delimiter) {
     fileseek(handle, 0, 0);
     reader_start(f.bytes, handle);
+    reader_skipmark(f.bytes);
     std::memset(f.kind, byte_text, sizeof f.kind);
     f.kind[UByte('\n')] = byte_newline;
     f.kind[UByte('\r')] = byte_return;
@@ -123,6 +126,7 @@ fieldend slowfield(fieldreader& f) {
             keep(f, char(c));
         }
     }
+    while (end == field_eof && !f.quoted && f.copied && f.copy[margin + f.copied - 1] == endmark) f.copied--;
     f.text = {f.copy + margin, std::size_t(f.copied)};
     return end;
 }
@@ -199,6 +203,7 @@ linecounts countline(fieldreader& f) {
             n.last = true;
             return n;
         }
+        if (c == endmark) continue;
         n.empty = false;
         if (c == '"') quoted = !quoted;
         if (quoted) continue;
@@ -303,7 +308,7 @@ Int4 scanline(fieldreader& f, sheet& s, boolean first, boolean& more) {
     fieldend end;
     do {
         end = nextfield(f);
-        if (end == field_error) return error(691);
+        if (end == field_error) return readfailure();
         if (end == field_eof && column == 0 && f.text.empty() && !f.quoted) {
             more = false;
             return 0;
@@ -407,7 +412,7 @@ Int4 storerow(fieldreader& f, boolean& more) {
     fieldend end;
     do {
         end = nextfield(f);
-        if (end == field_error) return 691;
+        if (end == field_error) return readfailure();
         if (end == field_eof && column == 0 && f.text.empty() && !f.quoted) {
             more = false;
             return 0;
@@ -437,7 +442,7 @@ Int4 storesheet(Int4 handle, const sheet& s, boolean header) {
     startfields(fields, handle, s.delimiter);
     boolean more = !header || skipline(fields);
     while (more && nobs < rows) {
-        if (Int4 rc = storerow(fields, more)) return error(rc);
+        if (Int4 rc = storerow(fields, more)) return rc;
         if (tick()) return 1;
     }
     return 0;
@@ -501,7 +506,7 @@ Int4 fillsheet(Int4 handle, const sheet& s, const std::vector<std::string>& name
     tightenrows();
     if (!rc) rc = storesheet(handle, s, header);
     datachanged = 1;
-    if (rc > 1) errorf(rc, "error in line %d of file\n", fields.line);
+    if (rc == 691) errorf(rc, "error in line %d of file\n", fields.line);
     if (rc > 1 || nobs == 0) {
         if (rc || s.rows == 0) cleardata(true);
         if (rc) return rc;

@@ -8,6 +8,7 @@ namespace velmo {
 
 void lines_start(linereader& r, Int4 handle) {
     reader_start(r.bytes, handle);
+    reader_skipmark(r.bytes);
     r.lrecl = r.len = 0;
     r.ended = 0;
 }
@@ -50,7 +51,7 @@ Int4 takeline(linereader& r) {
         Int4 c = nextbyte(r);
         if (c == '\n') return 0;
         if (c == read_eof) return r.len ? 0 : lines_atend;
-        if (c == read_error) return 691;
+        if (c == read_error) return breakpending ? 1 : 691;
         if (c == '\t')
             taketab(r);
         else if (c != '\r')
@@ -66,7 +67,7 @@ Int4 takerecord(linereader& r) {
         if (r.len == r.lrecl) return 0;
         Int4 c = nextbyte(r);
         if (c == read_eof) return r.len ? 0 : lines_atend;
-        if (c == read_error) return 691;
+        if (c == read_error) return breakpending ? 1 : 691;
         if (c != '\n' && c != '\r') r.text()[r.len++] = char(c);
     }
     return 0;

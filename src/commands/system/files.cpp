@@ -49,7 +49,7 @@ Int4 feedfile(Int4 handle, boolean asis) {
         poll();
         if (breakpending) return 1;
     }
-    return r.failed ? 692 : 0;
+    return breakpending ? 1 : r.failed ? 692 : 0;
 }
 
 }  // namespace

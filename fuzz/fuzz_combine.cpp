@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     startsession();
     writefile("fuzz.dta", {reinterpret_cast<const char*>(data), size});
     for (const char* line : {"drop _all", "label drop _all", "set obs 4", "generate byte id = _n", "generate x = 2 - _n",
-                             "generate str2 s = \"m\"", "sort id x"})
+                             "generate byte big = 1", "generate byte v_1 = 2", "generate str1 s = \"m\"", "sort id x"})
         if (obey(line)) std::abort();
     Int4 vars = nvar;
     Int4 rc = obey(ways[size % 4]);

@@ -9,7 +9,7 @@ static std::string table() {
     std::string out;
     for (Int4 v = 1; v <= nvar; v++)
         for (Int4 obs = 1; obs <= nobs; obs++) {
-            out += isstring(v) ? std::string(strcell(v, obs)) : std::to_string(getobs(v, obs));
+            out += isstring(v) ? std::string(strcell(v, obs)) : std::to_string(getobs(v, obs) + 0.0);      // integers have no -0
             out += '\n';
         }
     return out;

@@ -391,7 +391,7 @@ void objdelthis(object* o) {
 }
 
 void objread(object* o, std::size_t offset, void* out, std::size_t n) {
-    if (offset >= o->datalen) return;
+    if (offset >= o->datalen || n == 0) return;
     if (n > o->datalen - offset) n = o->datalen - offset;
     std::memcpy(out, o->data() + offset, n);
 }

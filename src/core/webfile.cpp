@@ -206,6 +206,7 @@ void writer_start(bytewriter& w, Int4 handle) {
 }
 
 void writer_put(bytewriter& w, std::string_view text) {
+    if (text.empty()) return;
     if (w.len + text.size() > sizeof w.buf) writer_flush(w);
     if (text.size() > sizeof w.buf) {
         if (!filewrite(w.handle, text.data(), text.size())) w.failed = 1;

@@ -130,10 +130,15 @@ Int4 lookupvar(std::string_view name, Int4 mode) {
     return mode == lookup_ref ? -varnotfound(name) : nvar + 1;
 }
 
-Int4 checknewname(std::string_view name) {
+Int4 checkvarname(std::string_view name) {
     for (std::string_view r : reservednames)
         if (name == r) return badname(name);
     if (isstrname(name)) return errorf(198, "%s invalid variable name\n", std::string(name).c_str());
+    return validname(name) ? 0 : badname(name);
+}
+
+Int4 checknewname(std::string_view name) {
+    if (Int4 rc = checkvarname(name)) return rc;
     Int4 v = lookupvar(name, lookup_free);
     return v < 0 ? -v : 0;
 }

@@ -31,6 +31,7 @@ Int4 lookupvar(std::string_view name, Int4 mode);
 Int4 findvar(std::string_view name);       // exact, no message; 0 when there is none
 // Nonzero code, printed, when `name` may not be given to a new variable: 198 or 110.
 Int4 checknewname(std::string_view name);
+Int4 checkvarname(std::string_view name);  // the same but for names in use: for variables that will not be in memory
 
 // To be called by whoever writes varlist otherwise than by the calls below: the index of names is made anew.
 void namesmoved();

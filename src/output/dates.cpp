@@ -106,7 +106,7 @@ boolean readmask(std::string_view mask, std::string_view want, datemask& out) {
         if (isdigit(mask[i])) {
             std::size_t start = i;
             Int4 value = 0;
-            for (; i < mask.size() && isdigit(mask[i]); i++) value = value * 10 + (mask[i] - '0');
+            for (; i < mask.size() && isdigit(mask[i]) && i - start < 3; i++) value = value * 10 + (mask[i] - '0');
             if (i - start > 2 || i == mask.size() || mask[i] != 'y') return false;
             out.century = value;
         }

@@ -33,7 +33,7 @@ struct arena : smallmemory {
     }
     std::string somename() { return (pick(2) ? "name" : "x") + std::to_string(pick(25)); }
     Int4 sometype() {
-        static constexpr Int4 types[] = {obj_vallabel, obj_global, obj_program, obj_local, obj_local + 1, obj_char};
+        static constexpr Int4 types[] = {obj_vallabel, obj_global, obj_scalar, obj_local, obj_local + 1, obj_char};
         return types[pick(6)];
     }
     std::list<plainobject>::iterator newest(const std::string& name, Int4 type) {

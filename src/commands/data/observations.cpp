@@ -123,9 +123,9 @@ Int4 cmd_expand() {
         srt[0] = 0;
         datachanged = 1;
     }
-    if (rc) return rc;
+    if (rc && !created) return rc;
     notef("(%d observation%s created)\n", created, plural(created));
-    return 0;
+    return rc;
 }
 
 Int4 cmd_count() {

@@ -50,12 +50,10 @@ void dict_skipline(dicttokens& t) { settokpos(t.lines->text() + t.lines->len); }
 
 namespace {
 
-// As in an empty dataset: what is in memory doesn't matter yet.
 boolean fitname(const fieldtable& table, const std::string& name) {
-    if (!validname(name) || name == "_all" || table.names.count(name)) return false;
+    if (name == "_all" || table.names.count(name)) return false;
     saved quiet(quietlevel, UByte(5));
-    saved all(nvar, 0), visible(visnvar, 0);
-    return checknewname(name) == 0;
+    return checkvarname(name) == 0;
 }
 
 }  // namespace

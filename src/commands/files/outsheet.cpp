@@ -2,9 +2,11 @@
 #include "base/poll.h"
 #include "commands/files/celltext.h"
 #include "core/webfile.h"
+#include "data/dataset.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
 #include "language/stdparse.h"
+#include "output/errors.h"
 
 namespace velmo {
 
@@ -50,6 +52,7 @@ Int4 writerows(bytewriter& w, const outsheetoptions& o) {
 
 // outsheet [varlist] using filename [if] [in] [, comma quote noquote names nonames label nolabel replace]
 Int4 cmd_outsheet() {
+    if (nvar == 0) return error(111);
     p_using = 1;
     if (Int4 rc = stdparse()) return rc;
     outsheetoptions o{};

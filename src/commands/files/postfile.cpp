@@ -44,7 +44,7 @@ Int4 readcolumns(std::vector<std::string>& names, UByte& type) {
 Int4 checkcolumns(const std::vector<std::string>& names) {
     std::unordered_set<std::string> seen;
     for (const std::string& name : names) {
-        if (!validname(name)) return badname(name);
+        if (Int4 rc = checkvarname(name)) return rc;
         if (!seen.insert(name).second) return errorf(110, "postfile: variable %s already exists\n", name.c_str());
     }
     return 0;

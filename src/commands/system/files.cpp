@@ -168,7 +168,8 @@ Int4 cmd_dir() {
         path = slash == std::string::npos ? "" : path.substr(0, slash + 1);
     }
     std::vector<std::string> names;
-    if (!listdir(path.empty() ? "." : path.c_str(), names)) return fileerror(601, path);
+    const char* folder = path.empty() ? "." : path.c_str();
+    if (!listdir(folder, names)) return fileerror(filestat(folder).exists ? 603 : 601, path);
     outlevel = 0;
     Int4 shown = 0;
     for (const std::string& name : names) {

@@ -142,7 +142,7 @@ Int4 fixedrows() {
 }
 
 Int4 debugmemory() {
-    prtf("maxmaxvar=%d maxlrecl=%d\n", 32767, maxlrecl());
+    prtf("maxmaxvar=%d maxlrecl=%d\n", maxvar, maxlrecl());
     prtf("conslen=%d macrolen=%d\n", conslen, macrolen);
     if (Int4 rc = fixedrows()) return rc;
     prtf("nvar %d nobs %d\n", nvar, nobs);

@@ -51,8 +51,8 @@ void storeresults(const dataview& d) {
     rstore("changed", d.changed);
 }
 
-// Text at the right of a line, broken at 31 when it is 33 or more long; later pieces start in `column`.
-Int4 brokentext(std::string text, Int4 column) {
+// Text at the right of a line, broken at 31 when it is 33 or more long; later pieces stand below the first, in column 47.
+Int4 brokentext(std::string text) {
     if (text.size() < 33) {
         tabtext(text);
         return prtnl();
@@ -62,7 +62,7 @@ Int4 brokentext(std::string text, Int4 column) {
         text.erase(0, 31);
         tabtext(piece);
         if (Int4 rc = prtnl()) return rc;
-        if (!text.empty()) prtblanks(column - 1);
+        if (!text.empty()) prtblanks(46);
     }
     return 0;
 }
@@ -80,7 +80,7 @@ void headvalue(const char* stub, std::int64_t value, std::int64_t limit, const d
 Int4 beside(const std::string& text, const describeoptions& o) {
     if (text.empty()) return prtnl();
     prtblanks(o.detail ? 6 : 26);
-    return brokentext(text, 48);
+    return brokentext(text);
 }
 
 Int4 sizeline(const dataview& d, const describeoptions& o) {
@@ -149,14 +149,15 @@ Int4 variableline(const viewvar& v, const describeoptions& o) {
     else
         tabtext(v.vallabel + std::string(9 - v.vallabel.size(), ' '));
     tabtext(v.notes ? "* " : "  ");
-    return brokentext(v.varlabel, 47);
+    return brokentext(v.varlabel);
 }
 
-Int4 sortedline(const dataview& d) {
+Int4 lastlines(const dataview& d, boolean notes) {
     tabtext("Sorted by:  ");
     for (const std::string& key : d.sort) tabresult(key + "  ");
     if (Int4 rc = prtnl()) return rc;
     if (d.changed) tabtext("     Note:  dataset has changed since last saved\n");
+    if (notes) tabtext(std::string(46, ' ') + "* indicated variables have notes\n");
     return breakpending;
 }
 
@@ -169,9 +170,8 @@ Int4 body(const dataview& d, const describeoptions& o) {
         if (Int4 rc = variableline(v, o)) return rc;
         anynotes |= v.notes;
     }
-    if (anynotes) tabtext(std::string(46, ' ') + "* indicated variables have notes\n");
     tabmarkup("{hline 79}\n");
-    return sortedline(d);
+    return lastlines(d, anynotes);
 }
 
 Int4 show(const dataview& d, const describeoptions& o) {

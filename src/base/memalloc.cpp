@@ -6,13 +6,15 @@
 
 namespace velmo {
 
+Int4 refusedcall = 0;
+
 namespace {
 constexpr std::size_t headersize = 16;
 constexpr std::size_t pagethreshold = std::size_t(1) << 20;
 }  // namespace
 
 void* memalloc(std::size_t n) {
-    if (n == 0 || n > memorylimit()) return nullptr;
+    if (n == 0 || n > memorylimit() || (refusedcall && --refusedcall == 0)) return nullptr;
     std::size_t total = n + headersize;
     void* base = total >= pagethreshold ? pagealloc(total) : std::malloc(total);
     if (!base) return nullptr;

@@ -6,6 +6,9 @@
 
 namespace velmo {
 
+// State: the call that is refused, counted from here, 0 for none. For tests of what happens then (debug refuse #).
+extern Int4 refusedcall;
+
 // n bytes, aligned for any type, not cleared; null when refused or when n is 0 or beyond the machine's memory.
 // Sizes from the page threshold (1 MB) on come from the page allocator and are touched only when used.
 void* memalloc(std::size_t n);

@@ -1,6 +1,7 @@
 // memory, and the commands that look at the innards: debug, showpoint, _repart.
 #include <bit>
 #include <string>
+#include "base/memalloc.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -195,9 +196,10 @@ constexpr struct { const char* word; Int4 (*show)(); } aspects[] = {
 
 }  // namespace
 
-// debug [aspect | all]
+// debug [aspect | all];  debug refuse #: the #th request for work space from here on fails, to see what then happens.
 Int4 cmd_debug() {
     std::string word = nexttoken();
+    if (word == "refuse") return readinteger(nexttoken(breaknum), refusedcall) ? nothingelse() : error(198);
     if (Int4 rc = nothingelse()) return rc;
     saved level(outlevel, UByte(1));
     if (word.empty()) return prt("all basics sizes term memory map obstest os\nretvals\n");

@@ -368,6 +368,13 @@ Int4 storednames(const std::vector<std::string>& scalars, const std::vector<std:
 Int4 ext_rresults(std::string& out) { return storednames(rscalarnames(), rmacronames(), out); }
 Int4 ext_sresults(std::string& out) { return storednames({}, smacronames(), out); }
 
+// local name: the value as it is, which a reference would expand.
+Int4 ext_local(std::string& out) {
+    std::string name = std::string("_") + nexttoken();
+    out = macrotext(name);
+    return validname(name) ? 0 : badname(name.substr(1));
+}
+
 Int4 ext_length(std::string& out) {
     std::string name;
     if (Int4 rc = macroreference(name)) return rc;

@@ -36,8 +36,10 @@ program define Copies
 	quietly {
 		generate long `order' = _n
 		sort `sample' `0' `order'
-		by `sample' `0': generate long `copies' = _N if `sample'
-		by `sample' `0': generate long `which' = _n if `sample'
+		generate long `copies' = .
+		generate long `which' = .
+		by `sample' `0': replace `copies' = _N if `sample'
+		by `sample' `0': replace `which' = _n if `sample'
 	}
 end
 
@@ -70,9 +72,11 @@ program define Report, rclass sortpreserve
 	Heading "`varlist'" `typed'
 	quietly {
 		sort `copies' `which'
-		by `copies': generate byte `first' = _n != 1 | `copies' >= .
 		tempvar total
-		by `copies': generate long `total' = _N
+		generate byte `first' = .
+		generate long `total' = .
+		by `copies': replace `first' = _n != 1 | `copies' >= .
+		by `copies': replace `total' = _N
 		count if `which' == 1
 		return scalar unique_value = r(N)
 		count if `sample'
@@ -119,7 +123,8 @@ program define Examples, rclass
 	preserve
 	Groups `sample' `varlist'
 	quietly {
-		by _group: generate long _copies = _N
+		generate long _copies = .
+		by _group: replace _copies = _N
 		by _group: keep if _n == 1
 		count
 	}

@@ -21,7 +21,7 @@ program define recode
 		local r `n'
 		local fits
 		while `r' >= 1 {
-			Fill `type' `x' "`test`r''"
+			Fill `x' "`test`r''"
 			local fits `""`filled'" `fits'"'
 			quietly replace `code' = `value`r'' if (`filled') & `touse'
 			local r = `r' - 1
@@ -92,6 +92,7 @@ program define IsElement
 	local slash = index(`"`word'"', "/")
 	if !`slash' {
 		capture confirm number `word'
+		error _rc == 1
 		c_local element = !_rc
 		c_local elementtest @==#(`word')
 		exit
@@ -101,6 +102,7 @@ program define IsElement
 	local test @<.
 	if `"`low'"' != "min" {
 		capture confirm number `low'
+		error _rc == 1
 		if _rc | "`low'" == "." {
 			c_local element 0
 			exit
@@ -109,6 +111,7 @@ program define IsElement
 	}
 	if `"`high'"' != "max" {
 		capture confirm number `high'
+		error _rc == 1
 		if _rc | "`high'" == "." {
 			c_local element 0
 			exit
@@ -154,6 +157,7 @@ program define Rules
 		}
 		gettoken value rest : rest, parse(" ()=") quotes
 		capture confirm number `value'
+		error _rc == 1
 		if _rc & `"`value'"' != "." {
 			display as error "rule `n': a number or . must follow the equals sign"
 			exit 198
@@ -222,6 +226,7 @@ program define CheckLabels
 	}
 	foreach new in `*' {
 		capture label list `new'
+		error _rc == 1
 		if !_rc {
 			display as error "label `new' already defined"
 			exit 110
@@ -229,12 +234,12 @@ program define CheckLabels
 	}
 end
 
-* A test for one variable; numbers are rounded as a float variable's values are.
+* A test for one variable.
 program define Fill
-	args type x test
-	local round = cond("`type'" == "float", "float(", "(")
+	args x test
+	_typed `x'
 	local test : subinstr local test "@" "`x'", all
-	local test : subinstr local test "#(" "`round'", all
+	local test : subinstr local test "#(" "`typed'(", all
 	c_local filled `test'
 end
 

@@ -80,7 +80,8 @@ program define Label
 	quietly {
 		tempvar first
 		sort `new'
-		by `new': generate byte `first' = _n != 1 | `new' == .
+		generate byte `first' = .
+		by `new': replace `first' = _n != 1 | `new' == .
 		sort `first' `new'
 		count if !`first'
 	}

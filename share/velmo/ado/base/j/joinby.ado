@@ -39,6 +39,9 @@ program define joinby
 		save `"`mine'"', internal
 		use `"`using'"', internal `label'
 		Keys "`had'" `varlist'
+		if _N == 0 {
+			noisily error 2000
+		}
 		generate long `id' = _n
 		sort `keys' `id'
 		drop `id'

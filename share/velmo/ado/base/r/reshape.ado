@@ -31,6 +31,9 @@ program define reshape
 	}
 	char _dta[shape_try] `form'
 	Recall
+	if _N == 0 {
+		error 2000
+	}
 	local obs = _N
 	Count
 	local vars `count'
@@ -100,9 +103,15 @@ program define Define
 end
 
 program define Forget
+	ForgetAll shape_
+end
+
+* Drops the characteristics of the dataset whose names begin so.
+program define ForgetAll
+	args begin
 	local names : char _dta[]
 	foreach c of local names {
-		if substr("`c'", 1, 6) == "shape_" {
+		if index("`c'", "`begin'") == 1 {
 			char _dta[`c']
 		}
 	}
@@ -385,6 +394,7 @@ program define ToLong
 		sort `i' `j'
 		order `i' `j' `longs'
 	}
+	ForgetAll shape_jchar
 	char _dta[shape_values] : local values
 	c_local used `used'
 end

@@ -27,4 +27,13 @@ std::string_view unquoted(std::string_view text) {
     return readquoted(whole, q) && q.closed && q.length == whole.size() ? q.content : text;
 }
 
+std::string escaped(std::string_view text) {
+    std::string out;
+    for (char c : text) {
+        if (c == '$' || c == '`' || c == '\\') out += '\\';
+        out += c;
+    }
+    return out;
+}
+
 }  // namespace velmo

@@ -1,6 +1,7 @@
 // Quoted text: "..." up to the next quote, or `"..."' in which pairs nest, and inner pairs belong to the text. One reader
 // finds where it ends, one unquoter takes the quotes off.
 #pragma once
+#include <string>
 #include <string_view>
 #include "base/types.h"
 
@@ -16,5 +17,7 @@ struct quoted {
 boolean readquoted(std::string_view text, quoted& out);
 // The content of a text that is quoted as a whole, any other text as it is. Blanks around it don't count.
 std::string_view unquoted(std::string_view text);
+// With a backslash ahead of $, backquote and backslash: the expansion of macros makes it the text again.
+std::string escaped(std::string_view text);
 
 }  // namespace velmo

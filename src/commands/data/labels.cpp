@@ -220,16 +220,6 @@ Int4 labeldrop() {
 
 // ---- label save: a text comes back exactly whatever stands in it, and none of it can run as a command.
 
-// Kept from the expansion of macros.
-std::string escaped(std::string_view text) {
-    std::string out;
-    for (char c : text) {
-        if (c == '$' || c == '`' || c == '\\') out += '\\';
-        out += c;
-    }
-    return out;
-}
-
 // Bytes that a line of a do-file does not keep.
 boolean lostinline(char c) { return UByte(c) < 32 || UByte(c) == 127 || UByte(c) == 255; }
 

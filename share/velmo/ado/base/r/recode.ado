@@ -3,11 +3,12 @@
 program define recode
 	version 7.0
 	syntax anything(name=spec id="varlist and rules") [if] [in] [, Generate(string) PREfix(string) TEST]
+	local spec : escaped spec
 	Divide `spec'
 	Variables `names'
 	Rules `rules'
 	Targets "`varlist'" "`generate'" "`prefix'"
-	CheckLabels `"`labels'"' `targets'
+	CheckLabels "`labels'" `targets'
 	marksample touse, novarlist
 	preserve
 	local i 0
@@ -47,24 +48,26 @@ program define recode
 		}
 	}
 	restore, not
-	if `"`labels'"' != "" {
+	if "`labels'" != "" {
 		foreach new of local targets {
-			label define `new' `labels', modify
+			foreach r of local labels {
+				label define `new' `value`r'' = _local(text`r'), modify
+			}
 			label values `new' `new'
 		}
 	}
 end
 
-* Where the names end and the rules begin: at a parenthesis, a number or a word of rules.
+* Where the names end and the rules, which go to another program, begin: at a parenthesis, a number or a word of rules.
 program define Divide
-	local rest `"`0'"'
-	while `"`rest'"' != "" {
-		local before `"`rest'"'
+	local rest : local 0
+	while _local(rest) != "" {
+		local before : local rest
 		gettoken word rest : rest, parse(" ()=") quotes
 		IsElement `word'
-		if `element' | inlist(`"`word'"', "(", "=") {
+		if `element' | inlist(_local(word), "(", "=") {
 			c_local names `names'
-			c_local rules `"`before'"'
+			c_local rules : escaped before
 			exit
 		}
 		local names `names' `word'
@@ -125,21 +128,21 @@ program define IsElement
 end
 
 * Reads element ... = value ["text"], each rule in parentheses or not. Leaves n, test# and value#, and in labels the
-* pairs of value and text.
+* numbers of the rules that have a text#.
 program define Rules
-	local rest `"`0'"'
+	local rest : local 0
 	local n 0
-	while `"`rest'"' != "" {
+	while _local(rest) != "" {
 		local n = `n' + 1
 		local tests
 		local open 0
 		gettoken word rest : rest, parse(" ()=") quotes
-		if `"`word'"' == "(" {
+		if _local(word) == "(" {
 			local open 1
 			gettoken word rest : rest, parse(" ()=") quotes
 		}
-		while `"`word'"' != "=" {
-			if `"`word'"' == "" {
+		while _local(word) != "=" {
+			if _local(word) == "" {
 				display as error "rule `n': = expected"
 				exit 198
 			}
@@ -164,12 +167,14 @@ program define Rules
 		}
 		if `open' {
 			gettoken word rest : rest, parse(" ()=") quotes
-			if `"`word'"' != ")" {
+			if _local(word) != ")" {
 				confirm integer number `value'
-				local labels `"`labels' `value' `word'"'
+				gettoken text : word
+				c_local text`n' : local text
+				local labels `labels' `n'
 				gettoken word rest : rest, parse(" ()=") quotes
 			}
-			if `"`word'"' != ")" {
+			if _local(word) != ")" {
 				display as error "rule `n': ) expected"
 				exit 198
 			}
@@ -179,7 +184,7 @@ program define Rules
 		c_local test`n' `tests'
 	}
 	c_local n `n'
-	c_local labels `"`labels'"'
+	c_local labels `labels'
 end
 
 program define Variables
@@ -217,7 +222,7 @@ end
 program define CheckLabels
 	args labels
 	macro shift
-	if `"`labels'"' == "" {
+	if "`labels'" == "" {
 		exit
 	}
 	if "`*'" == "" {

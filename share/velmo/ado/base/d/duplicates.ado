@@ -36,10 +36,12 @@ program define Copies
 	quietly {
 		generate long `order' = _n
 		sort `sample' `0' `order'
-		generate long `copies' = .
-		generate long `which' = .
-		by `sample' `0': replace `copies' = _N if `sample'
-		by `sample' `0': replace `which' = _n if `sample'
+		* nothing has no groups, in which a variable could be made
+		if _N {
+			local by by `sample' `0':
+		}
+		`by' generate long `copies' = _N if `sample'
+		`by' generate long `which' = _n if `sample'
 	}
 end
 
@@ -73,10 +75,11 @@ program define Report, rclass sortpreserve
 	quietly {
 		sort `copies' `which'
 		tempvar total
-		generate byte `first' = .
-		generate long `total' = .
-		by `copies': replace `first' = _n != 1 | `copies' >= .
-		by `copies': replace `total' = _N
+		if _N {
+			local by by `copies':
+		}
+		`by' generate byte `first' = _n != 1 | `copies' >= .
+		`by' generate long `total' = _N
 		count if `which' == 1
 		return scalar unique_value = r(N)
 		count if `sample'

@@ -179,8 +179,9 @@ void compilereturn(const call& c) {
 
 // _local(name): the text of a local macro as it is, read now; a reference would expand what stands in it.
 void compilelocal(const call& c) {
-    if (c.text.b == c.text.e) fail(198);
-    emittext(macrotext("_" + std::string(spantext(c.text))));
+    std::string name = "_" + std::string(spantext(c.text));
+    if (name.size() == 1 || !validname(name)) failon(badname(name.substr(1)));
+    emittext(macrotext(name));
 }
 
 // No estimates can exist yet.

@@ -1,5 +1,5 @@
-// Quoted text: "..." up to the next quote, or `"..."' in which pairs nest, and inner pairs belong to the text. One reader
-// finds where it ends, one unquoter takes the quotes off.
+// Quoted text: "..." up to the next quote, or `"..."' in which pairs nest, and inner pairs belong to the text. One
+// reader finds where it ends, one unquoter takes the quotes off.
 #pragma once
 #include <string>
 #include <string_view>

@@ -402,7 +402,8 @@ Int4 charrename() {
 
 }  // namespace
 
-// char [define] owner[name] ["text"|=exp|:function], char list, char rename. A variable may be called `list`: it has a bracket.
+// char [define] owner[name] ["text"|=exp|:function], char list, char rename. A variable may be called `list`: it has a
+// bracket.
 Int4 cmd_char() {
     static constexpr keyword words[] = {{"define", 3, 0}, {"list", 1, 1}, {"rename", 3, 2}};
     tokenpos start;

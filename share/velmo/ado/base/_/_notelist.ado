@@ -1,6 +1,6 @@
 *! version 1.0.0  21nov2026
-* _notelist owner: leaves in numbers those of its notes, ascending. Notes are the characteristics note# up to the count in
-* note0, which may be anything in a file made elsewhere: it is not counted up to.
+* _notelist owner: leaves in numbers those of its notes, ascending. Notes are the characteristics note# up to the count
+* in note0, which may be anything in a file made elsewhere: it is not counted up to.
 program define _notelist
 	version 7.0
 	args owner

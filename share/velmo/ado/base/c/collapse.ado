@@ -68,8 +68,8 @@ program define collapse
 end
 
 * Reads [(stat)] varlist|new=var ... and leaves with the caller n; for each result stat#, target#, source#, percent#
-* (what percentile it is) and number# (of its variable, 1 to kinds); the lists sources and targets; and whether the order
-* within groups matters.
+* (what percentile it is) and number# (of its variable, 1 to kinds); the lists sources and targets; and whether the
+* order within groups matters.
 program define Parse
 	local stat mean
 	local n 0

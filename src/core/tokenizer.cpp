@@ -1,6 +1,7 @@
 #include "core/tokenizer.h"
 #include <cstring>
 #include "base/text.h"
+#include "core/quotes.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -186,16 +187,11 @@ boolean parenthesized(char** begin, char** end) {
 
 boolean quotedtext(char** begin, char** end) {
     while (*tokpos == ' ') tokpos++;
-    boolean compound = tokpos[0] == '`' && tokpos[1] == '"';
-    if (!compound && *tokpos != '"') return false;
-    char* p = *begin = tokpos + (compound ? 2 : 1);
-    for (Int4 level = 1; *p; p++) {
-        if (!compound && *p == '"') break;
-        if (compound && p[0] == '`' && p[1] == '"') level++;
-        if (compound && p[0] == '"' && p[1] == '\'' && --level == 0) break;
-    }
-    *end = p;
-    settokpos(*p ? p + (compound ? 2 : 1) : p);
+    quoted q;
+    if (!readquoted(tokpos, q)) return false;
+    *begin = tokpos + (q.content.data() - tokpos);
+    *end = *begin + q.content.size();
+    settokpos(tokpos + q.length);
     return true;
 }
 

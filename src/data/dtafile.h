@@ -126,9 +126,10 @@ struct savechoice {
 // is removed. 602, 603, 693, 699, 909, 1.
 Int4 dta_save(std::string_view path, boolean replace, const savechoice& choice, const std::string& stamp);
 
-// Makes the variables `keep` (ascending numbers of the file's) those of memory, which is emptied, value labels too:
-// tables, sort list, variable labels, characteristics, dataset label. No observations yet. 0, 692, 900, 902, 950, 1.
-Int4 dta_takevars(dtafile& f, const std::vector<Int4>& keep);
+// Makes the variables `keep` (ascending numbers of the file's) those of memory, which is emptied, value labels too
+// unless they are to stay: tables, sort list, variable labels, characteristics, dataset label. No observations yet.
+// 0, 692, 900, 902, 950, 1.
+Int4 dta_takevars(dtafile& f, const std::vector<Int4>& keep, boolean keeplabels = false);
 // Behind it: all rows, in large steps. 0, 692, 901, 1000, 1.
 Int4 dta_takerows(dtafile& f, const std::vector<Int4>& keep);
 // The same row by row, for who chooses among them: room for n observations more, then runs of bytes from a row of the
@@ -141,7 +142,7 @@ inline void dta_copyrow(const std::vector<dtacopy>& copies, const UByte* from, U
 }
 Int4 dta_roomfor(Int4 n);                // 0, 901
 void dta_endrows(dtafile& f, const std::vector<Int4>& keep);
-// Behind rows: the file's value labels. 0, 610, 692, 950, 1.
+// Behind rows: the file's value labels, but for those that memory has. 0, 610, 692, 950, 1.
 Int4 dta_takelabels(dtafile& f);
 
 }  // namespace velmo

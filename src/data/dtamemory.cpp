@@ -77,8 +77,8 @@ Int4 takechars(dtafile& f, const std::vector<UInt2>& number) {
 
 }  // namespace
 
-Int4 dta_takevars(dtafile& f, const std::vector<Int4>& keep) {
-    cleardata(false);
+Int4 dta_takevars(dtafile& f, const std::vector<Int4>& keep, boolean keeplabels) {
+    cleardata(keeplabels);
     if (Int4(keep.size()) > maxvar) return error(900);
     if (Int4 rc = makeroom(keptwidth(f, keep))) return rc;
     std::vector<UInt2> number = newnumbers(f, keep);
@@ -156,6 +156,7 @@ Int4 dta_takelabels(dtafile& f) {
     while (true) {
         if (Int4 rc = dta_nextlabel(f, name, label, found)) return rc;
         if (!found) return 0;
+        if (vl_find(name)) continue;
         if (Int4 rc = vl_store(name, label)) return rc;
     }
 }

@@ -7,6 +7,7 @@
 #include "base/saved.h"
 #include "base/state.h"
 #include "base/text.h"
+#include "core/macros.h"
 #include "core/memory.h"
 #include "data/chars.h"
 #include "data/dataset.h"
@@ -176,6 +177,13 @@ void compilereturn(const call& c) {
     else emitliteral(missing);
 }
 
+// _local(name): the text of a local macro as it is, read now; a reference would expand what stands in it.
+void compilelocal(const call& c) {
+    std::string name = "_" + std::string(spantext(c.text));
+    if (name.size() == 1 || !validname(name)) failon(badname(name.substr(1)));
+    emittext(macrotext(name));
+}
+
 // No estimates can exist yet.
 void compileestimate(const call& c) {
     if (c.text.b == c.text.e) fail(198);
@@ -284,7 +292,7 @@ constexpr struct { const char* name; void (*compile)(const call& c); } specials[
     {"q", compiledateliteral},     {"m", compiledateliteral},      {"w", compiledateliteral},
     {"tin", compiletin},           {"twithin", compiletin},        {"subinstr", compilesubstitution},
     {"subinword", compilesubstitution}, {"inrange", compileinrange}, {"inlist", compileinlist},
-    {"byteorder", compilebyteorder},
+    {"byteorder", compilebyteorder}, {"_local", compilelocal},
 };
 
 auto findspecial(std::string_view name) {

@@ -49,7 +49,7 @@ Int4 pooltext(std::string_view text) {
     }
     if (text.size() >= std::size_t(strpoolsize - ntext)) return -1;
     Int4 at = ntext;
-    std::memcpy(strpool + at, text.data(), text.size());
+    if (!text.empty()) std::memcpy(strpool + at, text.data(), text.size());
     strpool[at + Int4(text.size())] = 0;
     ntext += Int4(text.size()) + 1;
     return at;

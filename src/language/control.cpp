@@ -43,8 +43,9 @@ Int4 cmd_capture() {
         saved quiet(quietlevel, UByte(5));
         rc = runprefixed();
     }
+    // A Break that the command did not notice is its code all the same: who asks for _rc learns of it.
     if (execflag) {
-        rcvalue = rc;
+        rcvalue = breakpending ? 1 : rc;
         breakpending = 0;
     }
     return 0;

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "core/adopath.h"
 #include "core/macros.h"
+#include "core/quotes.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"
 #include "data/chars.h"
@@ -367,6 +368,20 @@ Int4 storednames(const std::vector<std::string>& scalars, const std::vector<std:
 
 Int4 ext_rresults(std::string& out) { return storednames(rscalarnames(), rmacronames(), out); }
 Int4 ext_sresults(std::string& out) { return storednames({}, smacronames(), out); }
+
+// local name: the value as it is, which a reference would expand.
+Int4 ext_local(std::string& out) {
+    std::string name = std::string("_") + nexttoken();
+    out = macrotext(name);
+    return validname(name) ? 0 : badname(name.substr(1));
+}
+
+// escaped name: a local macro's text so that a reference to the result gives it unexpanded.
+Int4 ext_escaped(std::string& out) {
+    Int4 rc = ext_local(out);
+    out = escaped(out);
+    return rc;
+}
 
 Int4 ext_length(std::string& out) {
     std::string name;

@@ -4,35 +4,16 @@
 #include "base/text.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/quotes.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 
 namespace velmo {
 
-namespace {
-
-boolean pair(std::string_view text, std::size_t i, char a, char b) {
-    return i + 1 < text.size() && text[i] == a && text[i + 1] == b;
-}
-
-}  // namespace
-
 boolean stringpiece(std::string_view text, wordpiece& out) {
-    std::size_t n = text.size();
-    if (pair(text, 0, '`', '"')) {
-        std::size_t i = 2;
-        for (Int4 level = 1; i < n; i++) {
-            boolean opens = pair(text, i, '`', '"'), closes = pair(text, i, '"', '\'');
-            if (closes && --level == 0) break;
-            level += opens;
-            i += opens || closes;
-        }
-        out = {text.substr(2, std::min(i, n) - 2), text.substr(0, std::min(i + 2, n))};
-        return true;
-    }
-    if (text.empty() || text[0] != '"') return false;
-    std::size_t close = std::min(text.find('"', 1), n);
-    out = {text.substr(1, close - 1), text.substr(0, std::min(close + 1, n))};
+    quoted q;
+    if (!readquoted(text, q)) return false;
+    out = {q.content, text.substr(0, q.length)};
     return true;
 }
 

@@ -9,13 +9,16 @@
 #include "base/text.h"
 #include "core/adopath.h"
 #include "core/keywords.h"
+#include "core/quotes.h"
 #include "core/webfile.h"
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/labels.h"
 #include "data/run.h"
 #include "data/sorting.h"
+#include "expr/compile.h"
 #include "expr/evaluate.h"
+#include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
 #include "output/errors.h"
@@ -29,9 +32,37 @@ namespace {
 // Nothing may follow.
 Int4 endofline() { return nexttoken()[0] ? error(198) : 0; }
 
+// `= exp` at the cursor, a string: what quotes and macros would change reaches a label through it.
+Int4 expressiontext(std::string& text) {
+    nexttoken();
+    exp_reset();
+    firstobs = groupfirst = 1;
+    lastobs = grouplast = nobs;
+    if (Int4 rc = exp_compile(eqexp, mode_str)) return rc;
+    char value[strbufsize];
+    text.assign(value, std::size_t(exp_getstr(eqexp, 1, value)));
+    return 0;
+}
+
+// The text at the cursor, the last on its line: a token, or as in a definition of a macro `= exp` or `: function`.
+Int4 lasttext(std::string& text) {
+    char next = tokpeeknonblank();
+    if (next == ':') {
+        nexttoken();
+        return extfunc(text);
+    }
+    if (next == '=') {
+        if (Int4 rc = expressiontext(text)) return rc;
+    } else if (next) {
+        nexttoken();
+        text = tokcontent();
+    }
+    return endofline();
+}
+
 Int4 labeldata() {
-    std::string text = nexttoken()[0] ? tokcontent() : "";
-    if (Int4 rc = endofline()) return rc;
+    std::string text;
+    if (Int4 rc = lasttext(text)) return rc;
     copytext(datalabel, sizeof datalabel, text);
     datachanged = 1;
     return 0;
@@ -40,8 +71,8 @@ Int4 labeldata() {
 Int4 labelvariable() {
     Int4 var = lookupvar(nexttoken(), lookup_ref);
     if (var < 0) return -var;
-    std::string text = nexttoken()[0] ? tokcontent() : "";
-    if (Int4 rc = endofline()) return rc;
+    std::string text;
+    if (Int4 rc = lasttext(text)) return rc;
     if (Int4 rc = putvarlabel(varlist[var - 1], text)) return rc;
     markchanged(var);
     return 0;
@@ -68,15 +99,19 @@ Int4 labelvalues() {
 
 struct labelentry { Int4 value; std::string text; };
 
-// Pairs of a whole number and a text up to the comma or the end.
+// Pairs of a whole number and a text, quoted or not, or `= exp`, up to the comma or the end.
 Int4 readentries(std::vector<labelentry>& entries) {
     while (tokpeeknonblank() && tokpeeknonblank() != ',') {
         labelentry entry;
         nexttoken(breaknum);
         if (!readinteger(tokbuf, entry.value)) return error(198);
         if (tokpeeknonblank() == 0 || tokpeeknonblank() == ',') return error(198);
-        nexttoken();
-        entry.text = tokcontent();
+        if (tokpeeknonblank() == '=') {
+            if (Int4 rc = expressiontext(entry.text)) return rc;
+        } else {
+            nexttoken();
+            entry.text = tokcontent();
+        }
         entries.push_back(entry);
     }
     return 0;
@@ -183,6 +218,55 @@ Int4 labeldrop() {
     return 0;
 }
 
+// ---- label save: a text comes back exactly whatever stands in it, and none of it can run as a command.
+
+// Bytes that a line of a do-file does not keep.
+boolean lostinline(char c) { return UByte(c) < 32 || UByte(c) == 127 || UByte(c) == 255; }
+
+// Whether the text comes back between compound quotes; /* behind an inner quote would begin a comment.
+boolean suitscompound(std::string_view text) {
+    std::string whole = "`\"" + std::string(text) + "\"'";
+    quoted q;
+    readquoted(whole, q);
+    return q.content == text && q.length == whole.size() && text.find("/*") == text.npos;
+}
+
+// A sum of strings in quotes and char()s. More than an expression has room for are added up in the local macro `text`
+// by lines of their own, which go to w.
+std::string asexpression(bytewriter& w, std::string_view text) {
+    constexpr Int4 mostparts = 100;
+    std::string out, plain;
+    Int4 parts = 0;
+    auto add = [&](const std::string& part) {
+        if (parts++ == mostparts) {
+            writer_put(w, "local text = " + out + "\n");
+            out = "_local(text)";
+            parts = 1;
+        }
+        out += (out.empty() ? "" : " + ") + part;
+    };
+    auto flush = [&] {
+        if (!plain.empty()) add('"' + escaped(plain) + '"');
+        plain.clear();
+    };
+    for (char c : text) {
+        if (c != '"' && !lostinline(c)) {
+            plain += c;
+            continue;
+        }
+        flush();
+        add("char(" + std::to_string(UByte(c)) + ")");
+    }
+    flush();
+    return "= " + out;
+}
+
+std::string savedtext(bytewriter& w, std::string_view text) {
+    if (std::any_of(text.begin(), text.end(), lostinline)) return asexpression(w, text);
+    if (text.find('"') == text.npos) return '"' + escaped(text) + '"';
+    return suitscompound(text) ? "`\"" + escaped(text) + "\"'" : asexpression(w, text);
+}
+
 // A label as commands that define it again.
 void writelabel(bytewriter& w, const std::string& name) {
     vallabel label;
@@ -190,8 +274,8 @@ void writelabel(bytewriter& w, const std::string& name) {
     writer_put(w, "capture label drop " + name + "\n");
     const char* add = "";
     for (Int4 value : label.values) {
-        std::string text = label.find(value);
-        writer_put(w, "label define " + name + " " + std::to_string(value) + " `\"" + text + "\"'" + add + "\n");
+        std::string text = savedtext(w, label.find(value));
+        writer_put(w, "label define " + name + " " + std::to_string(value) + " " + text + add + "\n");
         add = ", add";
     }
 }
@@ -256,15 +340,17 @@ Int4 charreference(std::string& owner, std::string& name, boolean brackets) {
     return nexttoken()[0] == ']' ? 0 : required("]");
 }
 
+// The text is in quotes or not, or `= exp` or `: function`.
 Int4 chardefine() {
     std::string owner, name;
     if (Int4 rc = charreference(owner, name, true)) return rc;
-    // The text may be longer than a token: it is taken from the line.
-    std::string_view text = trimmed(tokrest());
-    if (text.size() >= 4 && text.substr(0, 2) == "`\"" && text.substr(text.size() - 2) == "\"'")
-        text = text.substr(2, text.size() - 4);
-    else if (text.size() >= 2 && text.front() == '"' && text.find('"', 1) == text.size() - 1)
-        text = text.substr(1, text.size() - 2);
+    std::string text;
+    char next = tokpeeknonblank();
+    if (next == '=' || next == ':') {
+        if (Int4 rc = lasttext(text)) return rc;
+    } else {
+        text = unquoted(trimmed(tokrest()));    // it may be longer than a token
+    }
     if (Int4 rc = char_set(owner, name, text)) return rc;
     datachanged = 1;
     return 0;
@@ -316,7 +402,8 @@ Int4 charrename() {
 
 }  // namespace
 
-// char [define] owner[name] ["text"], char list, char rename. A variable may be called `list`: it has a bracket.
+// char [define] owner[name] ["text"|=exp|:function], char list, char rename. A variable may be called `list`: it has a
+// bracket.
 Int4 cmd_char() {
     static constexpr keyword words[] = {{"define", 3, 0}, {"list", 1, 1}, {"rename", 3, 2}};
     tokenpos start;

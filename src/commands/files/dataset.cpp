@@ -62,12 +62,15 @@ Int4 checkshorttexts(boolean labels) {
     return 0;
 }
 
-struct saveoptions { boolean replace; savechoice choice; };
+// With `internal` the file is a program's own: it holds no value labels, and memory remains what it was.
+struct saveoptions { boolean replace, internal; savechoice choice; };
 
 Int4 readsaveoptions(saveoptions& o) {
     o.replace = getopt_flag("replace", 7);
     o.choice.labels = getopt_noflag("label", 1, true);
     o.choice.all = getopt_flag("all", 3);
+    o.internal = getopt_flag("internal", 8);
+    if (o.internal) o.choice.labels = false;
     boolean old = getopt_flag("old", 3), midscale = getopt_flag("midscale", 3);
     if (Int4 rc = getopt_done()) return rc;
     o.choice.format = old ? dta_old : midscale ? dta_midscale : dta_whole;
@@ -97,7 +100,7 @@ Int4 savename(char (&path)[pathsize]) {
 
 }  // namespace
 
-// save [filename] [, replace nolabel old midscale all]
+// save [filename] [, replace nolabel old midscale all internal]
 Int4 cmd_save() {
     if (bymode) return error(190);
     if (nvar == 0) return error(111);
@@ -115,7 +118,7 @@ Int4 cmd_save() {
     std::string stamp = dta_stamp();
     if (Int4 rc = dta_save(path, o.replace, o.choice, stamp)) return rc;
     fileerror(697, path);
-    return setfile(path, stamp);
+    return o.internal ? 0 : setfile(path, stamp);
 }
 
 // ---- use
@@ -179,26 +182,30 @@ Int4 chosenrows(dtafile& f, const std::vector<Int4>& keep) {
     return 0;
 }
 
-Int4 takekept(dtafile& f, const std::vector<Int4>& keep) {
-    if (Int4 rc = dta_takevars(f, keep)) return rc;
+// What the file is to memory. A program's own holds part of what was there: value labels in memory stay, and the
+// dataset remains a changed one of the file that it came from.
+struct useoptions { boolean clear, labels, internal; };
+
+Int4 takekept(dtafile& f, const std::vector<Int4>& keep, const useoptions& o) {
+    if (Int4 rc = dta_takevars(f, keep, o.internal)) return rc;
     if (datalabel[0]) notef("(%s)\n", datalabel);
     return 0;
 }
 
-Int4 usewhole(dtafile& f) {
+Int4 usewhole(dtafile& f, const useoptions& o) {
     std::vector<Int4> keep;
     if (f.head.nvar() > maxvar) return error(900);
     for (Int4 v = 1; v <= f.head.nvar(); v++) keep.push_back(v);
-    if (Int4 rc = takekept(f, keep)) return rc;
+    if (Int4 rc = takekept(f, keep, o)) return rc;
     return dta_takerows(f, keep);
 }
 
 // [varlist] [if exp] [in range] using ...: the list goes by the file's variables, the rest by those that are kept.
-Int4 useparts(dtafile& f) {
+Int4 useparts(dtafile& f, const useoptions& o) {
     std::vector<Int4> keep;
     if (Int4 rc = filelist(f, keep)) return rc;
     settokpos(tokfirst());      // the word that ended the list
-    if (Int4 rc = takekept(f, keep)) return rc;
+    if (Int4 rc = takekept(f, keep, o)) return rc;
     p_varlist = 3;
     p_using = 1;
     p_in = 2;
@@ -207,19 +214,26 @@ Int4 useparts(dtafile& f) {
     return ifgiven || ingiven ? chosenrows(f, keep) : dta_takerows(f, keep);
 }
 
-struct useoptions { boolean clear, labels; };
-
 Int4 readuseoptions(useoptions& o) {
     if (Int4 rc = parseoptions()) return rc;
     o.clear = getopt_flag("clear", 5);
     if (version < 600 && getopt_flag("replace", 7)) o.clear = true;
     o.labels = getopt_noflag("label", 1, true);
+    o.internal = getopt_flag("internal", 8);
     return getopt_done();
+}
+
+struct origin { std::string path, stamp; };
+
+Int4 setorigin(const origin& o) {
+    if (Int4 rc = setfile(o.path, o.stamp)) return rc;
+    datachanged = 1;
+    return 0;
 }
 
 }  // namespace
 
-// use filename [, clear nolabel];  use [varlist] [if exp] [in range] using filename [, clear nolabel]
+// use filename [, clear nolabel internal];  use [varlist] [if exp] [in range] using filename [, ...]
 Int4 cmd_use() {
     if (bymode) return error(190);
     char* start = tokpos;
@@ -228,16 +242,17 @@ Int4 cmd_use() {
     boolean parts = tousing();
     if (Int4 rc = filetoken(name)) return rc;
     if (Int4 rc = readuseoptions(o)) return rc;
-    if (datachanged && (nvar || nobs) && !o.clear) return error(4);
+    if (datachanged && (nvar || nobs) && !o.clear && !o.internal) return error(4);
+    origin came{std::string(macrotext("S_FN")), std::string(macrotext("S_FNDATE"))};
     boolean halfread = false;
     onexit failed([&] { if (halfread) cleardata(false); });
     dtafile f;
     Int4 rc = dta_open(name, f);
     halfread = f.accepted;
     if (!rc && parts) settokpos(start);
-    if (!rc) rc = parts ? useparts(f) : usewhole(f);
+    if (!rc) rc = parts ? useparts(f, o) : usewhole(f, o);
     if (!rc && o.labels) rc = dta_takelabels(f);
-    if (!rc) rc = setfile(f.path, f.head.stamp);
+    if (!rc) rc = o.internal ? setorigin(came) : setfile(f.path, f.head.stamp);
     halfread = halfread && rc;
     return rc;
 }

@@ -103,17 +103,6 @@ Int4 join_store(joining& j, const sharedvar& s, const UByte* row, Int4 obs) {
 
 namespace {
 
-Int4 takelabels(joining& j) {
-    std::string name;
-    vallabel label;
-    for (boolean found = true; found;) {
-        if (Int4 rc = dta_nextlabel(j.f, name, label, found)) return rc;
-        if (found && !vl_find(name))
-            if (Int4 rc = vl_store(name, label)) return rc;
-    }
-    return 0;
-}
-
 // Variable labels and characteristics; what memory has of these stays.
 Int4 taketexts(const joining& j) {
     for (const sharedvar& s : j.fresh)
@@ -128,7 +117,7 @@ Int4 taketexts(const joining& j) {
 
 Int4 join_finish(joining& j, boolean labels) {
     if (labels)
-        if (Int4 rc = takelabels(j)) return rc;
+        if (Int4 rc = dta_takelabels(j.f)) return rc;
     if (Int4 rc = taketexts(j)) return rc;
     j.done = true;
     visnvar = nvar;

@@ -23,13 +23,14 @@ namespace {
 
 enum printmode : Int4 { print_plain, print_styled, print_vtml };
 enum word : Int4 {
-    w_style, w_continue, w_page, w_skip, w_char, w_column, w_dup, w_newline, w_quote, w_request, w_asis
+    w_style, w_continue, w_page, w_skip, w_char, w_column, w_dup, w_newline, w_quote, w_request, w_asis, w_text
 };
 
 constexpr keyword words[] = {
     {"in", 0, w_style},          {"as", 0, w_style},      {"_continue", 2, w_continue}, {"_page", 3, w_page},
     {"_skip", 2, w_skip},        {"_char", 0, w_char},    {"_column", 3, w_column},     {"_dup", 3, w_dup},
     {"_newline", 2, w_newline},  {"_quote", 0, w_quote},  {"_request", 2, w_request},   {"_asis", 0, w_asis},
+    {"_text", 0, w_text},
 };
 
 // Colours by outlevel; 9 is the markup mode.
@@ -210,6 +211,15 @@ Int4 takerequest() {
     return macroset(name, {line.data(), std::size_t(n < 0 ? 0 : n)});
 }
 
+// _text(name): the whole text of a local macro, as it is.
+Int4 taketext(displaystate& s) {
+    char *begin, *end;
+    if (!parenthesized(&begin, &end)) return error(198);
+    std::string name = "_" + std::string(trimmed({begin, std::size_t(end - begin)}));
+    if (!validname(name)) return badname(name.substr(1));
+    return putstring(s, std::string(macrotext(name)));
+}
+
 Int4 takeword(displaystate& s, Int4 word) {
     switch (word) {
     case w_style: return takestyle(s);
@@ -222,6 +232,7 @@ Int4 takeword(displaystate& s, Int4 word) {
     case w_newline: return takenewline(s);
     case w_quote: return putrepeated(s, "\"");
     case w_request: return takerequest();
+    case w_text: return taketext(s);
     default: s.mode = print_plain; return 0;
     }
 }

@@ -10,7 +10,8 @@ program define _egby, sclass
 	args value sample
 	sreturn clear
 	mark `sample' `if' `in'
-	if "`by'" != "" {
+	* nothing has no groups, in which a variable could be made
+	if "`by'" != "" & _N {
 		tempvar order
 		generate long `order' = _n
 		sort `by' `order'
@@ -19,6 +20,7 @@ program define _egby, sclass
 	}
 	quietly {
 		capture `s(by)' generate double `value' = `exp' if `sample'
+		error _rc == 1
 		if _rc == 109 & "`strings'" != "" {
 			generate str1 `value' = ""
 			`s(by)' replace `value' = `exp' if `sample'

@@ -3,6 +3,7 @@
 program define _egfree
 	version 7.0
 	capture label list `1'
+	error _rc == 1
 	if !_rc {
 		display as error "label `1' already defined"
 		exit 110

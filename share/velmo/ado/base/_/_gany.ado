@@ -5,11 +5,12 @@ program define _gany
 	_egvars `0'
 	syntax varname(numeric) [if] [in], Values(numlist missingokay) [BY(string)]
 	tempvar sample
+	_typed `varlist'
 	mark `sample' `if' `in'
 	quietly {
 		generate `type' `new' = .
 		foreach value of local values {
-			replace `new' = `varlist' if `varlist' == `value' & `sample'
+			replace `new' = `varlist' if `varlist' == `typed'(`value') & `sample'
 		}
 	}
 end

@@ -5,7 +5,7 @@ program define _gconcat
 	_egvars `0'
 	syntax varlist [if] [in] [, BY(string) Punct(string) Decode Format(string) MAXlength(integer 244)]
 	local separator
-	if `"`punct'"' == "" & index(`"`0'"', "punct(") {
+	if _local(punct) == "" & index(_local(0), "punct(") {
 		local punct " "
 	}
 	tempvar all piece sample
@@ -14,9 +14,9 @@ program define _gconcat
 		generate str1 `all' = ""
 		foreach v of local varlist {
 			Text `piece' `v' "`decode'" "`format'"
-			replace `all' = `all' + `"`separator'"' + substr(`piece', 1, `maxlength')
+			replace `all' = `all' + _local(separator) + substr(`piece', 1, `maxlength')
 			drop `piece'
-			local separator `"`punct'"'
+			local separator : local punct
 		}
 		generate str1 `new' = ""
 		replace `new' = `all' if `sample'
@@ -26,8 +26,8 @@ end
 * The values of one variable as text: with decode the value label's, by format() or as exactly as 17 digits can.
 program define Text
 	args piece v decode format
-	capture confirm string variable `v'
-	if !_rc {
+	local type : type `v'
+	if substr("`type'", 1, 3) == "str" {
 		generate str1 `piece' = ""
 		replace `piece' = `v'
 		exit
@@ -36,14 +36,15 @@ program define Text
 	tempvar labelled
 	if "`decode'" != "" & "`label'" != "" {
 		capture decode `v', generate(`labelled')
+		error _rc == 1
 	}
 	if "`format'" == "" {
-		local type : type `v'
 		local format = cond("`type'" == "float", "%9.0g", "%18.0g")
 	}
 	generate str1 `piece' = ""
 	replace `piece' = trim(string(`v', "`format'"))
 	capture confirm variable `labelled'
+	error _rc == 1
 	if !_rc {
 		replace `piece' = `labelled' if `labelled' != ""
 	}

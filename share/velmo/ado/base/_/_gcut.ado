@@ -21,7 +21,8 @@ program define _gcut
 			Quantiles `x' `code' `low' `group'
 		}
 		else {
-			Intervals `x' `code' `low' `at'
+			_typed `varlist'
+			Intervals `x' `code' `low' "`typed'" `at'
 		}
 		local result = cond("`icodes'`label'" == "", "`low'", "`code'")
 		local type = cond("`icodes'`label'" == "", "`type'", "long")
@@ -38,11 +39,12 @@ program define Intervals
 	gettoken x 0 : 0
 	gettoken code 0 : 0
 	gettoken low 0 : 0
+	gettoken typed 0 : 0
 	local i 0
 	local ends `0'
 	foreach a of local ends {
-		replace `code' = `i' if `x' >= `a' & `x' < .
-		replace `low' = `a' if `x' >= `a' & `x' < .
+		replace `code' = `i' if `x' >= `typed'(`a') & `x' < .
+		replace `low' = `a' if `x' >= `typed'(`a') & `x' < .
 		local i = `i' + 1
 	}
 	replace `code' = . if `code' == `i' - 1
@@ -78,7 +80,8 @@ program define Label
 	quietly {
 		tempvar first
 		sort `new'
-		by `new': generate byte `first' = _n != 1 | `new' == .
+		generate byte `first' = .
+		by `new': replace `first' = _n != 1 | `new' == .
 		sort `first' `new'
 		count if !`first'
 	}

@@ -9,8 +9,9 @@ program define _geqany
 	quietly {
 		generate byte `new' = 0 if `sample'
 		foreach v of local varlist {
+			_typed `v'
 			foreach value of local values {
-				replace `new' = 1 if `v' == `value' & `sample'
+				replace `new' = 1 if `v' == `typed'(`value') & `sample'
 			}
 		}
 	}

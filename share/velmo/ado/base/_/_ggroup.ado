@@ -11,8 +11,10 @@ program define _ggroup
 	}
 	quietly {
 		sort `use' `by' `varlist'
-		by `use' `by' `varlist': generate byte `first' = _n == 1
-		by `use' `by': generate long `new' = sum(`first')
+		generate byte `first' = .
+		generate long `new' = .
+		by `use' `by' `varlist': replace `first' = _n == 1
+		by `use' `by': replace `new' = sum(`first')
 		replace `new' = . if !`use'
 	}
 	label variable `new' "group(`varlist')"
@@ -38,9 +40,8 @@ program define Label
 	quietly count if !`first'
 	local name `s(newvar)'
 	forvalues i = 1/`r(N)' {
-		local value = `text'[`i']
-		if `"`value'"' != "" {
-			label define `name' `i' `"`value'"', add
+		if `text'[`i'] != "" {
+			label define `name' `i' = `text'[`i'], add
 		}
 	}
 	label values `new' `name'

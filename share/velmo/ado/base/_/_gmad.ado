@@ -5,8 +5,10 @@ program define _gmad
 	syntax newvarname =/exp [if] [in] [, BY(varlist)]
 	tempvar x sample median deviation
 	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	quietly generate double `deviation' = .
-	_gmedian double `median' = `x' if `sample', by(`by')
-	quietly replace `deviation' = abs(`x' - `median')
-	_gmedian `typlist' `varlist' = `deviation' if `sample', by(`by')
+	if "`by'" != "" {
+		local by , by(`by')
+	}
+	_gmedian double `median' = `x' if `sample' `by'
+	quietly generate double `deviation' = abs(`x' - `median')
+	_gmedian `typlist' `varlist' = `deviation' if `sample' `by'
 end

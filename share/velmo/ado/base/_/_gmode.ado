@@ -19,11 +19,13 @@ program define _gmode
 			markout `use' `x', strok
 		}
 		sort `s(key)' `use' `x'
-		by `s(key)' `use' `x': generate long `times' = cond(`use', _N, 0)
+		generate long `times' = .
+		by `s(key)' `use' `x': replace `times' = cond(`use', _N, 0)
 		generate long `most' = `times'
 		`s(by)' replace `most' = max(`most'[_n-1], `times')
 		`s(by)' replace `most' = `most'[_N]
-		by `s(key)' `use' `x': generate byte `first' = _n == 1 & `use' & `times' == `most'
+		generate byte `first' = .
+		by `s(key)' `use' `x': replace `first' = _n == 1 & `use' & `times' == `most'
 		`s(by)' generate long `which' = sum(`first')
 		`s(by)' generate long `modes' = `which'[_N]
 		local choice = cond(`nummode' > 0, "`nummode'", cond("`minmode'" != "", "1", "`modes'"))

@@ -9,8 +9,9 @@ program define _gneqany
 	quietly {
 		generate int `n' = 0
 		foreach v of local varlist {
+			_typed `v'
 			foreach value of local values {
-				replace `n' = `n' + (`v' == `value')
+				replace `n' = `n' + (`v' == `typed'(`value'))
 			}
 		}
 		generate long `new' = `n' if `sample'

@@ -16,16 +16,19 @@ program define _grank
 		if "`field'" != "" {
 			`s(by)' generate long `n' = sum(`x' < .)
 			`s(by)' replace `n' = `n'[_N]
-			by `s(key)' `x': generate `typlist' `varlist' = `n' - `place'[_N] + 1 if `x' < .
+			generate `typlist' `varlist' = .
+			by `s(key)' `x': replace `varlist' = `n' - `place'[_N] + 1 if `x' < .
 		}
 		else if "`track'" != "" {
-			by `s(key)' `x': generate `typlist' `varlist' = `place'[1] if `x' < .
+			generate `typlist' `varlist' = .
+			by `s(key)' `x': replace `varlist' = `place'[1] if `x' < .
 		}
 		else if "`unique'" != "" {
 			generate `typlist' `varlist' = `place' if `x' < .
 		}
 		else {
-			by `s(key)' `x': generate `typlist' `varlist' = (`place'[1] + `place'[_N]) / 2 if `x' < .
+			generate `typlist' `varlist' = .
+			by `s(key)' `x': replace `varlist' = (`place'[1] + `place'[_N]) / 2 if `x' < .
 		}
 	}
 end

@@ -17,7 +17,8 @@ program define _gseq
 	quietly {
 		generate long `order' = _n
 		sort `sample' `by' `order'
-		by `sample' `by': generate long `i' = int((_n - 1) / `block')
+		generate long `i' = .
+		by `sample' `by': replace `i' = int((_n - 1) / `block')
 		generate long `new' = `from' + cond(`to' < `from', -1, 1) * mod(`i', abs(`to' - `from') + 1) if `sample'
 	}
 end

@@ -12,6 +12,7 @@ program define _gtag
 	quietly {
 		generate long `order' = _n
 		sort `use' `by' `varlist' `order'
-		by `use' `by' `varlist': generate byte `new' = _n == 1 & `use'
+		generate byte `new' = .
+		by `use' `by' `varlist': replace `new' = _n == 1 & `use'
 	}
 end

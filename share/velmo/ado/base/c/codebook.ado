@@ -12,12 +12,12 @@ program define codebook, sortpreserve
 	}
 	foreach v of local varlist {
 		Title `v'
-		capture confirm string variable `v'
-		if _rc {
-			Numeric `v' `tabulate'
+		local type : type `v'
+		if substr("`type'", 1, 3) == "str" {
+			String `v' `tabulate'
 		}
 		else {
-			String `v' `tabulate'
+			Numeric `v' `tabulate'
 		}
 		if "`notes'" != "" {
 			Notes `v'
@@ -29,19 +29,19 @@ end
 program define Title
 	args v
 	local label : variable label `v'
-	if `"`label'"' == "" {
+	if _local(label) == "" {
 		local label "(unlabeled)"
 	}
-	local gap = 79 - length("`v'") - length(`"`label'"')
+	local gap = 79 - length("`v'") - length(_local(label))
 	display
 	display as text "{hline 79}"
 	if `gap' < 2 {
 		display as result "`v'"
-		local gap = max(0, 79 - length(`"`label'"'))
-		display _skip(`gap') as text _asis `"`label'"'
+		local gap = max(0, 79 - length(_local(label)))
+		display _skip(`gap') as text _asis _text(label)
 	}
 	else {
-		display as result "`v'" _skip(`gap') as text _asis `"`label'"'
+		display as result "`v'" _skip(`gap') as text _asis _text(label)
 	}
 	display as text "{hline 79}"
 	display
@@ -74,20 +74,29 @@ program define Distinct
 	}
 end
 
+* How values are written: f is a number's format, empty for strings; dated tells of dates.
+program define Shown
+	args v
+	local f : format `v'
+	local dated = index(_local(f), "%d") == 1 | index(_local(f), "%t") == 1 | index(_local(f), "%-d") == 1
+	local type : type `v'
+	if substr("`type'", 1, 3) == "str" {
+		local f
+	}
+	else if !`dated' {
+		local f = cond("`type'" == "long", "%12.0g", cond("`type'" == "double", "%10.0g", "%9.0g"))
+	}
+	c_local f : local f
+	c_local dated `dated'
+end
+
 program define Numeric
 	args v most
 	tempvar often
 	local type : type `v'
-	local f : format `v'
 	local label : value label `v'
-	local kind numeric
-	local dated = index("`f'", "%d") == 1 | index("`f'", "%t") == 1 | index("`f'", "%-d") == 1
-	if `dated' {
-		local kind "numeric date"
-	}
-	else {
-		local f = cond("`type'" == "long", "%12.0g", cond("`type'" == "double", "%10.0g", "%9.0g"))
-	}
+	Shown `v'
+	local kind = cond(`dated', "numeric date", "numeric")
 	Distinct `v' `often' n unique
 	Item type "`kind' (`type')"
 	if "`label'" != "" {
@@ -98,9 +107,10 @@ program define Numeric
 	local mean = string(r(mean))
 	local sd = string(r(sd))
 	if `n' {
-		local range = "[" + trim(string(r(min), "`f'")) + "," + trim(string(r(max), "`f'")) + "]"
+		local range = "[" + trim(string(r(min), _local(f))) + "," + trim(string(r(max), _local(f))) + "]"
+		local gap = max(1, 32 - length(_local(range)))
 		Units `v' `type'
-		Item range "`range'" units "`units'"
+		display as text %22s "range" ":  " as result _asis _text(range) as text %`gap's "units" ":  " as result "`units'"
 	}
 	local missing = _N - `n'
 	Item "unique values" `unique' "missing ." "`missing'/`=_N'"
@@ -109,10 +119,10 @@ program define Numeric
 	}
 	display
 	if `unique' <= `most' {
-		Table `v' `often' `f' `n' "`label'"
+		Table `v' `often'
 	}
 	else if "`label'" != "" {
-		Examples `v' `n' `f'
+		Examples `v' `n'
 	}
 	else {
 		if !`dated' {
@@ -120,7 +130,7 @@ program define Numeric
 			Item "std. dev." "`sd'"
 			display
 		}
-		Percentiles `v' `n' `f'
+		Percentiles `v' `n'
 	}
 end
 
@@ -130,6 +140,7 @@ program define Gaps
 	tempvar text first
 	quietly {
 		capture decode `v', generate(`text')
+		error _rc == 1
 		if _rc {
 			noisily Item label "`label', which does not exist"
 			exit
@@ -149,8 +160,8 @@ program define Units
 	args v type
 	local k 0
 	local few = min(_N, 1000)
-	capture assert `v' == int(`v')
-	if _rc {
+	quietly count if `v' != int(`v')
+	if r(N) {
 		local off 1
 		while `off' & `k' < 20 {
 			local k = `k' + 1
@@ -158,11 +169,11 @@ program define Units
 			if "`type'" == "float" {
 				local kept "float(`kept')"
 			}
-			capture assert `kept' == `v' | `v' >= . in 1/`few'
-			if !_rc {
-				capture assert `kept' == `v' | `v' >= .
+			quietly count if `kept' != `v' & `v' < . in 1/`few'
+			if !r(N) {
+				quietly count if `kept' != `v' & `v' < .
 			}
-			local off = _rc
+			local off = r(N)
 		}
 		local k = -`k'
 	}
@@ -170,8 +181,8 @@ program define Units
 		local off 0
 		while !`off' & `k' < 20 {
 			local k = `k' + 1
-			capture assert mod(abs(`v'), 1e`k') == 0 if `v' < .
-			local off = _rc
+			quietly count if mod(abs(`v'), 1e`k') != 0 & `v' < .
+			local off = r(N)
 		}
 		local k = cond(`k' == 20, 0, `k' - 1)
 	}
@@ -198,7 +209,7 @@ program define String
 	}
 	display
 	if `unique' <= `most' {
-		Table `v' `often' "" `n'
+		Table `v' `often'
 	}
 	else {
 		Examples `v' `n'
@@ -233,86 +244,84 @@ end
 
 * The data are sorted by the variable: a step for each value, missing ones last for numbers and first for strings.
 program define Table
-	args v often f n label
+	args v often
+	local label : value label `v'
+	Shown `v'
 	local i 1
-	local string = "`f'" == ""
+	local string = _local(f) == ""
 	local head = cond(`string', "Value", cond("`label'" == "", "Value", "Value  Label"))
 	display as text %22s "tabulation" ":  " %10s "Freq." _skip(cond(`string', 2, 7)) "`head'"
 	while `i' <= _N {
-		Value `v' `i' "`f'"
-		display as text _skip(25) as result %10.0f `often'[`i'] "  " _asis `"`value'"'
+		display as text _skip(25) as result %10.0f `often'[`i'] "  " _continue
+		Value `v' `i'
 		local i = `i' + `often'[`i']
 	}
 end
 
 * Four values, each a fifth of the observations further on.
 program define Examples
-	args v n f
-	local empty = cond("`f'" == "", _N - `n', 0)
+	args v n
+	Shown `v'
+	local empty = cond(_local(f) == "", _N - `n', 0)
 	forvalues i = 1/4 {
 		local at = `empty' + int(`n' * `i' / 5) + 1
-		Value `v' `at' "`f'"
 		if `i' == 1 {
-			Item examples `"`value'"'
+			display as text %22s "examples" ":  " _continue
 		}
 		else {
-			display _skip(25) as result _asis `"`value'"'
+			display _skip(25) _continue
 		}
+		Value `v' `at'
 	}
 end
 
 * Percentiles as summarize, detail has them, from the sorted variable.
 program define Percentiles
-	args v n f
+	args v n
+	Shown `v'
 	display as text %22s "percentiles" ":  " %10s "10%" %10s "25%" %10s "50%" %10s "75%" %10s "90%"
 	display _skip(25) _continue
 	foreach p in 10 25 50 75 90 {
 		local k = int((`n' * `p') / 100)
-		local value = string(`v'[`k' + 1], "`f'")
+		local value = string(`v'[`k' + 1], _local(f))
 		if `k' * 100 == `n' * `p' {
-			local value = string((`v'[`k'] + `v'[`k' + 1]) / 2, "`f'")
+			local value = string((`v'[`k'] + `v'[`k' + 1]) / 2, _local(f))
 		}
-		display as result %10s trim("`value'") _continue
+		display as result %10s trim(_local(value)) _continue
 	}
 	display
 end
 
-* The text of one value; a number in ten columns, its label behind.
+* Ends the line with one value; a number in ten columns, its label behind.
 program define Value
-	args v i f
-	if "`f'" == "" {
-		local value = `v'[`i']
-		c_local value `"`value'"'
+	args v i
+	Shown `v'
+	if _local(f) == "" {
+		display as result _asis (`v'[`i'])
 		exit
 	}
-	local value = trim(string(`v'[`i'], "`f'"))
 	local label : value label `v'
 	local text
-	if "`label'" != "" & `v'[`i'] < . {
-		if `v'[`i'] == int(`v'[`i']) {
-			local number = `v'[`i']
-			local text : label (`v') `number'
-			if `"`text'"' == "`number'" {
-				local text
-			}
+	if "`label'" != "" & `v'[`i'] < . & `v'[`i'] == int(`v'[`i']) {
+		local number = `v'[`i']
+		local text : label (`v') `number'
+		if _local(text) == "`number'" {
+			local text
 		}
 	}
-	local gap = max(0, 10 - length("`value'"))
-	local pad : display _skip(`gap')
-	if `"`text'"' != "" {
-		local text `"  `text'"'
-	}
-	c_local value `"`pad'`value'`text'"'
+	local value = trim(string(`v'[`i'], _local(f)))
+	local gap = max(0, 10 - length(_local(value)))
+	display as result _asis _skip(`gap') _text(value) cond(_local(text) == "", "", "  ") _text(text)
 end
 
 program define Notes
 	args v
-	local n : char `v'[note0]
-	if "`n'" != "" {
+	_notelist `v'
+	if "`numbers'" != "" {
 		display
-		forvalues i = 1/`n' {
+		foreach i of local numbers {
 			local text : char `v'[note`i']
-			display as text "{p 4 8}" _newline "`i'.  " as result _asis `"`text'"' _newline as vtml "{p_end}"
+			display as text "{p 4 8}" _newline "`i'.  " as result _asis _text(text) _newline as vtml "{p_end}"
 		}
 	}
 end

@@ -34,15 +34,15 @@ program define collapse
 			tempvar r`i'
 			local results `results' `r`i''
 		}
-		foreach x in `sources' {
-			local asked
-			forvalues i = 1/`n' {
-				if "`source`i''" == "`x'" & "`percent`i''" != "" {
-					local asked `asked' `r`i'' `percent`i''
-				}
+		forvalues i = 1/`n' {
+			if "`percent`i''" != "" {
+				local asked`number`i'' `asked`number`i''' `r`i'' `percent`i''
 			}
-			if "`asked'" != "" {
-				Percentiles `group' `x' "`w'" `asked'
+		}
+		forvalues k = 1/`kinds' {
+			if "`asked`k''" != "" {
+				local x : word `k' of `sources'
+				Percentiles `group' `x' "`w'" `asked`k''
 			}
 		}
 		sort `group' `order'
@@ -67,25 +67,24 @@ program define collapse
 	global S_FNDATE
 end
 
-* Reads [(stat)] varlist|new=var ... and leaves with the caller n; for each result stat#, target#, source# and
-* percent# (what percentile it is); the lists sources and targets; and whether the order within groups matters.
+* Reads [(stat)] varlist|new=var ... and leaves with the caller n; for each result stat#, target#, source#, percent#
+* (what percentile it is) and number# (of its variable, 1 to kinds); the lists sources and targets; and whether the
+* order within groups matters.
 program define Parse
 	local stat mean
-	local rest `"`0'"'
-	while `"`rest'"' != "" {
+	local n 0
+	local rest : local 0
+	while _local(rest) != "" {
 		gettoken word rest : rest, parse(" ()=")
 		if "`word'" == "=" {
 			Split `names'
-			Items `stat' "" `names'
-			local all `all' `items'
+			Items `n' `stat' "" `names'
 			gettoken word rest : rest, parse(" ()=")
-			Items `stat' `new' `word'
-			local all `all' `items'
+			Items `n' `stat' `new' `word'
 			local names
 		}
 		else if "`word'" == "(" {
-			Items `stat' "" `names'
-			local all `all' `items'
+			Items `n' `stat' "" `names'
 			local names
 			gettoken stat rest : rest, parse(" ()=")
 			gettoken word rest : rest, parse(" ()=")
@@ -101,47 +100,58 @@ program define Parse
 			local names `names' `word'
 		}
 	}
-	Items `stat' "" `names'
-	tokenize `all' `items'
-	local n 0
-	local ordered 0
-	while "`1'" != "" {
-		local n = `n' + 1
-		c_local stat`n' `1'
-		c_local target`n' `2'
-		c_local source`n' `3'
-		local targets `targets' `2'
-		local sources : subinstr local sources "`3'" "`3'", word count(local known)
-		if !`known' {
-			local sources `sources' `3'
-		}
-		local percent
-		if "`1'" == "median" {
-			local percent 50
-		}
-		else if "`1'" == "iqr" {
-			local percent iqr
-		}
-		else if substr("`1'", 1, 1) == "p" {
-			local percent = substr("`1'", 2, .)
-		}
-		c_local percent`n' `percent'
-		if index("first last firstnm lastnm", "`1'") {
-			local ordered 1
-		}
-		else if "`1'" != "count" {
-			capture confirm numeric variable `3'
-			if _rc {
-				display as error "`3' is a string variable; (`1') needs numbers"
-				exit 109
-			}
-		}
-		macro shift 3
-	}
+	Items `n' `stat' "" `names'
 	if !`n' {
 		error 102
 	}
+	local kinds 0
+	local ordered 0
+	forvalues i = 1/`n' {
+		local x `source`i''
+		c_local stat`i' `stat`i''
+		c_local target`i' `target`i''
+		c_local source`i' `x'
+		local targets `targets' `target`i''
+		* names that begin alike share a list of names and numbers
+		local key = substr("`x'", 1, 28)
+		local number
+		local known `of_`key''
+		while "`known'" != "" & "`number'" == "" {
+			gettoken name known : known
+			gettoken at known : known
+			if "`name'" == "`x'" {
+				local number `at'
+			}
+		}
+		if "`number'" == "" {
+			local kinds = `kinds' + 1
+			local number `kinds'
+			local of_`key' `of_`key'' `x' `kinds'
+			local sources `sources' `x'
+		}
+		c_local number`i' `number'
+		local percent
+		if "`stat`i''" == "median" {
+			local percent 50
+		}
+		else if "`stat`i''" == "iqr" {
+			local percent iqr
+		}
+		else if substr("`stat`i''", 1, 1) == "p" {
+			local percent = substr("`stat`i''", 2, .)
+		}
+		c_local percent`i' `percent'
+		local type : type `x'
+		if index("first last firstnm lastnm", "`stat`i''") {
+			local ordered 1
+		}
+		else if "`stat`i''" != "count" & substr("`type'", 1, 3) == "str" {
+			display as error "`x' is a string variable; (`stat`i'') needs numbers"
+			exit 109
+		}
+	}
 	c_local n `n'
+	c_local kinds `kinds'
 	c_local ordered `ordered'
 	c_local targets `targets'
 	c_local sources `sources'
@@ -172,42 +182,43 @@ program define Split
 	c_local names `names'
 end
 
-* Triples of statistic, name of the result and variable, for a list of variables or one variable with a new name.
+* Items n stat new names: a list of variables, or one variable with a new name, as items n+1 and on of Parse.
 program define Items
-	args stat new
-	macro shift 2
+	args n stat new
+	macro shift 3
+	local before `n'
 	if "`*'" != "" {
 		foreach x of varlist `*' {
+			local n = `n' + 1
+			c_local stat`n' `stat'
+			c_local source`n' `x'
 			if "`new'" != "" {
-				local items `items' `stat' `new' `x'
+				c_local target`n' `new'
 			}
 			else {
-				local items `items' `stat' `x' `x'
+				c_local target`n' `x'
 			}
 		}
 	}
-	if "`new'" != "" {
-		local count : word count `items'
-		if `count' != 3 {
-			display as error "`new'= must be followed by one variable"
-			exit 198
-		}
+	if "`new'" != "" & `n' != `before' + 1 {
+		display as error "`new'= must be followed by one variable"
+		exit 198
 	}
-	c_local items `items'
+	c_local n `n'
 end
 
 * No name may be that of two results, or of a result and a by-variable.
 program define CheckNames
-	args by
-	macro shift
-	while "`1'" != "" {
-		local by : subinstr local by "`1'" "`1'", word count(local known)
-		if `known' {
-			display as error "`1' would be the name of two variables"
-			exit 110
+	gettoken by 0 : 0
+	foreach name in `by' `0' {
+		local key = substr("`name'", 1, 28)
+		foreach known in `of_`key'' {
+			if "`known'" == "`name'" {
+				display as error "`name' would be the name of two variables"
+				exit 110
+			}
 		}
-		local by `by' `1'
-		macro shift
+		local of_`key' `of_`key'' `name'
 	}
 end
 

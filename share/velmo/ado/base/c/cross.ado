@@ -3,8 +3,6 @@
 program define cross
 	version 7.0
 	syntax using/
-	local name "$S_FN"
-	local stamp "$S_FNDATE"
 	local n = _N
 	if !`n' {
 		error 2000
@@ -13,16 +11,16 @@ program define cross
 	quietly {
 		tempvar id k merged
 		tempfile mine other
-		save `"`mine'"'
-		use `"`using'"', clear
+		save `"`mine'"', internal
+		use `"`using'"', internal
 		local m = _N
 		if !`m' {
 			noisily error 2000
 		}
 		generate long `k' = _n
 		sort `k'
-		save `"`other'"'
-		use `"`mine'"', clear
+		save `"`other'"', internal
+		use `"`mine'"', internal
 		* copies stand behind the data, those of one observation together
 		expand `m'
 		generate long `id' = cond(_n <= `n', _n, 1+int((_n-`n'-1)/(`m'-1)))
@@ -33,6 +31,4 @@ program define cross
 		drop `id' `k' `merged'
 	}
 	restore, not
-	global S_FN `"`name'"'
-	global S_FNDATE "`stamp'"
 end

@@ -36,8 +36,12 @@ program define Copies
 	quietly {
 		generate long `order' = _n
 		sort `sample' `0' `order'
-		by `sample' `0': generate long `copies' = _N if `sample'
-		by `sample' `0': generate long `which' = _n if `sample'
+		* nothing has no groups, in which a variable could be made
+		if _N {
+			local by by `sample' `0':
+		}
+		`by' generate long `copies' = _N if `sample'
+		`by' generate long `which' = _n if `sample'
 	}
 end
 
@@ -70,9 +74,12 @@ program define Report, rclass sortpreserve
 	Heading "`varlist'" `typed'
 	quietly {
 		sort `copies' `which'
-		by `copies': generate byte `first' = _n != 1 | `copies' >= .
 		tempvar total
-		by `copies': generate long `total' = _N
+		if _N {
+			local by by `copies':
+		}
+		`by' generate byte `first' = _n != 1 | `copies' >= .
+		`by' generate long `total' = _N
 		count if `which' == 1
 		return scalar unique_value = r(N)
 		count if `sample'
@@ -119,7 +126,8 @@ program define Examples, rclass
 	preserve
 	Groups `sample' `varlist'
 	quietly {
-		by _group: generate long _copies = _N
+		generate long _copies = .
+		by _group: replace _copies = _N
 		by _group: keep if _n == 1
 		count
 	}

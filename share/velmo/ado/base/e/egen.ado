@@ -51,7 +51,19 @@ program define egen, byable(onecall) sortpreserve sclass
 	else {
 		Narrow `made'
 	}
-	Finish `made' `"`fcn'(`args')"' `by'
+	local label : variable label `made'
+	if _local(label) == "" {
+		local by = trim("`by'")
+		if "`by'" != "" {
+			local by " by `by'"
+		}
+		label variable `made' = substr("`fcn'(" + _local(args) + ")`by'", 1, 80)
+	}
+	quietly count if missing(`made')
+	if r(N) {
+		local s = cond(r(N) == 1, "", "s")
+		display as text "(" as result r(N) as text " missing value`s' generated)"
+	}
 	rename `made' `new'
 end
 
@@ -70,10 +82,13 @@ end
 program define Checkfcn
 	args fcn
 	capture confirm names _g`fcn'
+	error _rc == 1
 	if !_rc {
 		capture program list _g`fcn'
+		error _rc == 1
 		if _rc {
 			capture which _g`fcn'
+			error _rc == 1
 		}
 	}
 	if _rc {
@@ -103,33 +118,12 @@ program define Retype
 		exit
 	}
 	tempvar narrow
-	local label : variable label `made'
 	local values : value label `made'
 	quietly generate `type' `narrow' = `made'
-	label variable `narrow' `"`label'"'
+	label variable `narrow' : variable label `made'
 	drop `made'
 	rename `narrow' `made'
 	if "`values'" != "" {
 		label values `made' `values'
-	}
-end
-
-* The label, unless the function has set one, and the count of missing values.
-program define Finish
-	gettoken made 0 : 0
-	gettoken call 0 : 0
-	local label : variable label `made'
-	if `"`label'"' == "" {
-		local by = trim("`0'")
-		if "`by'" != "" {
-			local by " by `by'"
-		}
-		local label = substr(`"`call'`by'"', 1, 80)
-		label variable `made' `"`label'"'
-	}
-	quietly count if missing(`made')
-	if r(N) {
-		local s = cond(r(N) == 1, "", "s")
-		display as text "(" as result r(N) as text " missing value`s' generated)"
 	}
 end

@@ -7,27 +7,25 @@ program define fillin
 	if _N == 0 {
 		error 2000
 	}
-	local name "$S_FN"
-	local stamp "$S_FNDATE"
 	preserve
 	quietly {
 		tempfile data there absent
 		tempvar merged
 		sort `varlist'
-		save `"`data'"'
+		save `"`data'"', internal
 		keep `varlist'
 		by `varlist': keep if _n == 1
-		save `"`there'"'
+		save `"`there'"', internal
 		local i 0
 		foreach v of local varlist {
 			local i = `i' + 1
 			tempfile values`i'
-			use `v' using `"`there'"', clear
+			use `v' using `"`there'"', internal
 			sort `v'
 			by `v': keep if _n == 1
-			save `"`values`i''"'
+			save `"`values`i''"', internal
 		}
-		use `"`values1'"', clear
+		use `"`values1'"', internal
 		forvalues j = 2/`i' {
 			cross using `"`values`j''"'
 		}
@@ -37,8 +35,8 @@ program define fillin
 		drop `merged'
 		generate byte _fillin = 1
 		local missing = _N
-		save `"`absent'"'
-		use `"`data'"', clear
+		save `"`absent'"', internal
+		use `"`data'"', internal
 		generate byte _fillin = 0
 		if `missing' {
 			append using `"`absent'"'
@@ -46,6 +44,4 @@ program define fillin
 		sort `varlist'
 	}
 	restore, not
-	global S_FN `"`name'"'
-	global S_FNDATE "`stamp'"
 end

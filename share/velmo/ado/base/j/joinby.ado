@@ -28,8 +28,6 @@ program define joinby
 	if _N == 0 {
 		error 2000
 	}
-	local name "$S_FN"
-	local stamp "$S_FNDATE"
 	preserve
 	quietly {
 		tempvar id k m merged last
@@ -38,20 +36,23 @@ program define joinby
 			local had `had' `v'
 		}
 		generate long `id' = _n
-		save `"`mine'"'
-		use `"`using'"', clear
+		save `"`mine'"', internal
+		use `"`using'"', internal `label'
 		Keys "`had'" `varlist'
+		if _N == 0 {
+			noisily error 2000
+		}
 		generate long `id' = _n
 		sort `keys' `id'
 		drop `id'
 		by `keys': generate long `k' = _n
 		sort `keys' `k'
-		save `"`other'"'
+		save `"`other'"', internal
 		by `keys': generate long `m' = _N
 		by `keys': keep if _n == 1
 		keep `keys' `m'
-		save `"`counts'"'
-		use `"`mine'"', clear
+		save `"`counts'"', internal
+		use `"`mine'"', internal
 		sort `keys' `id'
 		noisily Merge `keys' using `"`counts'"', nolabel nokeep _merge(`merged')
 		if index("none using", "`unmatched'") {
@@ -77,13 +78,12 @@ program define joinby
 		sort `keys'
 	}
 	restore, not
-	global S_FN `"`name'"'
-	global S_FNDATE "`stamp'"
 end
 
 * Shows what is wrong, and nothing else.
 program define Merge
 	capture quietly merge `0'
+	error _rc == 1
 	if _rc {
 		merge `0'
 	}

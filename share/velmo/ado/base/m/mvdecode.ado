@@ -13,12 +13,10 @@ program define mvdecode
 			display as text "`x': string variable ignored"
 		}
 		else {
+			_typed `x'
 			quietly replace `hit' = 0
 			foreach value of local mv {
-				if "`type'" == "float" {
-					local value float(`value')
-				}
-				quietly replace `hit' = 1 if `x' == `value' & `touse'
+				quietly replace `hit' = 1 if `x' == `typed'(`value') & `touse'
 			}
 			quietly count if `hit'
 			if r(N) {

@@ -13,11 +13,8 @@ program define mvencode
 		local type : type `x'
 		if substr("`type'", 1, 3) != "str" {
 			local numeric `numeric' `x'
-			local value`x' `mv'
-			if "`type'" == "float" {
-				local value`x' float(`mv')
-			}
-			quietly count if `x' == `value`x'' & `touse'
+			_typed `x'
+			quietly count if `x' == `typed'(`mv') & `touse'
 			if r(N) & "`override'" == "" {
 				display as error "`x': already `mv' in " r(N) cond(r(N) == 1, " observation", " observations")
 				local found 1
@@ -38,7 +35,7 @@ program define mvencode
 			quietly count if `x' >= . & `touse'
 			if r(N) {
 				display as text "`x': " as result r(N) as text cond(r(N) == 1, " missing value", " missing values")
-				quietly replace `x' = `value`x'' if `x' >= . & `touse'
+				quietly replace `x' = `mv' if `x' >= . & `touse'
 			}
 		}
 	}

@@ -3,25 +3,33 @@
 program define notes
 	version 7.0
 	gettoken first rest : 0, parse(" :")
-	if "`first'" == "drop" {
+	if _local(first) == "drop" {
 		Drop `rest'
 		exit
 	}
-	if "`first'" == "list" {
-		local 0 `"`rest'"'
+	if _local(first) == "list" {
+		local 0 : local rest
 		gettoken first rest : 0, parse(" :")
 	}
 	gettoken colon text : rest, parse(" :")
-	if "`first'" == ":" {
-		Add _dta `"`rest'"'
+	if _local(first) == ":" {
+		local first _dta
+		local text : local rest
 	}
-	else if "`colon'" == ":" {
-		Owner `first'
-		Add `first' `"`text'"'
-	}
-	else {
+	else if _local(colon) != ":" {
 		List `0'
+		exit
 	}
+	Owner `first'
+	* the first token of the text stands where the text begins
+	gettoken word : text
+	if _local(word) == "" {
+		display as error "nothing to note"
+		exit 198
+	}
+	Next `first'
+	char `first'[note`next'] : local text
+	char `first'[note0] `next'
 end
 
 program define Owner
@@ -30,20 +38,20 @@ program define Owner
 	}
 end
 
-program define Add
-	args owner text
-	local text = trim(`"`text'"')
-	if `"`text'"' == "" {
-		display as error "nothing to note"
-		exit 198
+* The number of a new note: none that is there is overwritten.
+program define Next
+	_notelist `1'
+	local last 0
+	foreach i of local numbers {
+		local last `i'
 	}
-	local n : char `owner'[note0]
-	if "`n'" == "" {
-		local n 0
+	local next = `last' + 1
+	local text : char `1'[note`next']
+	while _local(text) != "" {
+		local next = `next' + 1
+		local text : char `1'[note`next']
 	}
-	local n = `n' + 1
-	char `owner'[note0] `n'
-	char `owner'[note`n'] `"`text'"'
+	c_local next `next'
 end
 
 program define List
@@ -56,13 +64,13 @@ program define List
 	}
 	foreach owner in `owners' {
 		Owner `owner'
-		local n : char `owner'[note0]
-		if "`n'" != "" {
+		_notelist `owner'
+		if "`numbers'" != "" {
 			display
 			display as result "`owner':"
-			forvalues i = 1/`n' {
+			foreach i of local numbers {
 				local text : char `owner'[note`i']
-				display as text "{p 2 6}" _newline "`i'.  " as result _asis `"`text'"' _newline as vtml "{p_end}"
+				display as text "{p 2 6}" _newline "`i'.  " as result _asis _text(text) _newline as vtml "{p_end}"
 			}
 		}
 	}
@@ -72,30 +80,36 @@ end
 program define Drop
 	args owner which
 	Owner `owner'
-	local n : char `owner'[note0]
-	if "`n'" == "" {
+	_notelist `owner'
+	if "`numbers'" == "" {
 		exit
 	}
 	if "`which'" == "" {
-		forvalues i = 0/`n' {
+		foreach i of local numbers {
 			char `owner'[note`i']
 		}
+		char `owner'[note0]
 		exit
 	}
 	confirm integer number `which'
-	if `which' < 1 | `which' > `n' {
+	local same : subinstr local numbers "`which'" "`which'", word count(local known)
+	if !`known' {
 		display as error "no note `which'"
 		exit 198
 	}
-	local last = `n' - 1
-	forvalues i = `which'/`last' {
-		local next = `i' + 1
-		local text : char `owner'[note`next']
-		char `owner'[note`i'] `"`text'"'
+	* count: the last number that stays in use; place: where the next of the later notes goes
+	foreach i of local numbers {
+		if `i' < `which' {
+			local count `i'
+		}
+		if `i' > `which' {
+			char `owner'[note`place'] : char `owner'[note`i']
+			local count `place'
+		}
+		if `i' >= `which' {
+			local place `i'
+		}
 	}
-	char `owner'[note`n']
-	if `last' == 0 {
-		local last
-	}
-	char `owner'[note0] `last'
+	char `owner'[note`place']
+	char `owner'[note0] `count'
 end

@@ -3,11 +3,12 @@
 program define recode
 	version 7.0
 	syntax anything(name=spec id="varlist and rules") [if] [in] [, Generate(string) PREfix(string) TEST]
+	local spec : escaped spec
 	Divide `spec'
 	Variables `names'
 	Rules `rules'
 	Targets "`varlist'" "`generate'" "`prefix'"
-	CheckLabels `"`labels'"' `targets'
+	CheckLabels "`labels'" `targets'
 	marksample touse, novarlist
 	preserve
 	local i 0
@@ -21,7 +22,7 @@ program define recode
 		local r `n'
 		local fits
 		while `r' >= 1 {
-			Fill `type' `x' "`test`r''"
+			Fill `x' "`test`r''"
 			local fits `""`filled'" `fits'"'
 			quietly replace `code' = `value`r'' if (`filled') & `touse'
 			local r = `r' - 1
@@ -47,24 +48,26 @@ program define recode
 		}
 	}
 	restore, not
-	if `"`labels'"' != "" {
+	if "`labels'" != "" {
 		foreach new of local targets {
-			label define `new' `labels', modify
+			foreach r of local labels {
+				label define `new' `value`r'' = _local(text`r'), modify
+			}
 			label values `new' `new'
 		}
 	}
 end
 
-* Where the names end and the rules begin: at a parenthesis, a number or a word of rules.
+* Where the names end and the rules, which go to another program, begin: at a parenthesis, a number or a word of rules.
 program define Divide
-	local rest `"`0'"'
-	while `"`rest'"' != "" {
-		local before `"`rest'"'
+	local rest : local 0
+	while _local(rest) != "" {
+		local before : local rest
 		gettoken word rest : rest, parse(" ()=") quotes
 		IsElement `word'
-		if `element' | inlist(`"`word'"', "(", "=") {
+		if `element' | inlist(_local(word), "(", "=") {
 			c_local names `names'
-			c_local rules `"`before'"'
+			c_local rules : escaped before
 			exit
 		}
 		local names `names' `word'
@@ -92,6 +95,7 @@ program define IsElement
 	local slash = index(`"`word'"', "/")
 	if !`slash' {
 		capture confirm number `word'
+		error _rc == 1
 		c_local element = !_rc
 		c_local elementtest @==#(`word')
 		exit
@@ -101,6 +105,7 @@ program define IsElement
 	local test @<.
 	if `"`low'"' != "min" {
 		capture confirm number `low'
+		error _rc == 1
 		if _rc | "`low'" == "." {
 			c_local element 0
 			exit
@@ -109,6 +114,7 @@ program define IsElement
 	}
 	if `"`high'"' != "max" {
 		capture confirm number `high'
+		error _rc == 1
 		if _rc | "`high'" == "." {
 			c_local element 0
 			exit
@@ -122,21 +128,21 @@ program define IsElement
 end
 
 * Reads element ... = value ["text"], each rule in parentheses or not. Leaves n, test# and value#, and in labels the
-* pairs of value and text.
+* numbers of the rules that have a text#.
 program define Rules
-	local rest `"`0'"'
+	local rest : local 0
 	local n 0
-	while `"`rest'"' != "" {
+	while _local(rest) != "" {
 		local n = `n' + 1
 		local tests
 		local open 0
 		gettoken word rest : rest, parse(" ()=") quotes
-		if `"`word'"' == "(" {
+		if _local(word) == "(" {
 			local open 1
 			gettoken word rest : rest, parse(" ()=") quotes
 		}
-		while `"`word'"' != "=" {
-			if `"`word'"' == "" {
+		while _local(word) != "=" {
+			if _local(word) == "" {
 				display as error "rule `n': = expected"
 				exit 198
 			}
@@ -154,18 +160,21 @@ program define Rules
 		}
 		gettoken value rest : rest, parse(" ()=") quotes
 		capture confirm number `value'
+		error _rc == 1
 		if _rc & `"`value'"' != "." {
 			display as error "rule `n': a number or . must follow the equals sign"
 			exit 198
 		}
 		if `open' {
 			gettoken word rest : rest, parse(" ()=") quotes
-			if `"`word'"' != ")" {
+			if _local(word) != ")" {
 				confirm integer number `value'
-				local labels `"`labels' `value' `word'"'
+				gettoken text : word
+				c_local text`n' : local text
+				local labels `labels' `n'
 				gettoken word rest : rest, parse(" ()=") quotes
 			}
-			if `"`word'"' != ")" {
+			if _local(word) != ")" {
 				display as error "rule `n': ) expected"
 				exit 198
 			}
@@ -175,7 +184,7 @@ program define Rules
 		c_local test`n' `tests'
 	}
 	c_local n `n'
-	c_local labels `"`labels'"'
+	c_local labels `labels'
 end
 
 program define Variables
@@ -213,7 +222,7 @@ end
 program define CheckLabels
 	args labels
 	macro shift
-	if `"`labels'"' == "" {
+	if "`labels'" == "" {
 		exit
 	}
 	if "`*'" == "" {
@@ -222,6 +231,7 @@ program define CheckLabels
 	}
 	foreach new in `*' {
 		capture label list `new'
+		error _rc == 1
 		if !_rc {
 			display as error "label `new' already defined"
 			exit 110
@@ -229,12 +239,12 @@ program define CheckLabels
 	}
 end
 
-* A test for one variable; numbers are rounded as a float variable's values are.
+* A test for one variable.
 program define Fill
-	args type x test
-	local round = cond("`type'" == "float", "float(", "(")
+	args x test
+	_typed `x'
 	local test : subinstr local test "@" "`x'", all
-	local test : subinstr local test "#(" "`round'", all
+	local test : subinstr local test "#(" "`typed'(", all
 	c_local filled `test'
 end
 

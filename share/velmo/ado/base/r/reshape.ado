@@ -31,8 +31,9 @@ program define reshape
 	}
 	char _dta[shape_try] `form'
 	Recall
-	local name "$S_FN"
-	local stamp "$S_FNDATE"
+	if _N == 0 {
+		error 2000
+	}
 	local obs = _N
 	Count
 	local vars `count'
@@ -45,8 +46,6 @@ program define reshape
 	}
 	char _dta[shape_form] `form'
 	restore, not
-	global S_FN `"`name'"'
-	global S_FNDATE "`stamp'"
 	Report `form' `obs' `vars' "`used'"
 end
 
@@ -100,15 +99,21 @@ program define Define
 	char _dta[shape_j] `j'
 	char _dta[shape_stubs] `stubs'
 	char _dta[shape_string] `string'
-	char _dta[shape_given] `"`given'"'
+	char _dta[shape_given] : local given
 end
 
 program define Forget
-	foreach c in i j stubs string given values form try jlook jlabel {
-		char _dta[shape_`c']
-	}
-	forvalues k = 1/100 {
-		char _dta[shape_label`k']
+	ForgetAll shape_
+end
+
+* Drops the characteristics of the dataset whose names begin so.
+program define ForgetAll
+	args begin
+	local names : char _dta[]
+	foreach c of local names {
+		if index("`c'", "`begin'") == 1 {
+			char _dta[`c']
+		}
 	}
 end
 
@@ -119,11 +124,9 @@ program define Recall
 		exit 198
 	}
 	foreach c in i j stubs string given values try {
-		local text : char _dta[shape_`c']
-		c_local `c' `"`text'"'
+		c_local `c' : char _dta[shape_`c']
 	}
-	local text : char _dta[shape_form]
-	c_local is `text'
+	c_local is : char _dta[shape_form]
 end
 
 program define Known
@@ -170,10 +173,11 @@ program define ToWide
 	if r(N) {
 		Refuse "`j' is missing in some observations"
 	}
+	Nameable `j'
 	sort `j' `i'
 	Same `j' `i'
-	capture assert !(`same')
-	if _rc {
+	quietly count if `same'
+	if r(N) {
 		Refuse "`i' and `j' do not identify the observations"
 	}
 	Levels `j'
@@ -198,39 +202,39 @@ program define ToWide
 		tempfile long base
 		tempvar merged
 		Remember `j' `longs'
-		save `"`long'"'
+		save `"`long'"', internal
 		sort `i' `j'
 		Same `i'
 		foreach x of local others {
-			capture assert `x' == `x'[_n-1] | !(`same')
-			if _rc {
+			count if `x' != `x'[_n-1] & `same'
+			if r(N) {
 				noisily Refuse "`x' is not constant within `i'"
 			}
 		}
 		by `i': keep if _n == 1
 		keep `i' `others'
 		sort `i'
-		save `"`base'"'
+		save `"`base'"', internal
 		* the values of one j are rows from to to of the file
 		local k 0
 		foreach v in `values' {
 			local k = `k' + 1
 			tempfile part`k'
-			use `i' `longs' in `from`k''/`to`k'' using `"`long'"', clear
+			use `i' `longs' in `from`k''/`to`k'' using `"`long'"', internal
 			foreach stub in `stubs' {
 				Plain `stub'
 				Wide `stub' `v'
 				local label : variable label `plain'
 				rename `plain' `wide'
-				if `"`label'"' == "" {
+				if _local(label) == "" {
 					local label `plain'
 				}
-				label variable `wide' `"`v' `label'"'
+				label variable `wide' = "`v' " + _local(label)
 			}
 			sort `i'
-			save `"`part`k''"'
+			save `"`part`k''"', internal
 		}
-		use `"`base'"', clear
+		use `"`base'"', internal
 		forvalues p = 1/`k' {
 			sort `i'
 			merge `i' using `"`part`p''"', _merge(`merged')
@@ -239,7 +243,38 @@ program define ToWide
 		sort `i'
 		order `i' `made'
 	}
-	char _dta[shape_values] `"`values'"'
+	char _dta[shape_values] : local values
+end
+
+* Each value of j must be able to end a name. What could not stand in one is counted in the data: as text of a line it
+* would be taken apart.
+program define Nameable
+	args j
+	local type : type `j'
+	if substr("`type'", 1, 3) != "str" {
+		quietly count if `j' < 0 | `j' != int(`j') | `j' > 1e15
+		if r(N) {
+			display as error "`j' takes values below 0 or with fractions, which cannot end names"
+			exit 198
+		}
+		exit
+	}
+	tempvar length bad
+	quietly {
+		generate int `length' = length(`j')
+		summarize `length', meanonly
+		local longest = min(r(max), 32)
+		generate byte `bad' = `length' > 31
+		forvalues k = 1/`longest' {
+			replace `bad' = 1 if index("\!@#\$%^&*()-+=[]{}:;,'~<>?/|. \`" + char(34), substr(`j', `k', 1)) & `length' >= `k'
+			replace `bad' = 1 if substr(`j', `k', 1) < " " & `length' >= `k'
+		}
+		count if `bad'
+	}
+	if r(N) {
+		display as error "`j' takes values with blanks or signs, which cannot end names"
+		exit 198
+	}
 end
 
 * The test that an observation agrees with the one before it.
@@ -280,7 +315,7 @@ program define Others
 	c_local others `others'
 end
 
-* What j and the stubs looked like, for the way back.
+* What j, its characteristics too, and the stubs looked like, for the way back.
 program define Remember
 	args j
 	macro shift
@@ -288,13 +323,18 @@ program define Remember
 	local f : format `j'
 	local l : value label `j'
 	char _dta[shape_jlook] "`type' `f' `l'"
-	local label : variable label `j'
-	char _dta[shape_jlabel] `"`label'"'
+	char _dta[shape_jlabel] : variable label `j'
+	local names : char `j'[]
+	char _dta[shape_jchars] `names'
+	local k 0
+	foreach c of local names {
+		local k = `k' + 1
+		char _dta[shape_jchar`k'] : char `j'[`c']
+	}
 	local k 0
 	while "`1'" != "" {
 		local k = `k' + 1
-		local label : variable label `1'
-		char _dta[shape_label`k'] `"`label'"'
+		char _dta[shape_label`k'] : variable label `1'
 		macro shift
 	}
 end
@@ -307,8 +347,8 @@ program define ToLong
 	confirm new variable `j' `longs'
 	sort `i'
 	Same `i'
-	capture assert !(`same')
-	if _rc {
+	quietly count if `same'
+	if r(N) {
 		Refuse "`i' does not identify the observations"
 	}
 	if `"`given'"' != "" {
@@ -321,32 +361,30 @@ program define ToLong
 	Others "`used'"
 	quietly {
 		tempfile data
-		save `"`data'"'
+		save `"`data'"', internal
 		local look : char _dta[shape_jlook]
-		local jlabel : char _dta[shape_jlabel]
 		local k 0
 		foreach v in `values' {
 			local k = `k' + 1
 			tempfile part`k'
-			use `others' `used`k'' using `"`data'"', clear
+			use `others' `used`k'' using `"`data'"', internal
 			local s 0
 			foreach stub in `stubs' {
 				local s = `s' + 1
 				Wide `stub' `v'
 				Plain `stub'
 				Take `wide' `plain' "`used`k''" `k' `type`s''
-				local label : char _dta[shape_label`s']
 				if `k' == 1 {
-					label variable `plain' `"`label'"'
+					label variable `plain' : char _dta[shape_label`s']
 				}
 			}
 			PutJ `j' "`string'" "`v'" `look'
 			if `k' == 1 {
-				label variable `j' `"`jlabel'"'
+				RecallJ `j'
 			}
-			save `"`part`k''"'
+			save `"`part`k''"', internal
 		}
-		use `"`part1'"', clear
+		use `"`part1'"', internal
 		forvalues p = 2/`k' {
 			append using `"`part`p''"'
 		}
@@ -356,7 +394,8 @@ program define ToLong
 		sort `i' `j'
 		order `i' `j' `longs'
 	}
-	char _dta[shape_values] `"`values'"'
+	ForgetAll shape_jchar
+	char _dta[shape_values] : local values
 	c_local used `used'
 end
 
@@ -504,6 +543,7 @@ program define Take
 	if "`l'" != "" {
 		label values `plain' `l'
 	}
+	_charcopy `plain' `wide'
 	drop `wide'
 end
 
@@ -526,6 +566,17 @@ program define PutJ
 	}
 	if "`l'" != "" {
 		label values `j' `l'
+	}
+end
+
+program define RecallJ
+	args j
+	label variable `j' : char _dta[shape_jlabel]
+	local names : char _dta[shape_jchars]
+	local k 0
+	foreach c of local names {
+		local k = `k' + 1
+		char `j'[`c'] : char _dta[shape_jchar`k']
 	}
 end
 

@@ -18,30 +18,31 @@ program define Make, sortpreserve
 	preserve
 	quietly {
 		tempvar group out number count
+		local string 0
 		capture confirm variable `by'
+		error _rc == 1
 		if !_rc {
 			local what `by'
-			capture confirm string variable `by'
-			local string = !_rc
+			local type : type `by'
+			local string = substr("`type'", 1, 3) == "str"
 		}
 		else {
 			noisily generate byte `group' = (`by') != 0
 			local what `group'
-			local string 0
 		}
 		generate byte `out' = !`touse'
 		if "`missing'" == "" {
 			replace `out' = 1 if missing(`what')
 		}
-		sort `out' `what'
-		by `out' `what': generate long `count' = _N
-		by `out' `what': generate long `number' = _n == 1
-		replace `number' = sum(`number')
 		count if !`out'
 		local n = r(N)
 		if !`n' {
 			noisily error 2000
 		}
+		sort `out' `what'
+		by `out' `what': generate long `count' = _N
+		by `out' `what': generate long `number' = _n == 1
+		replace `number' = sum(`number')
 		* numbers as they are can end a name only if they are whole and not negative
 		if "`sequential'" == "" & !`string' {
 			count if !`out' & (`what' < 0 | `what' != int(`what') | `what' >= 1e9)
@@ -73,17 +74,11 @@ program define Make, sortpreserve
 				label values `new' `l'
 			}
 			Value `what' `at`j'' `string'
-			local text `"`by' == `value'"'
+			local text = _local(by) + " == " + _local(value)
 			if "`what'" == "`group'" {
-				local text `"`by'"'
-				if !`group'[`at`j''] {
-					local text `"!(`by')"'
-				}
+				local text = cond(`group'[`at`j''], _local(by), "!(" + _local(by) + ")")
 			}
-			if "`shortlabel'" == "" {
-				local text `"`x', `text'"'
-			}
-			label variable `new' `"`text'"'
+			label variable `new' = cond("`shortlabel'" == "", "`x', ", "") + _local(text)
 		}
 	}
 	restore, not
@@ -94,16 +89,15 @@ end
 program define Value
 	args what at string
 	if `string' {
-		local value = `what'[`at']
-		c_local value `""`value'""'
+		c_local value = char(34) + `what'[`at'] + char(34)
 		exit
 	}
 	local f : format `what'
 	local l : value label `what'
-	local value = trim(string(`what'[`at'], "`f'"))
+	local value = trim(string(`what'[`at'], _local(f)))
 	local whole = `what'[`at']
 	if "`l'" != "" {
 		local value : label `l' `whole'
 	}
-	c_local value `"`value'"'
+	c_local value : local value
 end

@@ -74,6 +74,7 @@ program define Range
 	if index("`name'", "-") {
 		local 0 `name'
 		capture syntax newvarlist
+		error _rc == 1
 		if _rc {
 			syntax varlist
 		}
@@ -139,14 +140,14 @@ program define Stack
 	local k : word count `*'
 	local groups = `k' / `n'
 	tempfile all
-	quietly save `all'
+	quietly save `all', internal
 	forvalues g = 1/`groups' {
-		quietly use `all', clear
+		quietly use `all', internal
 		Part `g' "`into'" "`types'" "`wide'" `*'
 		tempfile part`g'
-		quietly save `part`g''
+		quietly save `part`g'', internal
 	}
-	quietly use `part1', clear
+	quietly use `part1', internal
 	forvalues g = 2/`groups' {
 		quietly append using `part`g''
 	}
@@ -179,15 +180,15 @@ program define Part
 	format _stack %8.0g
 end
 
-* Format and labels of what a new variable is made from.
+* Format, labels and characteristics of what a new variable is made from.
 program define Dress
 	args new old
-	local label : variable label `old'
-	label variable `new' `"`label'"'
+	label variable `new' : variable label `old'
 	local f : format `old'
 	format `new' `f'
 	local values : value label `old'
 	if "`values'" != "" {
 		label values `new' `values'
 	}
+	_charcopy `new' `old'
 end

@@ -36,8 +36,8 @@ end
 * Checks and sorts before anything is declared: whole, nonmissing times, none twice in a panel.
 program define Declare
 	args panel time
-	capture assert `time' == int(`time')
-	if _rc {
+	quietly count if `time' != int(`time')
+	if r(N) {
 		error 451
 	}
 	sort `panel' `time'
@@ -45,8 +45,8 @@ program define Declare
 	if "`panel'" != "" {
 		local same "& `panel' == `panel'[_n-1]"
 	}
-	capture assert `time' != `time'[_n-1] if _n > 1 `same'
-	if _rc {
+	quietly count if `time' == `time'[_n-1] & _n > 1 `same'
+	if r(N) {
 		display as error "repeated time values"
 		exit 451
 	}

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 #include <vector>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"

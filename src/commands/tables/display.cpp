@@ -1,6 +1,7 @@
 // display: a list of directives, literals and expressions, read token by token through a table.
 #include <algorithm>
 #include <string>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -54,7 +55,7 @@ struct displaystate {
 };
 
 Int4 putitem(displaystate& s, std::string_view text) {
-    s.column += Int4(text.size());
+    s.column += textcolumns(text);
     if (s.buffer) {
         s.buffer->append(text);
         return 0;

@@ -27,7 +27,7 @@ constexpr const char* statuswords[] = {
     "type",    "level",       "dp",       "rmsg",     "trace", "more",    "linesize", "pagesize",
     "linegap", "varlabelpos", "graphics", "textsize", "beep",  "virtual", "seed",     "sortseed",
     "memory",  "maxvar",      "matsize",  "adosize",  "beta",  "debug",   "pollrate", "polltime",
-    "entries", "scrollbufsize",
+    "entries", "scrollbufsize", "colors",
 };
 constexpr const char* filewords[] = {
     "logtype",  "prefix",   "loghelp",   "charset",       "checksum",      "unlinktimeout",

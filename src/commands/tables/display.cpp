@@ -55,7 +55,7 @@ struct displaystate {
 };
 
 Int4 putitem(displaystate& s, std::string_view text) {
-    s.column += textcolumns(text);
+    s.column += s.buffer ? Int4(text.size()) : textcolumns(text);
     if (s.buffer) {
         s.buffer->append(text);
         return 0;
@@ -206,8 +206,8 @@ Int4 takerequest() {
     }
     prtflush();
     std::string line(std::size_t(macrolen), 0);
-    Int4 n = typedline(line.data(), macrolen);
-    if (n >= 0) prtraw("\n");
+    Int4 n = typedline(line.data(), macrolen, true);
+    if (n >= 0) prttyped("", typedlineshows());
     return macroset(name, {line.data(), std::size_t(n < 0 ? 0 : n)});
 }
 

@@ -31,7 +31,7 @@ boolean writefailed = false;
 void outputfailed() {
     writefailed = true;
     if (errno != EPIPE && errno != EIO) return;
-    endpending = endpending ? endpending : 1;
+    if (!endpending) endpending = SIGPIPE;
     breakpending = breakswitch;
 }
 
@@ -119,8 +119,12 @@ boolean pagekey(std::string_view sequence) {
 Int4 answerkey(const UByte* record) {
     keystroke key;
     while (true) {
-        if (keys_waiting() && keys_commandsahead(false)) return ' ';
         keys_next(key);
+        if (key.kind == key_byte || key.kind == key_sequence) {
+            keys_unread(key.bytes);
+            if (keys_commandsahead(false)) return ' ';
+            keys_next(key);
+        }
         switch (key.kind) {
         case key_byte: return UByte(key.bytes[0]);
         case key_sequence:

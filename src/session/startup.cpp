@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -304,7 +305,7 @@ Int4 session_main() {
         }
     if (lastrc && !isterminal(0)) exitstatus = 1;
     shutdown(0);
-    return endpending > 1 ? 128 + endpending : exitstatus;
+    return endpending && endpending != SIGPIPE ? 128 + endpending : exitstatus;
 }
 
 void shutdown(Int4 code) {

@@ -8,6 +8,7 @@ A .test file holds cases:
     --- args          (optional) arguments instead of -q
     --- stdin         (optional) typed lines instead of those of the session
     --- exit N        (optional) the exit status; otherwise 1 when the last command failed, else 0
+    --- locale NAME   (optional) C otherwise
     --- outfile NAME  (optional, repeatable) the text of a file that must stand there afterwards
     --- session       lines that begin ". " are typed; all others must come back exactly, `...` skips any number,
                       `~regex` matches one line. Trailing blanks and empty lines at the ends don't count.
@@ -67,6 +68,7 @@ def compare(want, got):
 def run(case, program):
     work = tempfile.mkdtemp(prefix="vt")
     try:
+        locale = next((arg for kind, arg, _ in case["sections"] if kind == "locale"), "C")
         args, session, typed, status, outfiles = ["-q"], [], None, None, []
         for kind, arg, lines in case["sections"]:
             text = "\n".join(lines) + "\n"
@@ -81,7 +83,7 @@ def run(case, program):
             elif kind == "outfile": outfiles.append((arg, text))
             elif kind == "session": session = lines
         if typed is None: typed = "".join(l[2:] + "\n" for l in session if l.startswith(". "))
-        environment = dict(os.environ, HOME=work, TEMP=work, TERM="dumb")
+        environment = dict(os.environ, HOME=work, TEMP=work, TERM="dumb", LC_ALL=locale)
         for name in ("VELMO", "VELMOTMP", "S_ADO"): environment.pop(name, None)
         p = subprocess.run([program] + args, input=typed.encode("latin-1"), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                            cwd=work, env=environment, timeout=120)

@@ -80,6 +80,10 @@ def window(work):
     s = session(work, size=(30, 100))
     s.ask(b"query linesize", b"linesize 100\n"); s.ask(b"query pagesize", b"pagesize 29\n")
     s.resize(20, 50); s.ask(b"query linesize", b"linesize 50\n")
+    s.send(b"display \"%s" % (b"c" * 60)); s.wait(b"\x08c{20}"); s.resize(20, 40)
+    while b"\x1b[1A\r\x1b[J" not in s.raw: assert s.read()
+    s.ask(b"\"", b"\nc{40}\n> c{20}\n")
+    s.resize(20, 50); s.ask(b"query linesize", b"linesize 50\n"); s.raw, s.seen = b"", 0
     s.ask(b"display \"%s\"" % (b"a" * 48 + b"b" * 40), b"\na{48}bb\n> b{38}\n"); same(s.shown().count(b"\n> "), 1)
     s.send(b"set linesize 70\rset pagesize 0\r"); s.resize(20, 120); s.ask(b"query linesize", b"linesize 70\n")
     s.ask(b"query pagesize", b"pagesize 0\n"); s.send(b"set linesize\r"); s.ask(b"query linesize", b"linesize 120\n")

@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include "base/platform.h"
 #include "base/poll.h"
+#include "base/saved.h"
 #include "base/text.h"
 
 namespace velmo {
@@ -172,7 +173,11 @@ void keys_next(keystroke& key) {
 }
 
 boolean keys_inpaste() { return inpaste; }
-boolean keys_waiting() { return !ahead().empty() || await(0) > 0; }
+
+boolean keys_lineahead() {
+    gather(0);
+    return ahead().find_first_of("\r\n") != std::string_view::npos;
+}
 
 void keys_unread(std::string_view bytes) {
     queue = std::string(bytes) + std::string(ahead());
@@ -202,7 +207,9 @@ Int4 keys_queued() {
 }
 
 std::string keys_ask(std::string_view question) {
+    boolean before = open;
     if (!keys_open()) return "";
+    onexit giveback([before] { if (!before) keys_close(); });
     gather(0);
     std::size_t from = queue.size();
     std::string whole = std::string(question) + "\033[c";

@@ -36,7 +36,7 @@ void keys_lend(boolean toprogram);   // to a program that the session runs, and 
 void keys_marks(boolean on);         // the terminal marks what is pasted
 void keys_next(keystroke& key);      // waits
 boolean keys_inpaste();              // the last key was part of a paste
-boolean keys_waiting();              // something has come behind the last key
+boolean keys_lineahead();             // the rest of a line has come behind the last key: nobody types as fast
 void keys_unread(std::string_view bytes);
 // True when what has come is text for commands and not keys for a pause: a paste, a line that holds more than such keys,
 // or, when it came `before` the pause, any other text.

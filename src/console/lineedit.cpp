@@ -246,7 +246,7 @@ unsigned char completeword(EditLine*, int) {
     const LineInfo* line = el_line(editor);
     std::string before(line->buffer, line->cursor);
     char next = line->cursor < line->lastchar ? *line->cursor : 0;
-    if (textline || keys_inpaste() || keys_waiting()) {          // part of a text
+    if (textline || keys_inpaste() || keys_lineahead()) {          // part of a text
         el_insertstr(editor, "\t");
         return CC_REFRESH;
     }

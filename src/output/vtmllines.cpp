@@ -153,8 +153,13 @@ void finishbegun(vstream* s, std::string_view& text, UByte style) {
     if (l.n - had < runstart) return;
     std::memcpy(whole, l.text + l.n - had, std::size_t(had));
     std::memcpy(whole + had, text.data(), more);
-    textchar c = charat({whole, std::size_t(had) + more});
-    if (c.bytes <= had) return;
+    std::string_view joined(whole, std::size_t(had) + more);
+    if (unfinishedbytes(joined) == Int4(joined.size())) {        // whether it fits shows when it is whole
+        rawput(s, text, style);
+        text = {};
+    }
+    textchar c = charat(joined);
+    if (c.bytes <= had || text.empty()) return;
     l.n -= had;
     l.columns -= had;
     l.runend[l.nruns - 1] = UByte(l.n);

@@ -9,6 +9,7 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/upcalls.h"
 #include "core/webfile.h"
 #include "data/dataset.h"
 #include "data/preserve.h"
@@ -213,7 +214,7 @@ void enter(Int4 mode) {
 }
 
 void leave(Int4 mode, frame& f) {
-    if (preserveslot >= 0) preserve_restore(false);
+    if (preserveslot >= 0) shuttingdown ? preserve_cancel() : preserve_restore(false);
     preserveslot = f.preserved;
     if (mode == level_program) {
         object* o = runningprogram();

@@ -14,7 +14,9 @@ boolean continues(char c) { return (UByte(c) & 0xC0) == 0x80; }
 // Bytes of the sequence that a byte above 127 begins; 0 when it begins none.
 Int4 sequencelength(UByte lead) { return lead < 0xC2 || lead > 0xF4 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4; }
 
-std::string blanks(std::string_view text, Int4 n) { return std::string(std::size_t(std::max(n - textcolumns(text), 0)), ' '); }
+std::string blanks(std::string_view text, Int4 n) {
+    return std::string(std::size_t(std::max(n - textcolumns(text), 0)), ' ');
+}
 
 }  // namespace
 

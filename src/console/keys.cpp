@@ -37,8 +37,8 @@ void take(std::size_t n) {
     taken = 0;
 }
 
-// Waits for a byte: 1 there is one, 0 not within ms (-1: however long), -1 a signal came. A signal that comes before the
-// wait begins counts too.
+// Waits for a byte: 1 there is one, 0 not within ms (-1: however long), -1 a signal came. A signal that comes before
+// the wait begins counts too.
 Int4 await(Int4 ms) {
     sigset_t held, before;
     sigemptyset(&held);

@@ -129,12 +129,13 @@ void wake() {
     el_set(editor, EL_REFRESH);
 }
 
-// What the editor gets for a sequence; empty for those that mean nothing. Its own bindings would take the first bytes of
-// a sequence that they don't know and type the rest.
+// What the editor gets for a sequence; empty for those that mean nothing. Its own bindings would take the first bytes
+// of a sequence that they don't know and type the rest.
 std::wstring_view meaning(std::string_view sequence) {
     static constexpr struct { std::string_view keys; std::wstring_view fed; } plain[] = {
         {"A", L"\x10"}, {"B", L"\x0E"}, {"C", L"\x06"}, {"D", L"\x02"}, {"H", L"\x01"}, {"F", L"\x05"},
-        {"1~", L"\x01"}, {"7~", L"\x01"}, {"4~", L"\x05"}, {"8~", L"\x05"}, {"3~", L"\033[3~"}, {"c", L"\033f"}, {"d", L"\033b"},
+        {"1~", L"\x01"}, {"7~", L"\x01"}, {"4~", L"\x05"}, {"8~", L"\x05"}, {"3~", L"\033[3~"},
+        {"c", L"\033f"}, {"d", L"\033b"},
     };
     boolean alt = sequence.substr(0, 2) == "\033\033";
     if (alt) sequence.remove_prefix(1);

@@ -14,7 +14,11 @@ struct clocktime { Int4 year, month, day, hour, minute, second; };   // month 1 
 std::int64_t clockms();                  // milliseconds of a clock that never goes back
 clocktime localclock();
 void sleepms(Int4 ms);                   // returns early on a signal
-// SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE and SIGXFSZ are ignored.
+// SIGINT, SIGABRT, SIGTERM and SIGHUP store into breakpending, the last two into endpending too; SIGPIPE and SIGXFSZ
+// are ignored.
+// Opens the null device on what is missing of standard input, output and error.
+void openstandardfiles();
+boolean isterminal(Int4 fd);
 void installsignals();
 
 // Files. openread and so on return a descriptor, or -1 with the reason in openfailure.

@@ -107,7 +107,7 @@ Int4 groupend(Int4 first) {
 // A by-variable's value as the heading shows it.
 std::string shownvalue(Int4 var, Int4 obs) {
     if (isstring(var)) {
-        fmtstr(fmt[var - 1], strcell(var, obs), true);
+        fmtshown(fmt[var - 1], strcell(var, obs), true);
     } else {
         vallabel label;
         if (lbl[var - 1][0]) vl_load(lbl[var - 1], label);

@@ -119,6 +119,7 @@ Int4 readbody(body& b, boolean braces) {
     }
     while (true) {
         numberprompt(Int4(b.offsets.size()) + 1);
+        saved text(typingtext, UByte(1));
         if (nextline(0)) return breakpending ? 1 : error(612);
         if (!braces && isend()) return 0;
         if (Int4 rc = takeline(b)) return rc;

@@ -68,7 +68,7 @@ Int4 runrow(const command& row) {
 }  // namespace
 
 Int4 dispatch() {
-    if (shuttingdown) {
+    if (shuttingdown || endpending) {
         hardexit = exitflag = 1;
         return 0;
     }
@@ -114,7 +114,7 @@ void report(std::int64_t starttime) {
 
 // std::bad_alloc from small work space ends here, after the guards have run.
 Int4 docmd() {
-    if (shuttingdown) {
+    if (shuttingdown || endpending) {
         hardexit = exitflag = 1;
         return 0;
     }

@@ -119,8 +119,8 @@ Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean is
     return opened(openwaiting(name, flags, ispublic ? 0666 : 0644));
 }
 
-Int4 fileopenprivate(const char* name) {
-    int fd = open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+Int4 fileopenprivate(const char* name, boolean append) {
+    int fd = open(name, O_WRONLY | O_CREAT | O_CLOEXEC | (append ? O_APPEND : O_TRUNC), 0600);
     if (fd >= 0) fchmod(fd, 0600);
     return opened(fd);
 }

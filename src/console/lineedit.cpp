@@ -59,11 +59,11 @@ void remember(const std::string& line) {
 // Lines are appended as they are typed, so sessions that run at one time keep all of each other's.
 void append(const std::string& lines, boolean fresh) {
     std::string folder = historyfolder(), name = folder + "/history";
-    Int4 fd = fileopenwrite(name.c_str(), fresh, !fresh, false);
+    Int4 fd = fileopenprivate(name.c_str(), !fresh);
     if (fd < 0) {
         makedir((homedir() + "/.config").c_str(), false);
         makedir(folder.c_str(), false);
-        fd = fileopenwrite(name.c_str(), fresh, !fresh, false);
+        fd = fileopenprivate(name.c_str(), !fresh);
     }
     if (fd < 0) return;
     filewrite(fd, lines.data(), lines.size());

@@ -310,7 +310,7 @@ Int4 puttextvalue(writing& w) {
         return put(w, std::string(dbuf, std::size_t(fmtstr(form.c_str(), {text, std::size_t(n)}, false))));
     }
     boolean own = !format.empty() && chkfmt(format, 11) == 0;
-    fmtnum(own ? format.c_str() : defaultfmt, exp_getnum(eqexp, 1));
+    fmtread(own ? format.c_str() : defaultfmt, exp_getnum(eqexp, 1));
     return put(w, std::string(own ? std::string_view(dbuf) : trimmed(dbuf)));
 }
 

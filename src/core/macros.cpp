@@ -10,6 +10,14 @@ namespace {
 Int4 macrotype(std::string_view name) { return !name.empty() && name[0] == '_' ? macrolevel : obj_global; }
 }  // namespace
 
+Int4 macronamelimit() { return version < 700 ? 8 : namelen; }
+
+std::string macroname(std::string_view name, boolean local) {
+    std::string stored = (local ? "_" : "") + std::string(name);
+    if (version < 700 && stored.size() > 8) stored.resize(8);
+    return stored;
+}
+
 const char* macroget(std::string_view name) {
     object* o = objfind(name, macrotype(name));
     return o ? reinterpret_cast<const char*>(o->data()) : nullptr;

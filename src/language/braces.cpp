@@ -42,11 +42,15 @@ std::size_t behindcompound(std::string_view text, std::size_t i) {
 
 }  // namespace
 
+std::size_t behindquote(std::string_view line, std::size_t i) {
+    if (line[i] == '"') return std::min(line.find('"', i + 1), line.size() - 1) + 1;
+    return line.substr(i, 2) == "`\"" ? behindcompound(line, i) : i + 1;
+}
+
 // Where the walk goes on behind a quote, a reference or an escape that begins at i.
 std::size_t bracewalk::behind(std::size_t i) {
     char c = text[i], next = i + 1 < text.size() ? text[i + 1] : char(0);
-    if (c == '"') return std::min(text.find('"', i + 1), text.size() - 1) + 1;
-    if (c == '`' && next == '"') return behindcompound(text, i);
+    if (c == '"' || (c == '`' && next == '"')) return behindquote(text, i);
     if (c == '\\') return i + (next == '`' || next == '$' ? 2 : 1);
     if (c == '$' && next != '{') return i + 1;
     if (partners.empty()) {

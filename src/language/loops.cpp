@@ -260,7 +260,7 @@ Int4 readrange(range& r) {
 }
 
 Int4 localname(std::string& name) {
-    name = std::string("_") + nexttoken();
+    name = macroname(nexttoken(), true);
     return validname(name) ? 0 : badname(name.substr(1));
 }
 
@@ -360,9 +360,9 @@ Int4 freenames(std::string& text) {
     return 0;
 }
 
-Int4 macroname(fragment& f, boolean local) {
+Int4 listmacro(fragment& f, boolean local) {
     std::string name = nexttoken();
-    f.macro = local ? "_" + name : name;
+    f.macro = macroname(name, local);
     return validname(f.macro) ? 0 : badname(name);
 }
 
@@ -379,8 +379,8 @@ Int4 numbers(std::string_view list, std::string& text) {
 
 Int4 oflist(fragment& f, char* brace) {
     switch (lookup(listkinds, nexttoken())) {
-    case list_local: return onlist(brace, [&] { return macroname(f, true); });
-    case list_global: return onlist(brace, [&] { return macroname(f, false); });
+    case list_local: return onlist(brace, [&] { return listmacro(f, true); });
+    case list_global: return onlist(brace, [&] { return listmacro(f, false); });
     case list_varlist: return onlist(brace, [&] { return existingnames(f.text); });
     case list_newlist: return onlist(brace, [&] { return freenames(f.text); });
     case list_numlist: return numbers(trimmed({tokpos, std::size_t(brace - tokpos)}), f.text);

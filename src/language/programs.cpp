@@ -69,16 +69,15 @@ struct body {
     std::string text;
 };
 
-// Leading blanks become a byte, runs of blanks outside double quotes one blank, a trailing blank goes.
-void appendline(body& b, const char* line) {
-    std::size_t indent = std::strspn(line, " ");
+// Leading blanks become a byte, runs of blanks outside quotes one blank, a trailing blank goes.
+void appendline(body& b, std::string_view line) {
+    std::size_t indent = std::min(line.find_first_not_of(' '), line.size());
     b.offsets.push_back(UInt4(b.text.size()));
     b.text += char(std::min<std::size_t>(indent, 255));
-    boolean quoted = false;
-    for (const char* p = line + indent; *p; p++) {
-        if (*p == '"') quoted = !quoted;
-        if (*p == ' ' && !quoted && (p[1] == ' ' || !p[1])) continue;
-        b.text += *p;
+    for (std::size_t i = indent, end; i < line.size(); i = end) {
+        end = behindquote(line, i);
+        if (line[i] == ' ' && (i + 1 == line.size() || line[i + 1] == ' ')) continue;
+        b.text += line.substr(i, end - i);
     }
     b.text += '\0';
 }

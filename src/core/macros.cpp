@@ -1,5 +1,4 @@
 #include "core/macros.h"
-#include "base/state.h"
 #include "core/objects.h"
 
 namespace velmo {
@@ -9,8 +8,6 @@ Int4 macrolevel = obj_local;
 namespace {
 Int4 macrotype(std::string_view name) { return !name.empty() && name[0] == '_' ? macrolevel : obj_global; }
 }  // namespace
-
-Int4 macronamelimit() { return version < 700 ? 8 : namelen; }
 
 std::string macroname(std::string_view name, boolean local) {
     std::string stored = (local ? "_" : "") + std::string(name);

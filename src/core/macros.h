@@ -3,7 +3,7 @@
 #pragma once
 #include <string>
 #include <string_view>
-#include "base/types.h"
+#include "base/state.h"
 
 namespace velmo {
 
@@ -11,7 +11,7 @@ namespace velmo {
 extern Int4 macrolevel;                // 20000 at the console, one more for each level
 
 // The longest stored name that references read under the present version: 32 characters, 8 below version 7.
-Int4 macronamelimit();
+inline Int4 macronamelimit() { return version < 700 ? 8 : namelen; }
 // The stored name of the macro that a command is told to set: a local's with its _. Below version 7 it is cut, since
 // references are; from 7 on a name too long is for validname() to refuse.
 std::string macroname(std::string_view name, boolean local);

@@ -107,7 +107,7 @@ char* findbrace(char* text, boolean needed) {
 
 boolean elsebehind(const char* text) {
     while (*text == ' ') text++;
-    return std::strncmp(text, "else", 4) == 0 && !isnamechar(text[4]);
+    return *text == 'e' && std::strncmp(text, "else", 4) == 0 && !isnamechar(text[4]);
 }
 
 std::string_view wordbehindprefixes(char* text) {

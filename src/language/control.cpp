@@ -93,15 +93,31 @@ Int4 skipblocks(Int4 depth, Int4 result) {
     }
 }
 
-// An else behind the brace that ended a block which was run: an error, and what it opens is passed over.
-Int4 elseblock(std::string text, Int4 result) {
-    if (!result) result = strayelse();
-    if (Int4 depth = blocksopened(text.data())) {
-        cmdbuf[0] = 0;
-        currentline = nullptr;
-        return skipblocks(depth, result);
+// Obeys the line in cmdbuf; false when an exit leaves the block.
+boolean obeyline(Int4& rc) {
+    rc = 0;
+    settokpos(cmdbuf);
+    if (tokpeeknonblank()) {
+        if (!docmd()) {
+            exitflag = 1;
+            return false;
+        }
+        rc = lastrc;
     }
-    return result;
+    currentline = nullptr;
+    return true;
+}
+
+// The last line of a block with an else behind its brace: an error, and what the else opens is passed over.
+Int4 runwithelse(Int4 end) {
+    std::string rest = cmdbuf + end + 1;
+    cmdbuf[end] = 0;
+    Int4 rc;
+    if (!obeyline(rc)) return 0;
+    if (!rc) rc = strayelse();
+    Int4 depth = blocksopened(rest.data());
+    cmdbuf[0] = 0;
+    return depth ? skipblocks(depth, rc) : rc;
 }
 
 // What is left of a block behind a line that ended it early; cmdbuf holds what that line left.
@@ -134,22 +150,12 @@ Int4 blockrun() {
     while (true) {
         if (breakpending) return skiprest(1);
         Int4 end = ownbrace();
-        std::string rest;
         if (end >= 0) {
-            if (elsebehind(cmdbuf + end + 1)) rest = cmdbuf + end + 1;
+            if (elsebehind(cmdbuf + end + 1)) return runwithelse(end);
             cmdbuf[end] = 0;
         }
-        settokpos(cmdbuf);
-        Int4 rc = 0;
-        if (tokpeeknonblank()) {
-            if (!docmd()) {
-                exitflag = 1;
-                return 0;
-            }
-            rc = lastrc;
-        }
-        currentline = nullptr;
-        if (!rest.empty()) return elseblock(rest, rc);
+        Int4 rc;
+        if (!obeyline(rc)) return 0;
         if (end >= 0) return breakpending ? 1 : rc;
         if (rc || !execflag) return skipbehind(rc);
         if (nextline(1)) return breakpending ? 1 : 0;

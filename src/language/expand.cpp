@@ -44,9 +44,9 @@ struct scan {
     Int4 depth = 0;
     Int4 rc = 0;                    // 920 once the line can't be expanded
     Int4 behind = 0;                // where the last reference ends that was looked at whole and changed nothing
-    partnerless quotes{'`', '\''}, braces{'{', '}'};
 };
 scan s;
+partnerless quotes{'`', '\''}, braces{'{', '}'};
 
 Int4 toomany() {
     if (!s.rc) s.rc = error(920);
@@ -63,8 +63,8 @@ boolean put(Int4 p, Int4 n, std::string_view value) {
     std::memmove(cmdbuf + p + value.size(), cmdbuf + p + n, std::size_t(s.len - p - n) + 1);
     if (!value.empty()) std::memcpy(cmdbuf + p, value.data(), value.size());
     s.tail = std::min(s.tail, s.len - p - n);
-    s.quotes.known = std::min(s.quotes.known, s.len - p - n);
-    s.braces.known = std::min(s.braces.known, s.len - p - n);
+    if (quotes.known || braces.known)
+        for (partnerless* of : {&quotes, &braces}) of->known = std::min(of->known, s.len - p - n);
     s.len = Int4(len);
     return true;
 }
@@ -90,12 +90,12 @@ void findpartnerless(Int4 p, partnerless& of) {
 }
 
 // The partner of the opening character at p, counting those between; -1 without one.
-Int4 partner(Int4 p, partnerless& of) {
-    if (of.holds(s.len - p)) return -1;
+template <char open, char close> Int4 partner(Int4 p, partnerless& of) {
+    if (of.known && of.holds(s.len - p)) return -1;
     Int4 depth = 0;
-    for (Int4 i = p; i < s.len; i++) {
-        if (cmdbuf[i] == of.open) depth++;
-        if (cmdbuf[i] == of.close && --depth == 0) return i;
+    for (Int4 i = p; cmdbuf[i]; i++) {
+        if (cmdbuf[i] == open) depth++;
+        if (cmdbuf[i] == close && --depth == 0) return i;
     }
     findpartnerless(p, of);
     return -1;
@@ -123,7 +123,7 @@ template <class F> Int4 expandinside(Int4 from, F close) {
 
 boolean bracedglobal(Int4 p, boolean& inserted) {
     Int4 open = p + 1;
-    Int4 close = expandinside(open + 1, [open] { return partner(open, s.braces); });
+    Int4 close = expandinside(open + 1, [open] { return partner<'{', '}'>(open, braces); });
     if (close < 0) return false;
     Int4 n = nameend(open + 1);
     std::string value;
@@ -243,7 +243,7 @@ boolean insidevalue(Int4 p, Int4 close, std::string& value, std::string_view& st
 
 boolean localreference(Int4 p, boolean& inserted) {
     if (cmdbuf[p + 1] == '"') return false;
-    Int4 close = expandinside(p + 1, [p] { return partner(p, s.quotes); });
+    Int4 close = expandinside(p + 1, [p] { return partner<'`', '\''>(p, quotes); });
     std::string value;
     std::string_view stored;
     if (close < 0) return false;
@@ -345,6 +345,7 @@ Int4 expandmacros(const linemarks& marks) {
     if (!execflag) return 0;
     settokpos(cmdbuf);
     s = {};
+    quotes.known = braces.known = 0;
     boolean known = marks.length >= 0 && version >= 320;
     s.len = known ? marks.length : Int4(std::strlen(cmdbuf));
     s.tail = known ? marks.behind : 0;

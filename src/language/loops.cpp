@@ -27,7 +27,7 @@ namespace velmo {
 boolean looppeek() {
     static constexpr keyword loops[] = {{"forvalues", 4, 0}, {"foreach", 7, 0}, {"while", 2, 0}};
     std::string_view word = wordbehindprefixes(cmdbuf);
-    while (word == "{") word = wordbehindprefixes(tokpos);
+    for (Int4 depth = 0; word == "{" && depth < maxturns; depth++) word = wordbehindprefixes(tokpos);
     boolean loop = lookup(loops, word) >= 0;
     settokpos(cmdbuf);
     return loop;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include "base/columns.h"
+#include "base/saved.h"
 #include "base/text.h"
 #include "output/fmtparts.h"
 
@@ -151,14 +152,18 @@ Int4 fmtnum(const char* fmt, Double value) {
     return f.route == by_date || f.route == by_period ? dateform(f, value) : numberform(f, value);
 }
 
+Int4 fmtread(const char* fmt, Double value) {
+    saved point(dpcomma, UByte(0));
+    return fmtnum(fmt, value);
+}
+
 Int4 fmttrimmed(const char* fmt, Double value, char* out) {
     const fmtparts& f = partsof(fmt);
     quicktext text;
     if (f.wholes && value > -1e15 && value < 1e15 && value == Double(std::int64_t(value)))
         return Int4(std::to_chars(out, out + 20, std::int64_t(value)).ptr - out);
-    boolean swap = f.spec.dpcomma || dpcomma;
-    if (f.quick && !swap && quicknumber(f, value, text)) return Int4(putquick(out, text, value < 0) - out);
-    std::string_view whole = trimmed({dbuf, std::size_t(fmtnum(fmt, value))});
+    if (f.quick && !f.spec.dpcomma && quicknumber(f, value, text)) return Int4(putquick(out, text, value < 0) - out);
+    std::string_view whole = trimmed({dbuf, std::size_t(fmtread(fmt, value))});
     std::memcpy(out, whole.data(), whole.size());
     return Int4(whole.size());
 }

@@ -38,10 +38,12 @@ Int4 chkfmt(std::string_view fmt, Int4 kind, fmtspec* spec = nullptr);
 // The decimal image of x, which must be finite.
 void decimalimage(Double x, digrec& out);
 
-// Renders value into dbuf by a format that passed chkfmt, and returns its length.
+// Renders value for people into dbuf by a format that passed chkfmt, and returns its length.
 Int4 fmtnum(const char* fmt, Double value);
-
-// The same without the blanks at either end into `out`, which holds 512 bytes; dbuf may or may not change.
+// The same for programs, which read the text back: with a point whatever `set dp` says (a comma in the format itself
+// stays one). What goes into macros, strings, files and lists is rendered by these two.
+Int4 fmtread(const char* fmt, Double value);
+// fmtread without the blanks at either end into `out`, which holds 512 bytes; dbuf may or may not change.
 Int4 fmttrimmed(const char* fmt, Double value, char* out);
 
 // Renders `text` by a string format into dbuf: padded to the width, cut to it only when `cut`.

@@ -199,7 +199,7 @@ Int4 takenewline(displaystate& s) {
 Int4 takerequest() {
     char *begin, *end;
     if (!parenthesized(&begin, &end)) return error(198);
-    std::string name(trimmed({begin, std::size_t(end - begin)}));
+    std::string name = macroname(trimmed({begin, std::size_t(end - begin)}), false);
     if (!validname(name)) return badname(name);
     if (batchmode) {
         macroclear(name);

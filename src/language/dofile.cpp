@@ -21,6 +21,17 @@ UByte eofseen = 0;
 UByte typingtext = 0;
 Int4 openreaders = 0;
 
+namespace {
+
+// A UTF-8 mark at the start is no part of the first line. Of a pipe's first bytes no more than there are is waited for.
+void passmark(doreader& r) {
+    Pint n = fileread(r.handle, r.buf, sizeof r.buf);
+    r.len = n > 0 ? Int4(n) : 0;
+    if (r.len >= 3 && std::memcmp(r.buf, "\xEF\xBB\xBF", 3) == 0) r.pos = 3;
+}
+
+}  // namespace
+
 Int4 doreader_open(doreader& r, const char* name) {
     if (openreaders >= maxreaders) return error(1000);
     r.handle = webopen(name, web_binary | web_textread);
@@ -28,6 +39,7 @@ Int4 doreader_open(doreader& r, const char* name) {
     r.pos = r.len = r.column = 0;
     r.pushback = -1;
     openreaders++;
+    passmark(r);
     return 0;
 }
 

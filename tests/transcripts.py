@@ -7,7 +7,8 @@ A .test file holds cases:
     --- file NAME     (optional, repeatable) a file of the work folder; \\xHH, \\n, \\r, \\t, \\0, \\\\ in NAME.bin
     --- args          (optional) arguments instead of -q
     --- stdin         (optional) typed lines instead of those of the session
-    --- exit N        (optional) the exit status, 0 otherwise
+    --- exit N        (optional) the exit status; otherwise 1 when the last command failed, else 0
+    --- locale NAME   (optional) C otherwise
     --- outfile NAME  (optional, repeatable) the text of a file that must stand there afterwards
     --- session       lines that begin ". " are typed; all others must come back exactly, `...` skips any number,
                       `~regex` matches one line. Trailing blanks and empty lines at the ends don't count.
@@ -67,7 +68,8 @@ def compare(want, got):
 def run(case, program):
     work = tempfile.mkdtemp(prefix="vt")
     try:
-        args, session, typed, status, outfiles = ["-q"], [], None, 0, []
+        locale = next((arg for kind, arg, _ in case["sections"] if kind == "locale"), "C")
+        args, session, typed, status, outfiles = ["-q"], [], None, None, []
         for kind, arg, lines in case["sections"]:
             text = "\n".join(lines) + "\n"
             if kind == "file":
@@ -81,11 +83,12 @@ def run(case, program):
             elif kind == "outfile": outfiles.append((arg, text))
             elif kind == "session": session = lines
         if typed is None: typed = "".join(l[2:] + "\n" for l in session if l.startswith(". "))
-        environment = dict(os.environ, HOME=work, TEMP=work, TERM="dumb")
+        environment = dict(os.environ, HOME=work, TEMP=work, TERM="dumb", LC_ALL=locale)
         for name in ("VELMO", "VELMOTMP", "S_ADO"): environment.pop(name, None)
         p = subprocess.run([program] + args, input=typed.encode("latin-1"), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                            cwd=work, env=environment, timeout=120)
         out = p.stdout.decode("latin-1").replace("\r\n", "\n").split("\n")
+        if status is None: status = int(([l for l in out if l.strip(" .")] or [""])[-1].startswith("r("))
         if p.returncode != status: return "exit status %d, want %d" % (p.returncode, status), out
         if case["compact"]: session, out = ([l for l in lines if l.strip()] for lines in (session, out))
         fault = compare(session, [l for l in out if l.rstrip() != "."] if not any(s.rstrip() == "." for s in session) else out)

@@ -43,6 +43,12 @@ int openwaiting(const char* name, int flags, mode_t mode = 0) {
     return fd;
 }
 
+// The session ends as soon as what runs has noticed a Break, and under nobreak behind it.
+void onend(int signal) {
+    endpending = signal;
+    breakpending = breakswitch;
+}
+
 Int4 opened(int fd) {
     openfailure = open_fine;
     if (fd >= 0) return fd;
@@ -80,10 +86,22 @@ void installsignals() {
     struct sigaction a{};
     a.sa_handler = onsignal;
     sigemptyset(&a.sa_mask);
-    for (int s : {SIGINT, SIGABRT, SIGTERM}) sigaction(s, &a, nullptr);
+    for (int s : {SIGINT, SIGABRT}) sigaction(s, &a, nullptr);
+    a.sa_handler = onend;
+    for (int s : {SIGTERM, SIGHUP}) {
+        struct sigaction old{};
+        if (sigaction(s, nullptr, &old) == 0 && old.sa_handler != SIG_IGN) sigaction(s, &a, nullptr);     // nohup
+    }
     a.sa_handler = SIG_IGN;
     for (int s : {SIGPIPE, SIGXFSZ}) sigaction(s, &a, nullptr);      // the write that failed tells it
 }
+
+void openstandardfiles() {
+    for (int fd = 0; fd <= 2; fd++)
+        if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", fd == 0 ? O_RDONLY : O_WRONLY) != fd) return;
+}
+
+boolean isterminal(Int4 fd) { return isatty(fd); }
 
 Int4 fileopenread(const char* name) {
     int fd = openwaiting(name, O_RDONLY | O_CLOEXEC);
@@ -101,8 +119,8 @@ Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean is
     return opened(openwaiting(name, flags, ispublic ? 0666 : 0644));
 }
 
-Int4 fileopenprivate(const char* name) {
-    int fd = open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+Int4 fileopenprivate(const char* name, boolean append) {
+    int fd = open(name, O_WRONLY | O_CREAT | O_CLOEXEC | (append ? O_APPEND : O_TRUNC), 0600);
     if (fd >= 0) fchmod(fd, 0600);
     return opened(fd);
 }

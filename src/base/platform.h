@@ -14,7 +14,11 @@ struct clocktime { Int4 year, month, day, hour, minute, second; };   // month 1 
 std::int64_t clockms();                  // milliseconds of a clock that never goes back
 clocktime localclock();
 void sleepms(Int4 ms);                   // returns early on a signal
-// SIGINT, SIGABRT, SIGTERM store into breakpending; SIGPIPE and SIGXFSZ are ignored.
+// Opens the null device on what is missing of standard input, output and error.
+void openstandardfiles();
+boolean isterminal(Int4 fd);
+// SIGINT, SIGABRT, SIGTERM and SIGHUP store into breakpending, the last two into endpending too; SIGPIPE and SIGXFSZ
+// are ignored.
 void installsignals();
 
 // Files. openread and so on return a descriptor, or -1 with the reason in openfailure.
@@ -22,7 +26,7 @@ enum openreason { open_fine, open_notfound, open_exists, open_refused, open_brok
 extern openreason openfailure;           // why the last open failed
 Int4 fileopenread(const char* name);
 Int4 fileopenwrite(const char* name, boolean replace, boolean append, boolean ispublic);  // else must be new
-Int4 fileopenprivate(const char* name);                   // to write, emptied; for this user's eyes only
+Int4 fileopenprivate(const char* name, boolean append);   // for this user's eyes only; emptied unless appended to
 Int4 fileopenboth(const char* name, boolean ispublic);    // to read and write; made when it isn't there
 // Bytes read, 0 at the end, -1 on an error, or when Break came while nothing was there to be read.
 Pint fileread(Int4 fd, void* out, std::size_t n);

@@ -4,6 +4,7 @@
 namespace velmo {
 
 volatile std::sig_atomic_t breakpending = 0;
+volatile std::sig_atomic_t endpending = 0;
 volatile std::sig_atomic_t breakswitch = 1;
 Int4 pollrate = 100;
 Int4 polltime = 10;

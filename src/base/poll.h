@@ -8,6 +8,7 @@ namespace velmo {
 
 // State
 extern volatile std::sig_atomic_t breakpending;   // nonzero once Break is honoured; cleared at each turn's start
+extern volatile std::sig_atomic_t endpending;     // the signal that ends the session, SIGPIPE: nobody reads it
 extern volatile std::sig_atomic_t breakswitch;    // what Break stores: 1, or 0 under nobreak
 extern Int4 pollrate;                             // loop rounds between polls, default 100
 extern Int4 polltime;                             // least milliseconds between looks at the platform, default 10

@@ -55,11 +55,6 @@ std::string_view rtrimmed(std::string_view text) {
 
 std::string_view trimmed(std::string_view text) { return ltrimmed(rtrimmed(text)); }
 
-std::string rightjustified(std::string_view text, std::size_t n) {
-    std::string out(text.size() < n ? n - text.size() : 0, ' ');
-    return out += text;
-}
-
 std::string_view fieldtext(const char* field, std::size_t size) {
     const void* zero = size ? std::memchr(field, 0, size) : nullptr;
     return {field, zero ? std::size_t(static_cast<const char*>(zero) - field) : size};

@@ -38,7 +38,6 @@ std::string_view rtrimmed(std::string_view text);
 std::string_view trimmed(std::string_view text);
 
 inline const char* plural(std::int64_t n) { return n == 1 ? "" : "s"; }
-std::string rightjustified(std::string_view text, std::size_t n);      // blanks ahead up to n columns
 
 // The text of a bounded field: up to its first zero, at most `size` bytes.
 std::string_view fieldtext(const char* field, std::size_t size);

@@ -5,16 +5,14 @@
 namespace velmo {
 
 boolean lineedit_ready() { return false; }
-boolean lineedit_read(const std::string&, std::string&) { return false; }
+Int4 lineedit_read(const std::string&, boolean, std::string&) { return -1; }
 
 }  // namespace velmo
 
 #else
 
 #include <algorithm>
-#include <cerrno>
 #include <clocale>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
@@ -22,9 +20,13 @@ boolean lineedit_read(const std::string&, std::string&) { return false; }
 #include <langinfo.h>
 #include <string_view>
 #include <unistd.h>
+#include "base/columns.h"
 #include "base/platform.h"
 #include "base/poll.h"
 #include "console/complete.h"
+#include "console/keys.h"
+#include "console/style.h"
+#include "core/upcalls.h"
 
 namespace velmo {
 
@@ -38,8 +40,11 @@ EditLine* editor = nullptr;
 History* past = nullptr;
 std::string lastentered;               // the newest line of the history
 std::string promptshape;
+Int4 promptcolumns = 0;
 std::string completedline;             // the line up to the cursor when Tab last found several candidates
-volatile std::sig_atomic_t resized, resumed;
+boolean textline = false;              // the line is no command
+boolean endtyped = false;              // the user has ended the input
+std::wstring fed;                      // what a key stands for, still to be given to the editor
 
 // ---- History.
 
@@ -54,11 +59,11 @@ void remember(const std::string& line) {
 // Lines are appended as they are typed, so sessions that run at one time keep all of each other's.
 void append(const std::string& lines, boolean fresh) {
     std::string folder = historyfolder(), name = folder + "/history";
-    Int4 fd = fileopenwrite(name.c_str(), fresh, !fresh, false);
+    Int4 fd = fileopenprivate(name.c_str(), !fresh);
     if (fd < 0) {
         makedir((homedir() + "/.config").c_str(), false);
         makedir(folder.c_str(), false);
-        fd = fileopenwrite(name.c_str(), fresh, !fresh, false);
+        fd = fileopenprivate(name.c_str(), !fresh);
     }
     if (fd < 0) return;
     filewrite(fd, lines.data(), lines.size());
@@ -93,37 +98,86 @@ void loadhistory() {
 
 // ---- Keys.
 
+Int4 windowcolumns() {
+    int columns = 80;
+    el_get(editor, EL_GETTC, "co", &columns, nullptr);
+    return std::max(columns, 1);
+}
+
+// What stands ahead of the cursor, prompt and typed, in columns.
+Int4 cursorcolumns() {
+    const LineInfo* line = el_line(editor);
+    return promptcolumns + textcolumns({line->buffer, std::size_t(line->cursor - line->buffer)});
+}
+
+// The terminal has broken the line anew at its new width, or is free to have done anything while the session stood
+// still: it is drawn again over the rows that it takes.
 void wake() {
-    if (!resumed && !resized) return;
-    if (resumed) {                     // the shell may have changed the terminal meanwhile
+    if (resumed) {
+        keys_lend(false);
         el_set(editor, EL_PREP_TERM, 0);
         el_set(editor, EL_PREP_TERM, 1);
+        keys_marks(true);
     }
-    if (resized) el_resize(editor);
-    std::fputs("\r\033[K", stdout);
-    el_set(editor, EL_REFRESH);
+    boolean moved = windowchanged;
+    windowchanged = 0;
     resumed = 0;
-    resized = 0;
+    if (moved) el_resize(editor);
+    Int4 up = moved ? cursorcolumns() / windowcolumns() : 0;
+    if (up > 0) std::fprintf(stdout, "\033[%dA", up);
+    std::fputs("\r\033[J", stdout);
+    el_set(editor, EL_REFRESH);
+}
+
+// What the editor gets for a sequence; empty for those that mean nothing. Its own bindings would take the first bytes
+// of a sequence that they don't know and type the rest.
+std::wstring_view meaning(std::string_view sequence) {
+    static constexpr struct { std::string_view keys; std::wstring_view fed; } plain[] = {
+        {"A", L"\x10"}, {"B", L"\x0E"}, {"C", L"\x06"}, {"D", L"\x02"}, {"H", L"\x01"}, {"F", L"\x05"},
+        {"1~", L"\x01"}, {"7~", L"\x01"}, {"4~", L"\x05"}, {"8~", L"\x05"}, {"3~", L"\033[3~"},
+        {"c", L"\033f"}, {"d", L"\033b"},
+    };
+    boolean alt = sequence.substr(0, 2) == "\033\033";
+    if (alt) sequence.remove_prefix(1);
+    if (sequence.size() == 2) {
+        std::size_t at = std::string_view("bfdulcpn\177\b").find(sequence[1]);
+        static constexpr std::wstring_view letters = L"\033b\033f\033d\033u\033l\033c\033p\033n\033\177\033\b";
+        return at == std::string_view::npos ? std::wstring_view() : letters.substr(2 * at, 2);
+    }
+    if (sequence.size() < 3 || (sequence[1] != '[' && sequence[1] != 'O')) return {};
+    std::string key(sequence.substr(2));
+    std::size_t semicolon = key.find(';');
+    if (semicolon != key.npos && semicolon + 1 < key.size()) {      // 1;5C: with a modifier, which is Shift for 2
+        alt = alt || key[semicolon + 1] != '2';
+        key = (key[0] == '1' && key.back() != '~' ? "" : key.substr(0, semicolon)) + key.back();
+    }
+    if (alt && (key == "C" || key == "D")) return key == "C" ? L"\033f" : L"\033b";
+    for (const auto& row : plain)
+        if (row.keys == key) return row.fed;
+    return {};
 }
 
 // One character; bytes that are none in this locale are passed over. Break counts as a key, so that the editor leaves
 // the screen in order.
 int readcharacter(EditLine*, wchar_t* out) {
     std::mbstate_t state{};
+    keystroke key;
     while (true) {
-        char c;
-        ssize_t n = read(STDIN_FILENO, &c, 1);
-        if (n == 0) return 0;
-        if (n < 0) {
-            if (errno != EINTR) return -1;
-            if (breakpending) {
-                *out = breakkey;
-                return 1;
-            }
-            wake();
-            continue;
+        if (!fed.empty()) {
+            *out = fed[0];
+            fed.erase(0, 1);
+            return 1;
         }
-        std::size_t used = std::mbrtowc(out, &c, 1, &state);
+        keys_next(key);
+        if (key.kind == key_end || (key.kind == key_signal && endpending)) return 0;
+        if (key.kind == key_signal && breakpending) {
+            *out = breakkey;
+            return 1;
+        }
+        if (key.kind == key_signal) wake();
+        if (key.kind == key_sequence) fed = meaning(key.bytes);
+        if (key.kind != key_byte) continue;
+        std::size_t used = std::mbrtowc(out, key.bytes.data(), 1, &state);
         if (used <= 1) return 1;
         if (used == std::size_t(-1)) state = {};
     }
@@ -141,7 +195,10 @@ unsigned char breakline(EditLine*, int) {
 
 unsigned char deleteorend(EditLine*, int) {
     const LineInfoW* line = el_wline(editor);
-    if (line->lastchar == line->buffer) return CC_EOF;
+    if (line->lastchar == line->buffer) {
+        endtyped = true;
+        return CC_EOF;
+    }
     if (line->cursor == line->lastchar) return CC_ERROR;
     el_cursor(editor, 1);
     el_deletestr(editor, 1);
@@ -150,29 +207,21 @@ unsigned char deleteorend(EditLine*, int) {
 
 // ---- Tab.
 
-std::size_t shownwidth(const std::string& s) {
-    return std::size_t(std::count_if(s.begin(), s.end(), [](char c) { return (UByte(c) & 0xC0) != 0x80; }));
-}
-
 // In columns that are read downward, below the line; a file without its folder.
 void listcandidates(const completion& c) {
     std::vector<std::string> shown;
-    std::size_t widest = 0;
+    Int4 widest = 0;
     for (const std::string& word : c.words) {
         std::size_t slash = c.files && word.size() > 1 ? word.rfind('/', word.size() - 2) : word.npos;
-        shown.push_back(slash == word.npos ? word : word.substr(slash + 1));
-        widest = std::max(widest, shownwidth(shown.back()) + 2);
+        safetext(std::string_view(word).substr(slash == word.npos ? 0 : slash + 1), shown.emplace_back());
+        widest = std::max(widest, textcolumns(shown.back()) + 2);
     }
-    int columns = 80;
-    el_get(editor, EL_GETTC, "co", &columns, nullptr);
-    std::size_t across = std::max<std::size_t>(1, std::size_t(std::max(columns, 1)) / widest);
+    std::size_t across = std::size_t(std::max(1, windowcolumns() / widest));
     std::size_t down = (shown.size() + across - 1) / across;
     std::fputs("\r\n\033[J", stdout);
     for (std::size_t i = 0; i < down; i++) {
         for (std::size_t k = i; k < shown.size(); k += down) {
-            std::fputs(shown[k].c_str(), stdout);
-            if (k + down < shown.size())
-                for (std::size_t w = shownwidth(shown[k]); w < widest; w++) std::fputc(' ', stdout);
+            std::fputs((k + down < shown.size() ? leftjustified(shown[k], widest) : shown[k]).c_str(), stdout);
         }
         std::fputs("\r\n", stdout);
     }
@@ -198,6 +247,10 @@ unsigned char completeword(EditLine*, int) {
     const LineInfo* line = el_line(editor);
     std::string before(line->buffer, line->cursor);
     char next = line->cursor < line->lastchar ? *line->cursor : 0;
+    if (textline || keys_inpaste() || keys_lineahead()) {          // part of a text
+        el_insertstr(editor, "\t");
+        return CC_REFRESH;
+    }
     if (before.find_first_not_of(' ') == before.npos) {          // an indentation
         el_insertstr(editor, "    ");
         return CC_REFRESH;
@@ -227,7 +280,7 @@ char* promptof(EditLine*) { return promptshape.data(); }
 
 // The editor takes codes with the character behind them only: those at the end go before the last one.
 void setprompt(const std::string& text) {
-    std::string codes;
+    std::string codes, plain;
     promptshape.clear();
     std::size_t lastcharacter = 0;
     for (std::size_t i = 0; i < text.size();) {
@@ -242,8 +295,10 @@ void setprompt(const std::string& text) {
             if (!codes.empty()) promptshape += literalmark + codes + literalmark;
             codes.clear();
         }
+        plain += text[i];
         promptshape += text[i++];
     }
+    promptcolumns = textcolumns(plain);
     if (!codes.empty() && !promptshape.empty()) promptshape.insert(lastcharacter, literalmark + codes + literalmark);
 }
 
@@ -254,17 +309,14 @@ void bindkeys() {
     el_set(editor, EL_ADDFN, "velmo-delete", "delete a character or end the input", deleteorend);
     static const char* const keys[][2] = {
         {"^I", "velmo-complete"}, {"^C", "velmo-break"}, {"^D", "velmo-delete"}, {"^R", "em-inc-search-prev"},
-        {"^W", "ed-delete-prev-word"}, {"\033[3~", "ed-delete-next-char"}, {"\033[1;5C", "em-next-word"},
-        {"\033[1;5D", "ed-prev-word"}, {"\033[H", "ed-move-to-beg"}, {"\033[F", "ed-move-to-end"},
-        {"\033[1~", "ed-move-to-beg"}, {"\033[4~", "ed-move-to-end"},
+        {"^W", "ed-delete-prev-word"}, {"\033[3~", "ed-delete-next-char"},
     };
     for (const auto& key : keys) el_set(editor, EL_BIND, key[0], key[1], nullptr);
 }
 
 // Text is UTF-8 where the locale says nothing but ASCII.
 boolean start() {
-    std::string terminal = environmenttext("TERM");
-    if (terminal.empty() || terminal == "dumb") return false;
+    if (!keys_open()) return false;
     if (std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0) std::setlocale(LC_CTYPE, "C.UTF-8");
     past = history_init();
     editor = el_init("velmo", stdin, stdout, stderr);
@@ -277,27 +329,10 @@ boolean start() {
     el_set(editor, EL_PROMPT_ESC, promptof, literalmark);
     el_set(editor, EL_GETCFN, readcharacter);
     el_set(editor, EL_SIGNAL, 0);
+    el_set(editor, EL_SETTY, "-x", "-icanon", "-echo", nullptr);      // as keys.h has it between lines
     bindkeys();
     return true;
 }
-
-// The window's signals, noticed while a line is being typed only: elsewhere they would break off what waits.
-struct windowsignals {
-    struct sigaction oldsize{}, oldcont{};
-    windowsignals() {
-        struct sigaction a{};
-        a.sa_handler = [](int) { resized = 1; };
-        sigaction(SIGWINCH, &a, &oldsize);
-        a.sa_handler = [](int) { resumed = 1; };
-        sigaction(SIGCONT, &a, &oldcont);
-    }
-    ~windowsignals() {
-        sigaction(SIGWINCH, &oldsize, nullptr);
-        sigaction(SIGCONT, &oldcont, nullptr);
-    }
-    windowsignals(const windowsignals&) = delete;
-    windowsignals& operator=(const windowsignals&) = delete;
-};
 
 }  // namespace
 
@@ -306,23 +341,27 @@ boolean lineedit_ready() {
     return fine;
 }
 
-boolean lineedit_read(const std::string& prompt, std::string& line) {
+Int4 lineedit_read(const std::string& prompt, boolean text, std::string& line) {
     setprompt(prompt);
     completedline.clear();
+    fed.clear();
+    textline = text;
+    endtyped = false;
     el_resize(editor);
+    keys_marks(true);
     std::fputs("\r", stdout);
-    windowsignals window;
     int n = 0;
-    const char* text = el_gets(editor, &n);
+    const char* got = el_gets(editor, &n);
+    keys_marks(false);
     line.clear();
-    if (breakpending) return true;
-    if (!text || n <= 0) return false;
-    line.assign(text, std::size_t(n));
+    if (breakpending && !endpending) return 0;
+    if (!got || n <= 0) return endtyped ? typed_end : typed_over;
+    line.assign(got, std::size_t(n));
     while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.pop_back();
-    if (line.empty() || line == lastentered) return true;
+    if (line.empty() || line == lastentered) return 0;
     remember(line);
     append(line + "\n", false);
-    return true;
+    return 0;
 }
 
 }  // namespace velmo

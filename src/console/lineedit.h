@@ -8,8 +8,8 @@ namespace velmo {
 
 // Starts the editor when first asked; false when there is none, and lines must be read plainly.
 boolean lineedit_ready();
-// A line, without its end, typed behind `prompt`: what stands on the screen's last line, with its colour codes. Break
-// gives an empty line and leaves breakpending set; false at the end of the input.
-boolean lineedit_read(const std::string& prompt, std::string& line);
+// A line, without its end, typed behind `prompt`: what stands on the screen's last line, with its colour codes. `text`:
+// not a command, Tab is a Tab. 0, or a typedend (core/upcalls.h). Break gives an empty line and leaves breakpending.
+Int4 lineedit_read(const std::string& prompt, boolean text, std::string& line);
 
 }  // namespace velmo

@@ -1,6 +1,8 @@
 // The program on a console.
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
+#include "base/platform.h"
 #include "console/terminal.h"
 #include "output/results.h"
 #include "session/session.h"
@@ -17,6 +19,7 @@ constexpr const char* usage =
 }  // namespace
 
 int main(int argc, char** argv) {
+    velmo::openstandardfiles();
     if (argc > 1 && std::string_view(argv[1]) == "--help") return std::fputs(usage, stdout) < 0;
     if (argc > 1 && std::string_view(argv[1]) == "--version") return std::puts("Velmo 7.0") < 0;
     if (!velmo::results_open()) return 1;
@@ -25,5 +28,6 @@ int main(int argc, char** argv) {
         velmo::results_close();
         return 1;
     }
-    return velmo::session_main();
+    velmo::Int4 status = velmo::session_main();
+    return velmo::terminal_failed() ? std::max(status, 1) : status;
 }

@@ -6,7 +6,7 @@
 namespace velmo {
 
 enum commandflags : UByte {
-    cmd_skip = 1,        // runs while lines are skipped (execflag 0)
+    cmd_block = 1,       // may open a block, also while lines are skipped
     cmd_class = 2,       // obeyed only while the class system is on
     cmd_byable = 4,      // may stand behind a by prefix
     cmd_bysilent = 8,    // no heading for each group

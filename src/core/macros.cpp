@@ -1,5 +1,4 @@
 #include "core/macros.h"
-#include "base/state.h"
 #include "core/objects.h"
 
 namespace velmo {
@@ -9,6 +8,12 @@ Int4 macrolevel = obj_local;
 namespace {
 Int4 macrotype(std::string_view name) { return !name.empty() && name[0] == '_' ? macrolevel : obj_global; }
 }  // namespace
+
+std::string macroname(std::string_view name, boolean local) {
+    std::string stored = (local ? "_" : "") + std::string(name);
+    if (version < 700 && stored.size() > 8) stored.resize(8);
+    return stored;
+}
 
 const char* macroget(std::string_view name) {
     object* o = objfind(name, macrotype(name));

@@ -88,7 +88,7 @@ boolean prefs_save() {
     std::string folder = prefsfolder(), name = prefs_file(), fresh = name + ".new", text = textof(all);
     makedir((homedir() + "/.config").c_str(), false);
     makedir(folder.c_str(), false);
-    Int4 fd = fileopenprivate(fresh.c_str());
+    Int4 fd = fileopenprivate(fresh.c_str(), false);
     if (fd < 0) return false;
     boolean fine = filewrite(fd, text.data(), text.size());
     fine = fileclose(fd) && fine && filerename(fresh.c_str(), name.c_str());

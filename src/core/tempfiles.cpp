@@ -68,7 +68,6 @@ void tempfile_removeall() {
         if (folder + name != keptfile && !removewithretry((folder + name).c_str())) removetree((folder + name).c_str());
     if (keptfile.empty()) removetree(folder.c_str());
     folder.clear();
-    tried = false;
 }
 
 boolean removewithretry(const char* name) {

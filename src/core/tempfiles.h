@@ -15,7 +15,7 @@ void tempfile_init();          // settles the session stamp
 Int4 tempfilename(char* out, char kind, Int4 number);
 Int4 tempfile_next(char kind); // the next unused number of a kind, from 1
 void tempfile_keep(std::string_view name);   // this one is not removed at shutdown
-void tempfile_removeall();     // shutdown: the folder with all that is in it, but for a file kept
+void tempfile_removeall();     // shutdown: the folder with all that is in it, but for a file kept; no names from here on
 // Deletes a file, trying once more after unlinktimeout; false when it stays.
 boolean removewithretry(const char* name);
 

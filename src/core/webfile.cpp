@@ -162,11 +162,21 @@ void webfile_closeall() {
         }
 }
 
+namespace {
+
+// The system's devices and descriptors (/dev/stdin, /dev/fd/63) are named in full; /dev/shm holds plain files.
+boolean isdevice(std::string_view name) {
+    auto begins = [name](std::string_view folder) { return name.substr(0, folder.size()) == folder; };
+    return (begins("/dev/") && !begins("/dev/shm/")) || begins("/proc/");
+}
+
+}  // namespace
+
 void addsuffix(char* out, std::string_view name, std::string_view suffix) {
     std::size_t slash = name.rfind('/');
     std::string_view last = slash == std::string_view::npos ? name : name.substr(slash + 1);
     std::string whole(name);
-    if (last.find('.') == std::string_view::npos) whole += suffix;
+    if (last.find('.') == std::string_view::npos && !isdevice(name)) whole += suffix;
     copytext(out, pathsize, whole);
 }
 

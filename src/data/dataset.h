@@ -56,8 +56,8 @@ Int4 movevar(Int4 from, Int4 to, Int4* vars, Int4 n);
 // Drops the variables whose mark (nvar bytes) is set, with all records keyed by them; (e) goes with the last of the
 // others, and with no variable left the dataset is emptied. 901 without a scratch row.
 Int4 dropvars(const UByte* marks);
-// The same for variables that hold the state of a command or a level: the data don't count as changed by it, and look-up
-// follows. A failure leaves them.
+// Drops variables that hold the state of a command or a level: the data don't count as changed by it, the observations
+// stay even without a variable left, and look-up follows. A failure leaves them.
 void dropworkvars(const UByte* marks);
 void dropworkvar(Int4 var);
 // Takes back the variables beyond the first `count`: what a command had appended and did not finish. They have no

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include "base/columns.h"
 #include "base/text.h"
 #include "core/objects.h"
 #include "data/dataset.h"
@@ -183,12 +184,12 @@ Int4 fmtlbl(const char* format, Double value, const vallabel* label) {
     std::string_view text = found;
     text = text.substr(0, maxlabeltext);
     Int4 cut = std::atoi(format + 1);       // with its sign: a left-justified format does not cut
-    if (cut >= 1 && cut <= maxlabeltext) text = text.substr(0, std::size_t(cut));
+    if (cut >= 1 && cut <= maxlabeltext) text = text.substr(0, bytesin(text, cut));
     fmtspec spec{};
     chkfmt(format, 1, &spec);
     Int4 w = std::clamp(spec.width, 1, maxlabeltext);
     std::string image = (spec.just < 0 ? "%-" : "%") + std::to_string(w) + "s";
-    return fmtstr(image.c_str(), text, false);
+    return fmtshown(image.c_str(), text, false);
 }
 
 Int4 prtlbl(const char* format, Double value, const vallabel* label) {

@@ -58,7 +58,8 @@ std::vector<std::string> vl_names();                     // in the order in whic
 
 // The format of a variable widened to the longest text of its value label (variables first..last).
 void fmtwiden(Int4 first, Int4 last);
-// Renders a value into dbuf by its label's text if it has one, else by fmtnum; label may be null. Returns the length.
+// Renders a value into dbuf by its label's text (cut and padded by columns) if it has one, else by fmtnum; label may be
+// null. Returns the length.
 Int4 fmtlbl(const char* fmt, Double value, const vallabel* label);
 Int4 prtlbl(const char* fmt, Double value, const vallabel* label);
 

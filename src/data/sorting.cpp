@@ -517,15 +517,26 @@ Int4 sortlist(Int4* list, Int4 n, Int4 var) {
     return 0;
 }
 
+namespace {
+
 // A place outside the data, or one that two observations claim, ends the work: what stands then is a valid order.
-Int4 orderbyindex(Int4 var) {
-    if (typ[var - 1] != typelong) return 0;
+void orderbyindex(Int4 var) {
     for (Int4 i = 1; i <= nobs; i++) {
         for (Int4 to = getlong(var, i); to != i; to = getlong(var, i)) {
-            if (to < 1 || to > nobs || getlong(var, to) == to) return 0;
+            if (to < 1 || to > nobs || getlong(var, to) == to) return;
             swapobs(i, to);
         }
     }
+}
+
+}  // namespace
+
+Int4 sortbyindex(Int4 var, const Int4* vars, Int4 n) {
+    if (typ[var - 1] == typelong) orderbyindex(var);
+    std::vector<Int4> keys(vars, vars + n);
+    keys.push_back(var);
+    if (Int4 rc = nobs ? sortdata(1, nobs, keys.data(), n + 1) : 0) return rc;
+    srt[n] = 0;
     return 0;
 }
 

@@ -17,8 +17,10 @@ boolean samegroup(Int4 a, Int4 b, const UInt2* vars, Int4 n);
 Int4 sortdata(Int4 first, Int4 last, const Int4* vars, Int4 n);
 // Sorts a list of n observation numbers by one variable, ascending.
 Int4 sortlist(Int4* list, Int4 n, Int4 var);
-// sort, index(): puts each observation at the position that the long variable holds; srt is left to the caller.
-Int4 orderbyindex(Int4 var);
+// sort, index(): puts each observation at the position that the long variable holds, as far as that goes, then sorts by
+// the n variables and, among equals, the index: nothing is left to do where they have not changed. They become the key.
+// 0, 1, 909 as sortdata.
+Int4 sortbyindex(Int4 var, const Int4* vars, Int4 n);
 
 // A program that promises to leave the order as it was: the present order goes into a long variable `name` (a temporary
 // name; none is made without observations), the sort key's names into an object of kind 35, the name into __sortindex.

@@ -28,14 +28,15 @@ std::vector<std::string> recordnames(object* o) {
     return names;
 }
 
-void restorekey(const std::vector<std::string>& names) {
-    Int4 n = 0;
+// The variables of the key, as far as they still stand.
+std::vector<Int4> keyvars(const std::vector<std::string>& names) {
+    std::vector<Int4> vars;
     for (std::size_t i = 0; i + 1 < names.size(); i++) {
         Int4 var = findvar(names[i]);
         if (!var) break;
-        srt[n++] = UInt2(var);
+        vars.push_back(var);
     }
-    srt[n] = 0;
+    return vars;
 }
 
 }  // namespace
@@ -65,8 +66,8 @@ Int4 sortindex_pop() {
     if (names.back().empty()) return 0;
     Int4 var = findvar(names.back());
     if (!var) return error(196);
-    Int4 rc = orderbyindex(var);
-    restorekey(names);
+    std::vector<Int4> key = keyvars(names);
+    Int4 rc = sortbyindex(var, key.data(), Int4(key.size()));
     dropworkvar(var);
     return rc > 1 ? error(rc) : rc;
 }

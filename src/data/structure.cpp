@@ -211,25 +211,29 @@ Int4 changetype(Int4 var, UByte newtype) {
     return swapin(var);
 }
 
+namespace {
+
+Int4 takeout(const UByte* marks) {
+    if (Int4 rc = needscratchrow()) return rc;
+    droprecords(marks);
+    cutandrenumbersrt(marks);
+    compactvars(marks);
+    return 0;
+}
+
+}  // namespace
+
 Int4 dropvars(const UByte* marks) {
     if (nvar == 0) return 0;
-    if (Int4 rc = needscratchrow()) return rc;
-    std::vector<UByte> all(marks, marks + nvar);
-    boolean left = false;
-    for (Int4 v = 1; v <= nvar; v++) left = left || (!all[v - 1] && !issample(v));
-    if (!left) {
-        cleardata(true);
-        return 0;
-    }
-    droprecords(all.data());
-    cutandrenumbersrt(all.data());
-    compactvars(all.data());
+    for (Int4 v = 1; v <= nvar; v++)
+        if (!marks[v - 1] && !issample(v)) return takeout(marks);
+    cleardata(true);
     return 0;
 }
 
 void dropworkvars(const UByte* marks) {
     UByte changed = datachanged;
-    if (dropvars(marks) == 0) visnvar = nvar;
+    if (nvar && takeout(marks) == 0) visnvar = nvar;
     datachanged = changed;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include "base/saved.h"
 #include "base/text.h"
 #include "data/cells.h"
 #include "expr/bodies.h"
@@ -150,18 +149,16 @@ void text_char(machine& m) {
 
 // set dp comma concerns what is shown, not texts that programs work on.
 void text_string(machine& m) {
-    saved period(dpcomma, UByte(0));
-    Int4 n = fmtnum("%9.0g", *m.top--);
+    Int4 n = fmtread("%9.0g", *m.top--);
     push(m, "");
     settext(*m.str, ltrimmed({dbuf, std::size_t(n)}));
 }
 
 void text_stringfmt(machine& m) {
-    saved period(dpcomma, UByte(0));
     char fmt[fmtsize] = "";
     boolean valid = chkfmt(m.str->view(), 1) == 0;
     if (valid) copytext(fmt, sizeof fmt, m.str->view());
-    Int4 n = valid ? std::min(fmtnum(fmt, *m.top), maxtext) : 0;
+    Int4 n = valid ? std::min(fmtread(fmt, *m.top), maxtext) : 0;
     m.top--;
     settext(*m.str, {dbuf, std::size_t(n)});
 }

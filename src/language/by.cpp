@@ -77,13 +77,9 @@ Int4 readprefix(boolean sorts, boolean& rc0) {
         onexit restore([colon] { *colon = ':'; });
         if (Int4 rc = parseprefix(rc0)) return rc;
     }
-    if (nobs == 0) {
-        error(2000);
-        return 2000;
-    }
-    if (sorts && !sortedbylist())
+    if (sorts && nobs && !sortedbylist())
         if (Int4 rc = sortdata(1, nobs, vl_vr, vl_n)) return rc == 1 ? rc : error(rc);
-    if (!sortedbylist()) return error(5);
+    if (nobs && !sortedbylist()) return error(5);
     settokpos(colon + 1);
     takecmdword();
     return cmdword[0] ? 0 : error(198);
@@ -107,7 +103,7 @@ Int4 groupend(Int4 first) {
 // A by-variable's value as the heading shows it.
 std::string shownvalue(Int4 var, Int4 obs) {
     if (isstring(var)) {
-        fmtstr(fmt[var - 1], strcell(var, obs), true);
+        fmtshown(fmt[var - 1], strcell(var, obs), true);
     } else {
         vallabel label;
         if (lbl[var - 1][0]) vl_load(lbl[var - 1], label);
@@ -249,8 +245,9 @@ Int4 callgroups(const programby& b, Int4 groups) {
         if (Int4 rc = findbyvars(b.vars)) return rc;
         Int4 marker = findvar(b.marker);
         if (!marker) return errorf(111, "by marker variable %s not found\n", b.marker.c_str());
-        at = findgroup(marker, group, std::min(at, nobs));
-        if (!at) continue;                     // the program has dropped them all
+        Int4 found = findgroup(marker, group, at);
+        if (!found) continue;                  // the program has dropped them all
+        at = found;
         if (b.shows) heading(at);
         nextcall = {false, group, group == groups, b.vars, b.rc0 ? ", rc0" : "", b.marker};
         if (Int4 rc = groupresult(callprogram(b.word, b.line, b.arguments), b.rc0)) return rc;

@@ -18,7 +18,19 @@ namespace velmo {
 doreader* dofile = nullptr;
 UByte semicolon = 0;
 UByte eofseen = 0;
+UByte typingtext = 0;
 Int4 openreaders = 0;
+
+namespace {
+
+// A UTF-8 mark at the start is no part of the first line. Of a pipe's first bytes no more than there are is waited for.
+void passmark(doreader& r) {
+    Pint n = fileread(r.handle, r.buf, sizeof r.buf);
+    r.len = n > 0 ? Int4(n) : 0;
+    if (r.len >= 3 && std::memcmp(r.buf, "\xEF\xBB\xBF", 3) == 0) r.pos = 3;
+}
+
+}  // namespace
 
 Int4 doreader_open(doreader& r, const char* name) {
     if (openreaders >= maxreaders) return error(1000);
@@ -27,6 +39,7 @@ Int4 doreader_open(doreader& r, const char* name) {
     r.pos = r.len = r.column = 0;
     r.pushback = -1;
     openreaders++;
+    passmark(r);
     return 0;
 }
 
@@ -180,7 +193,7 @@ lineend takebyte(doreader& r, logicalline& l, Int4 c) {
 
 void endofsource() {
     cmdbuf[0] = 0;
-    eofseen = 1;
+    eofseen = source_over;
 }
 
 // The next logical line of a do-file into cmdbuf.
@@ -222,12 +235,14 @@ void prompt(UByte sourcelevel) {
 // Break while it is typed leaves breakpending set and an empty line.
 void readtypedline() {
     breakpending = 0;
-    Int4 n = typedline(cmdbuf, conslen);
+    Int4 n = typedline(cmdbuf, conslen, typingtext);
     std::sig_atomic_t broken = breakpending;
     breakpending = 0;                    // the echo is printed all the same
     if (n < 0) {
         prtraw("\n");
-        return endofsource();
+        endofsource();
+        if (n == typed_end) eofseen = source_endtyped;
+        return;
     }
     for (Int4 i = 0; i < n; i++)
         if (UByte(cmdbuf[i]) < 32) cmdbuf[i] = ' ';
@@ -235,8 +250,7 @@ void readtypedline() {
     if (levelshows()) cmdlog_line({cmdbuf, std::size_t(n)});
     std::string_view line = rtrimmed({cmdbuf, std::size_t(n)});
     if (!line.empty()) reviewpush(line);
-    prtquiet(line);
-    prtraw("\n");
+    prttyped(line, typedlineshows());
     breakpending = broken;
 }
 
@@ -281,6 +295,7 @@ void directive() {
 
 void getline() {
     saved level(outlevel);
+    if (!dofile && eofseen == source_endtyped) eofseen = 0;
     do {
         tick();
         outlevel = dofile ? 2 : 4;

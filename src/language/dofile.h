@@ -15,7 +15,9 @@ struct doreader {
 // State
 extern doreader* dofile;         // of the present level; null at the console
 extern UByte semicolon;          // #delimit ; is in force in this do-file
-extern UByte eofseen;            // set at the end of a do-file or of the typed input
+extern UByte eofseen;            // set at the end of a do-file or of the typed input: a sourceend
+extern UByte typingtext;         // what is typed is no command but data or a body
+enum sourceend : UByte { source_over = 1, source_endtyped = 2 };     // the second: the user may type on
 extern Int4 openreaders;         // at most 10
 inline constexpr Int4 maxreaders = 10;
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <vector>
 #include "base/platform.h"
 #include "base/saved.h"
 #include "base/sixteen.h"
@@ -26,13 +27,26 @@ namespace {
 constexpr Int4 maxrounds = 21;      // substitutions at one place
 constexpr Int4 maxdepth = 1000;     // references within references
 
+// Opening characters of a pair that have no partner: whether one has depends on what stands behind it alone, so they
+// are found once, and kept by their distance from the line's end. What is put into the line forgets those ahead of it.
+struct partnerless {
+    char open, close;
+    Int4 known = 0;                 // distance within which all are known
+    std::vector<Int4> at = {};      // distances, falling
+    boolean holds(Int4 distance) const {
+        return distance <= known && std::binary_search(at.rbegin(), at.rend(), distance);
+    }
+};
+
 struct scan {
     Int4 len = 0;
     Int4 tail = 0;                  // bytes at the line's end without a mark
     Int4 depth = 0;
     Int4 rc = 0;                    // 920 once the line can't be expanded
+    Int4 behind = 0;                // where the last reference ends that was looked at whole and changed nothing
 };
 scan s;
+partnerless quotes{'`', '\''}, braces{'{', '}'};
 
 Int4 toomany() {
     if (!s.rc) s.rc = error(920);
@@ -49,19 +63,42 @@ boolean put(Int4 p, Int4 n, std::string_view value) {
     std::memmove(cmdbuf + p + value.size(), cmdbuf + p + n, std::size_t(s.len - p - n) + 1);
     if (!value.empty()) std::memcpy(cmdbuf + p, value.data(), value.size());
     s.tail = std::min(s.tail, s.len - p - n);
+    if (quotes.known || braces.known)
+        for (partnerless* of : {&quotes, &braces}) of->known = std::min(of->known, s.len - p - n);
     s.len = Int4(len);
     return true;
 }
 
 boolean ismark(char c) { return c == '$' || c == '`'; }
-Int4 namelimit() { return version < 700 ? 8 : namelen; }
 
-// Length of the macro name at p, at most the limit; `*` alone is a name of locals.
-Int4 nameend(Int4 p, Int4 limit) {
+// Length of the macro name at p, at most the limit; `_*` is one, all positional arguments.
+Int4 nameend(Int4 p) {
     if (!isnamestart(cmdbuf[p])) return 0;
-    Int4 n = 1;
+    if (cmdbuf[p] == '_' && cmdbuf[p + 1] == '*') return 2;
+    Int4 n = 1, limit = macronamelimit();
     while (n < limit && isnamechar(cmdbuf[p + n])) n++;
     return n;
+}
+
+void findpartnerless(Int4 p, partnerless& of) {
+    of.at.clear();
+    for (Int4 i = p; i < s.len; i++) {
+        if (cmdbuf[i] == of.open) of.at.push_back(s.len - i);
+        if (cmdbuf[i] == of.close && !of.at.empty()) of.at.pop_back();
+    }
+    of.known = s.len - p;
+}
+
+// The partner of the opening character at p, counting those between; -1 without one.
+template <char open, char close> Int4 partner(Int4 p, partnerless& of) {
+    if (of.known && of.holds(s.len - p)) return -1;
+    Int4 depth = 0;
+    for (Int4 i = p; cmdbuf[i]; i++) {
+        if (cmdbuf[i] == open) depth++;
+        if (cmdbuf[i] == close && --depth == 0) return i;
+    }
+    findpartnerless(p, of);
+    return -1;
 }
 
 boolean expandat(Int4 p);
@@ -77,27 +114,18 @@ template <class F> Int4 expandinside(Int4 from, F close) {
         }
         boolean changed = expandat(i);
         end = close();
-        if (!changed || ismark(cmdbuf[i])) i++;
+        if (!changed || ismark(cmdbuf[i])) i = std::max(i + 1, s.behind);
     }
     return s.rc ? -1 : end;
 }
 
 // ---- Global references.
 
-Int4 closingbrace(Int4 p) {
-    Int4 depth = 0;
-    for (Int4 i = p; cmdbuf[i]; i++) {
-        if (cmdbuf[i] == '{') depth++;
-        if (cmdbuf[i] == '}' && --depth == 0) return i;
-    }
-    return -1;
-}
-
 boolean bracedglobal(Int4 p, boolean& inserted) {
     Int4 open = p + 1;
-    Int4 close = expandinside(open + 1, [open] { return closingbrace(open); });
+    Int4 close = expandinside(open + 1, [open] { return partner<'{', '}'>(open, braces); });
     if (close < 0) return false;
-    Int4 n = nameend(open + 1, namelimit());
+    Int4 n = nameend(open + 1);
     std::string value;
     if (n > 0 && open + 1 + n == close) value = macrovalue({cmdbuf + open + 1, std::size_t(n)});
     inserted = !value.empty();
@@ -108,7 +136,7 @@ boolean globalreference(Int4 p, boolean& inserted) {
     if (ismark(cmdbuf[p + 1])) expandat(p + 1);
     if (s.rc) return false;
     if (cmdbuf[p + 1] == '{') return bracedglobal(p, inserted);
-    Int4 n = nameend(p + 1, namelimit());
+    Int4 n = nameend(p + 1);
     if (n == 0) return false;
     std::string value = macrovalue({cmdbuf + p + 1, std::size_t(n)});
     inserted = !value.empty();
@@ -116,15 +144,6 @@ boolean globalreference(Int4 p, boolean& inserted) {
 }
 
 // ---- Local references.
-
-Int4 closingquote(Int4 p) {
-    Int4 depth = 0;
-    for (Int4 i = p; cmdbuf[i]; i++) {
-        if (cmdbuf[i] == '`') depth++;
-        if (cmdbuf[i] == '\'' && --depth == 0) return i;
-    }
-    return -1;
-}
 
 std::string numbertext(Double value) {
     char text[512];
@@ -204,7 +223,7 @@ boolean insidevalue(Int4 p, Int4 close, std::string& value, std::string_view& st
         value = inside[0] == '=' ? expressionvalue(text) : inside[0] == ':' ? extendedvalue(text) : "";
         return true;
     }
-    if (inside == "*") {
+    if (!inside.empty() && inside[0] == '*') {
         value = macrovalue("_*");
         return true;
     }
@@ -218,16 +237,20 @@ boolean insidevalue(Int4 p, Int4 close, std::string& value, std::string_view& st
     else if (behind == '[')
         value = charvalue(name, rest.substr(1, rest.find(']') - 1));
     else
-        stored = localvalue(name.substr(0, std::size_t(namelimit() - 1)));
+        stored = localvalue(name.substr(0, std::size_t(macronamelimit() - 1)));
     return true;
 }
 
 boolean localreference(Int4 p, boolean& inserted) {
     if (cmdbuf[p + 1] == '"') return false;
-    Int4 close = expandinside(p + 1, [p] { return closingquote(p); });
+    Int4 close = expandinside(p + 1, [p] { return partner<'`', '\''>(p, quotes); });
     std::string value;
     std::string_view stored;
-    if (close < 0 || !insidevalue(p, close, value, stored)) return false;
+    if (close < 0) return false;
+    if (!insidevalue(p, close, value, stored)) {
+        s.behind = close + 1;
+        return false;
+    }
     if (stored.empty()) stored = value;
     inserted = !stored.empty();
     return put(p, close + 1 - p, stored);
@@ -237,6 +260,7 @@ boolean localreference(Int4 p, boolean& inserted) {
 boolean expandat(Int4 p) {
     if (s.depth >= maxdepth) return toomany() * 0 != 0;
     saved deeper(s.depth, s.depth + 1);
+    s.behind = p;
     boolean any = false;
     for (Int4 rounds = 0; ismark(cmdbuf[p]) && !s.rc;) {
         boolean inserted = false;
@@ -266,7 +290,7 @@ void expandline(Int4 p) {
     for (; p < s.len - s.tail && !s.rc; p = nextmark(p)) {
         char c = cmdbuf[p], next = cmdbuf[p + 1];
         if (ismark(c)) {
-            if (!expandat(p) || ismark(cmdbuf[p])) p++;
+            if (!expandat(p) || ismark(cmdbuf[p])) p = std::max(p + 1, s.behind);
         } else if (c == '\\' && (ismark(next) || next == '\\')) {
             put(p, 1, "");
             p++;
@@ -284,7 +308,7 @@ void expandpercents() {
             continue;
         }
         if (cmdbuf[p] != '%') continue;
-        Int4 n = nameend(p + 1, namelimit());
+        Int4 n = nameend(p + 1);
         if (n == 0) continue;
         std::string value = macrovalue({cmdbuf + p + 1, std::size_t(n)});
         if (++rounds > 10000) toomany();
@@ -321,6 +345,7 @@ Int4 expandmacros(const linemarks& marks) {
     if (!execflag) return 0;
     settokpos(cmdbuf);
     s = {};
+    quotes.known = braces.known = 0;
     boolean known = marks.length >= 0 && version >= 320;
     s.len = known ? marks.length : Int4(std::strlen(cmdbuf));
     s.tail = known ? marks.behind : 0;

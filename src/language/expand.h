@@ -44,7 +44,7 @@ Int4 macrodefine(Int4 mode, Int4 (*store)(std::string_view name, std::string_vie
 std::string macrovalue(std::string_view name);
 
 // Temporary names "__" and six base-36 digits of a counter. The level keeps the counter at its entry and drops what was
-// named since.
+// named since. A name in use, from a file that was saved while it was somebody's, is passed over and never dropped.
 extern Int4 tempnamecounter, tempfilecounter;
 std::string newtempname();
 boolean istempname(std::string_view name, Int4 from);

@@ -53,8 +53,7 @@ Int4 secondword(const char* word, Int4 min) { return abbrev(nexttoken(), word, m
 Int4 macroreference(std::string& name) {
     std::string kind = nexttoken();
     if (kind != "local" && kind != "global") return error(198);
-    name = nexttoken();
-    if (kind == "local") name = "_" + name;
+    name = macroname(nexttoken(), kind == "local");
     return validname(name) ? 0 : badname(name);
 }
 
@@ -265,7 +264,7 @@ Int4 replacementoptions(replacement& how) {
     if (Int4 rc = getopt_done()) return rc;
     if (!counted) return 0;
     if (words.size() != 2 || (words[0] != "local" && words[0] != "global")) return error(198);
-    how.count = words[0] == "local" ? "_" + words[1] : words[1];
+    how.count = macroname(words[1], words[0] == "local");
     return validname(how.count) ? 0 : badname(how.count);
 }
 

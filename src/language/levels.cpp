@@ -88,7 +88,6 @@ void putback(const frame& f) {
     programclass = f.progclass;
     if (more_on != f.more) setmore(f.more);
     inprogram = f.inprogram;
-    rmsg = f.rmsg;
     programline = f.line;
     bydepth = f.bydepth;
     by_index = f.byindex;
@@ -226,6 +225,7 @@ void leave(Int4 mode, frame& f) {
     if (mode == level_program) {
         object* o = runningprogram();
         if (o && !f.wasrunning) programheader(o).running = 0;
+        rmsg = f.rmsg;
     } else {
         doreader_close(f.reader);
         eofseen = 0;
@@ -236,7 +236,7 @@ void leave(Int4 mode, frame& f) {
         Int4 rc = sortindex_pop();
         if (!lastrc) lastrc = rc;
     }
-    droptempnames(f.tempnames);
+    if (version >= 310) droptempnames(f.tempnames);
     if (mode == level_program) results_leave(macrolevel, lastrc ? 0 : programclass);
     putback(f);
     dolevel--;

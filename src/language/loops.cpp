@@ -12,6 +12,7 @@
 #include "core/tokenizer.h"
 #include "data/dataset.h"
 #include "expr/evaluate.h"
+#include "language/braces.h"
 #include "language/control.h"
 #include "language/numlist.h"
 #include "language/programs.h"
@@ -23,52 +24,16 @@
 
 namespace velmo {
 
-char* findbrace(char* text, boolean needed) {
-    Int4 depth = 0, compound = 0;
-    boolean quoted = false;
-    char* plain = text + std::strcspn(text, "{\"`()[]");
-    if (*plain == '{') return plain;
-    for (char* p = plain; *p; p++) {
-        if (quoted) {
-            quoted = *p != '"';
-        } else if (p[0] == '`' && p[1] == '"') {
-            compound++;
-            p++;
-        } else if (compound) {
-            if (p[0] == '"' && p[1] == '\'') {
-                compound--;
-                p++;
-            }
-        } else if (*p == '"') {
-            quoted = true;
-        } else if (*p == '{' && depth == 0) {
-            return p;
-        } else {
-            depth += (*p == '(' || *p == '[') - (*p == ')' || *p == ']');
-        }
-    }
-    if (needed) required("{");
-    return nullptr;
-}
-
 boolean looppeek() {
-    static constexpr keyword prefixes[] = {{"capture", 3, 0}, {"noisily", 1, 0}, {"quietly", 1, 0}};
     static constexpr keyword loops[] = {{"forvalues", 4, 0}, {"foreach", 7, 0}, {"while", 2, 0}};
-    settokpos(cmdbuf);
-    std::string_view word = nexttoken();
-    while (lookup(prefixes, word) >= 0) word = nexttoken();
+    std::string_view word = wordbehindprefixes(cmdbuf);
+    for (Int4 depth = 0; word == "{" && depth < maxturns; depth++) word = wordbehindprefixes(tokpos);
     boolean loop = lookup(loops, word) >= 0;
     settokpos(cmdbuf);
     return loop;
 }
 
 namespace {
-
-// Blanks up to and with the brace, and the cursor at the line's start: what a block begins with.
-void blanktobrace(char* brace) {
-    for (char* p = cmdbuf; p <= brace; p++) *p = ' ';
-    settokpos(cmdbuf);
-}
 
 // The condition between the word and the brace.
 Int4 condition(char* brace, boolean& truth) {
@@ -81,82 +46,65 @@ Int4 condition(char* brace, boolean& truth) {
     return 0;
 }
 
-// The last brace of a line that is only skipped, or null.
-char* skippedbrace() { return std::strrchr(cmdbuf, '{'); }
-
-// A failed condition inside a program or block: its lines are passed over, so that structure stays in step.
-Int4 skipblock(char* brace, Int4 rc) {
-    if (!inprogram) return rc;
-    saved off(execflag, UByte(0));
-    blanktobrace(brace);
-    blockrun();
-    return rc;
-}
-
-// A block of a program that begins on the next line and isn't run: where it ends is remembered, since skipped lines are
-// read as they stand.
-lineinfo* blockknown(const char* brace) {
-    while (*++brace == ' ') {}
-    if (!inprogram || tracing || *brace) return nullptr;
-    object* o = runningprogram();
-    return o ? lineknown(o, programline) : nullptr;
-}
-
-Int4 skipunder(char* brace);
-
-// Runs a block under execflag `truth`; a new continue keeps what follows skipped.
-Int4 rununder(boolean truth, char* brace) {
-    if (!truth && blockknown(brace)) return skipunder(brace);
-    UByte entry = execflag, pending = control.contstate;
-    execflag = truth;
+Int4 rununder(const char* brace) {
     blanktobrace(brace);
     tick();
-    Int4 rc = blockrun();
-    if (!control.contstate || pending) execflag = entry;
-    return rc;
+    return blockrun();
 }
 
-// The same for a block whose lines aren't run: nothing in them can fail or change anything.
-Int4 skipunder(char* brace) {
-    tick();
+// Where a block of the program that begins on line `first` ends is remembered, since skipped lines are read as they
+// stand: null when there is nothing to remember it by.
+lineinfo* blockknown(Int4 first) {
+    object* o = inprogram && !tracing ? runningprogram() : nullptr;
+    return o ? lineknown(o, first) : nullptr;
+}
+
+// Passes over the program's block that begins on the next line. Nothing in it can fail or change anything.
+Int4 skipbody(Int4 rc) {
     Int4 first = programline;
-    if (Int4 end = blockknown(brace)->skipto) {
-        programline = end;
-        return 0;
+    if (lineinfo* known = blockknown(first); known && known->skipto) {
+        programline = known->skipto;
+        return rc;
     }
-    Int4 rc;
-    {
-        saved skipping(execflag, UByte(0));
-        blanktobrace(brace);
-        rc = blockrun();
-    }
-    object* o = runningprogram();
-    if (lineinfo* info = o && !rc ? lineknown(o, first) : nullptr) info->skipto = programline;
-    return rc;
+    settokpos(std::strcpy(cmdbuf, ""));
+    Int4 skipped = skiprest(rc);
+    if (lineinfo* known = skipped ? nullptr : blockknown(first)) known->skipto = programline;
+    return skipped;
+}
+
+// By the byte: the line has just been written, and is slow to read in larger pieces.
+boolean endsline(const char* brace) {
+    while (*++brace == ' ') {}
+    return *brace == 0;
+}
+
+// Passes over the block whose brace stands on this line.
+Int4 skipunder(const char* brace) {
+    tick();
+    if (inprogram && endsline(brace)) return skipbody(0);
+    blanktobrace(brace);
+    return skiprest(0);
 }
 
 }  // namespace
 
 Int4 cmd_if() {
-    if (!execflag) {
-        char* brace = skippedbrace();
-        return brace ? rununder(false, brace) : 0;
-    }
     char* brace = findbrace(tokpos, true);
     if (!brace) return 100;
     boolean truth;
-    if (Int4 rc = condition(brace, truth)) return skipblock(brace, rc);
+    if (Int4 rc = condition(brace, truth)) return skipfailed(rc, brace);
     control.iftruth = truth;
-    return rununder(truth, brace);
+    return truth ? rununder(brace) : skipunder(brace);
 }
 
+// The command behind it is obeyed or not; a block that isn't is passed over.
 Int4 cmd_else() {
-    UByte entry = execflag, pending = control.contstate;
-    if (control.iftruth) execflag = 0;
+    if (control.iftruth) {
+        const char* brace = openedblock(tokpos);
+        return brace ? skipunder(brace) : 0;
+    }
     takecmdword();
-    Int4 rc = dispatch();
-    if (!control.contstate || pending) execflag = entry;
-    return rc;
+    return dispatch();
 }
 
 Int4 cmd_continue() {
@@ -197,8 +145,9 @@ void runstored(const std::string& name) {
 
 Int4 storeloop(const char* word) {
     if (wasexpanded)
-        return errorf(198, "%s command may not result from a macro expansion interactively or in do files\n", word);
-    if (whiledepth > 999) return error(198);
+        return skipfailed(
+            errorf(198, "%s command may not result from a macro expansion interactively or in do files\n", word));
+    if (whiledepth > 999) return skipfailed(error(198));
     if (!findbrace(tokpos, true)) return 100;
     for (char* p = cmdbuf; p < tokstart; p++) *p = ' ';      // prefixes have been obeyed
     std::string name = std::to_string(whiledepth) + "while", home = programhome;
@@ -219,12 +168,6 @@ Int4 storeloop(const char* word) {
     return lastrc;
 }
 
-// A skipped loop: its body is passed over.
-Int4 skiploop() {
-    char* brace = skippedbrace();
-    return brace ? rununder(false, brace) : 0;
-}
-
 // One loop of a stored program: where its line stands, what its end puts back, and whether its body begins on the line
 // itself.
 struct loop {
@@ -233,8 +176,7 @@ struct loop {
     boolean inlinebody;
     controlstate outer;
     loop(const char* brace)
-        : header(programline - 1), entry(execflag), inlinebody(brace[1 + std::strspn(brace + 1, " ")] != 0),
-          outer(control) {}
+        : header(programline - 1), entry(execflag), inlinebody(!endsline(brace)), outer(control) {}
 };
 
 // The body from its first line: what stands behind the brace of the loop's own line, or the line behind it.
@@ -258,16 +200,13 @@ Int4 pass(const loop& l) {
     return blockrun();
 }
 
-// The body once more without running it, so that the line index ends behind the closing brace.
-// A Break that no command of the body has noticed is noticed here, as the skipping block would take it for its own.
+// Passes over the body, so that the line index ends behind the closing brace.
+// A Break that no command of the body has noticed is noticed here, as the lines that are skipped would take it.
 Int4 endloop(const loop& l, Int4 rc) {
     if (!exitflag) {
         if (!rc && breakpending) rc = 1;
-        control.contstate = 0;
-        execflag = 0;
         rewind(l);
-        Int4 skipped = blockrun();
-        if (!rc) rc = skipped;
+        rc = l.inlinebody ? skiprest(rc) : skipbody(rc);
     }
     control = l.outer;
     execflag = l.entry;
@@ -279,20 +218,17 @@ boolean goeson(Int4 rc) { return !rc && !exitflag && !breakpending && control.co
 }  // namespace
 
 Int4 cmd_while() {
-    if (!execflag) return skiploop();
     if (!inprogram) return storeloop("while");
     char* brace = findbrace(tokpos, true);
     if (!brace) return 100;
     loop l(brace);
     boolean truth;
-    if (Int4 rc = condition(brace, truth)) return skipblock(brace, rc);
+    if (Int4 rc = condition(brace, truth)) return skipfailed(rc, brace);
+    if (!truth) return skipunder(brace);
     control.inloop = 1;
     control.contstate = 0;
-    execflag = truth;
-    blanktobrace(brace);
-    tick();
-    Int4 rc = blockrun();
-    if (truth && goeson(rc)) programline = l.header;
+    Int4 rc = rununder(brace);
+    if (goeson(rc)) programline = l.header;
     control = l.outer;
     execflag = l.entry;
     return rc;
@@ -328,14 +264,13 @@ Int4 readrange(range& r) {
 }
 
 Int4 localname(std::string& name) {
-    name = std::string("_") + nexttoken();
+    name = macroname(nexttoken(), true);
     return validname(name) ? 0 : badname(name.substr(1));
 }
 
 }  // namespace
 
 Int4 cmd_forvalues() {
-    if (!execflag) return skiploop();
     if (!inprogram) return storeloop("forvalues");
     std::string name;
     range r;
@@ -346,7 +281,7 @@ Int4 cmd_forvalues() {
         if (std::string_view(nexttoken(breaknum)) != "=") return error(198);
         return readrange(r);
     };
-    if (Int4 rc = header()) return skipblock(brace, rc);
+    if (Int4 rc = header()) return skipfailed(rc, brace);
     loop l(brace);
     Int4 rc = 0;
     for (Double v = r.from; r.step > 0 ? v <= r.to : v >= r.to; v += r.step) {
@@ -429,9 +364,9 @@ Int4 freenames(std::string& text) {
     return 0;
 }
 
-Int4 macroname(fragment& f, boolean local) {
+Int4 listmacro(fragment& f, boolean local) {
     std::string name = nexttoken();
-    f.macro = local ? "_" + name : name;
+    f.macro = macroname(name, local);
     return validname(f.macro) ? 0 : badname(name);
 }
 
@@ -448,8 +383,8 @@ Int4 numbers(std::string_view list, std::string& text) {
 
 Int4 oflist(fragment& f, char* brace) {
     switch (lookup(listkinds, nexttoken())) {
-    case list_local: return onlist(brace, [&] { return macroname(f, true); });
-    case list_global: return onlist(brace, [&] { return macroname(f, false); });
+    case list_local: return onlist(brace, [&] { return listmacro(f, true); });
+    case list_global: return onlist(brace, [&] { return listmacro(f, false); });
     case list_varlist: return onlist(brace, [&] { return existingnames(f.text); });
     case list_newlist: return onlist(brace, [&] { return freenames(f.text); });
     case list_numlist: return numbers(trimmed({tokpos, std::size_t(brace - tokpos)}), f.text);
@@ -477,15 +412,14 @@ std::string ferest() {
 }
 
 Int4 cmd_foreach() {
-    if (!execflag) return skiploop();
     if (!inprogram) return storeloop("foreach");
     std::string name, item;
     fragment list;
     char* brace = findbrace(tokpos, true);
     if (!brace) return 100;
     if (lists.size() >= maxlists) return error(198);
-    if (Int4 rc = readlist(name, list, brace)) return skipblock(brace, rc);
-    if (list.text.size() >= std::size_t(macrolen)) return skipblock(brace, error(103));
+    if (Int4 rc = readlist(name, list, brace)) return skipfailed(rc, brace);
+    if (list.text.size() >= std::size_t(macrolen)) return skipfailed(error(103), brace);
     loop l(brace);
     Int4 rc = 0;
     lists.push_back(list);

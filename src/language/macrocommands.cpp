@@ -148,10 +148,8 @@ constexpr std::string_view keptmacros[] = {"S_ADO",     "S_FLAVOR",  "S_OS",    
 
 void dropprefix(const std::string& prefix) {
     for (const std::string& name : visiblemacros()) {
-        if (name.compare(0, prefix.size(), prefix) != 0) continue;
-        boolean kept =
-            prefix == "S_" && std::find(std::begin(keptmacros), std::end(keptmacros), name) != std::end(keptmacros);
-        if (!kept) macroclear(name);
+        boolean kept = std::find(std::begin(keptmacros), std::end(keptmacros), name) != std::end(keptmacros);
+        if (name.starts_with(prefix) && !kept) macroclear(name);
     }
 }
 
@@ -210,7 +208,7 @@ namespace {
 // Each name on the line becomes a local of this level with a generated value.
 Int4 generatenames(Int4 (*generate)(std::string&)) {
     while (nexttoken()[0]) {
-        std::string name = std::string("_") + tokbuf, value;
+        std::string name = macroname(tokbuf, true), value;
         if (!validname(name)) return badname(tokbuf);
         if (Int4 rc = generate(value)) return rc;
         if (Int4 rc = macroset(name, value)) return rc;

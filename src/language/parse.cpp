@@ -255,7 +255,7 @@ Int4 parsedescribed(std::string_view usertext) {
     settlenewvars(d.list);
     for (const char* name : {"_typlist", "_tsops"}) macroclear(name);
     for (const auto& [name, value] : results)
-        if (Int4 rc = macroset(name, value)) return rc;
+        if (Int4 rc = macroset(macroname(name, false), value)) return rc;
     return 0;
 }
 

@@ -6,6 +6,7 @@
 #include "base/state.h"
 #include "base/text.h"
 #include "core/tokenizer.h"
+#include "language/braces.h"
 #include "language/dofile.h"
 #include "language/turn.h"
 #include "output/errors.h"
@@ -68,29 +69,17 @@ struct body {
     std::string text;
 };
 
-// Leading blanks become a byte, runs of blanks outside double quotes one blank, a trailing blank goes.
-void appendline(body& b, const char* line) {
-    std::size_t indent = std::strspn(line, " ");
+// Leading blanks become a byte, runs of blanks outside quotes one blank, a trailing blank goes.
+void appendline(body& b, std::string_view line) {
+    std::size_t indent = std::min(line.find_first_not_of(' '), line.size());
     b.offsets.push_back(UInt4(b.text.size()));
     b.text += char(std::min<std::size_t>(indent, 255));
-    boolean quoted = false;
-    for (const char* p = line + indent; *p; p++) {
-        if (*p == '"') quoted = !quoted;
-        if (*p == ' ' && !quoted && (p[1] == ' ' || !p[1])) continue;
-        b.text += *p;
+    for (std::size_t i = indent, end; i < line.size(); i = end) {
+        end = behindquote(line, i);
+        if (line[i] == ' ' && (i + 1 == line.size() || line[i + 1] == ' ')) continue;
+        b.text += line.substr(i, end - i);
     }
     b.text += '\0';
-}
-
-// Opening less closing braces of a line, outside quotes.
-Int4 balance(const char* line) {
-    Int4 n = 0;
-    boolean quoted = false;
-    for (const char* p = line; *p; p++) {
-        if (*p == '"') quoted = !quoted;
-        if (!quoted) n += (*p == '{') - (*p == '}');
-    }
-    return n;
 }
 
 boolean isend() {
@@ -111,19 +100,18 @@ void numberprompt(Int4 line) {
 }
 
 Int4 readbody(body& b, boolean braces) {
-    Int4 depth = 0;
-    if (braces) {
-        depth = balance(cmdbuf);
-        if (Int4 rc = takeline(b)) return rc;
-        if (depth <= 0) return 0;
-    }
-    while (true) {
+    Int4 depth = braces ? bracebalance(cmdbuf) : 0;
+    Int4 rc = braces ? takeline(b) : 0;
+    while (!braces || depth > 0) {
         numberprompt(Int4(b.offsets.size()) + 1);
+        saved text(typingtext, UByte(1));
         if (nextline(0)) return breakpending ? 1 : error(612);
         if (!braces && isend()) return 0;
-        if (Int4 rc = takeline(b)) return rc;
-        if (braces && (depth += balance(cmdbuf)) <= 0) return 0;
+        if (!rc) rc = takeline(b);
+        if (rc && !braces) return rc;
+        if (braces) depth += bracebalance(cmdbuf);      // a loop too long is read to its end, too
     }
+    return rc;
 }
 
 Int4 storebody(std::string_view name, const storedprogram& header, const body& b) {
@@ -195,16 +183,6 @@ std::string_view storedline(object* o, Int4 i) {
 }  // namespace
 
 const lineinfo* currentline = nullptr;
-
-Int4 closingbrace(std::string_view line) {
-    boolean quoted = false;
-    for (std::size_t i = line.find_first_of("\"{}"); i < line.size(); i = line.find_first_of("\"{}", i + 1)) {
-        if (line[i] == '"') quoted = !quoted;
-        if (line[i] == '{' && !quoted) return -1;
-        if (line[i] == '}' && !quoted) return Int4(i);
-    }
-    return -1;
-}
 
 lineinfo* lineknown(object* o, Int4 i) {
     if (i >= programheader(o).lines) return nullptr;

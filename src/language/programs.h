@@ -50,9 +50,6 @@ void setprogramhome(std::string_view home);
 // The running program's object, or null when it has gone.
 object* runningprogram();
 
-// The place of the brace that closes a block on this line: outside quotes and ahead of any opening one; -1 without one.
-Int4 closingbrace(std::string_view line);
-
 // What is known of a program's line without obeying it, found when it is first run and forgotten when a program comes
 // or goes, or `version` changes.
 struct lineinfo {

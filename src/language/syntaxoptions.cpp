@@ -1,4 +1,6 @@
-// The options of a described program: each rule takes the first typed option that fits it.
+// The options of a described program: each rule takes the first typed option that fits it; one that names another rule
+// in full is that rule's.
+#include <algorithm>
 #include <cmath>
 #include "base/saved.h"
 #include "base/text.h"
@@ -15,19 +17,34 @@ namespace velmo {
 
 namespace {
 
-struct typedstate { typedoption option; boolean consumed; };
+// A typed option, the rule that it names in full, and the rule that took it.
+struct typedstate { typedoption option; const optionrule *exact, *taker; };
 using typedlist = std::vector<typedstate>;
 
 boolean takesargument(const optionrule& rule) { return rule.type != opt_switch; }
 
-// The first unconsumed option that the rule's name fits.
+// The rule that an option names in full, also by the positive form of a `no` option; null without one.
+const optionrule* exactrule(const std::vector<optionrule>& rules, const typedoption& option) {
+    const optionrule* positive = nullptr;
+    for (const optionrule& rule : rules) {
+        if (option.hasargument != takesargument(rule)) continue;
+        if (option.word == (rule.negated ? "no" : "") + rule.name) return &rule;
+        if (option.word == rule.name && !positive) positive = &rule;
+    }
+    return positive;
+}
+
+boolean fits(const typedstate& t, const optionrule& rule, std::string_view prefix) {
+    std::string_view word = t.option.word;
+    if (t.option.hasargument != takesargument(rule) || (t.exact && t.exact->name != rule.name)) return false;
+    return word.starts_with(prefix) && abbrev(word.substr(prefix.size()), rule.name, rule.min);
+}
+
+// The first option left that the rule's name fits.
 typedstate* findtyped(typedlist& typed, const optionrule& rule, std::string_view prefix) {
     for (typedstate& t : typed) {
-        std::string_view word = t.option.word;
-        if (t.consumed || t.option.hasargument != takesargument(rule) || word.substr(0, prefix.size()) != prefix)
-            continue;
-        if (!abbrev(word.substr(prefix.size()), rule.name, rule.min)) continue;
-        t.consumed = true;
+        if (t.taker || !fits(t, rule, prefix)) continue;
+        t.taker = &rule;
         return &t;
     }
     return nullptr;
@@ -105,12 +122,19 @@ Int4 argumentvalue(const optionrule& rule, const typedoption& option, std::strin
     }
 }
 
+// A rule of the same name without `no` has taken an option.
+boolean tookpositive(const typedlist& typed, const optionrule& rule) {
+    return std::any_of(typed.begin(), typed.end(), [&rule](const typedstate& t) {
+        return t.taker && !t.taker->negated && t.taker->name == rule.name && !takesargument(*t.taker);
+    });
+}
+
 Int4 takeoption(const optionrule& rule, typedlist& typed, std::string& value) {
     if (!takesargument(rule)) {
-        if (findtyped(typed, rule, rule.negated ? "no" : ""))
-            value = (rule.negated ? "no" : "") + rule.name;
-        else if (rule.negated)
-            findtyped(typed, rule, "");
+        boolean found = findtyped(typed, rule, rule.negated ? "no" : "");
+        if (found) value = (rule.negated ? "no" : "") + rule.name;
+        if (rule.negated && (findtyped(typed, rule, "") || tookpositive(typed, rule)) && found)
+            return errorf(198, "options %s and no%s may not be combined\n", rule.name.c_str(), rule.name.c_str());
     } else if (typedstate* t = findtyped(typed, rule, "")) {
         return argumentvalue(rule, t->option, value);
     } else if (!rule.otherwise.empty()) {
@@ -131,14 +155,14 @@ Int4 unusedoption(const std::vector<optionrule>& rules, const typedoption& optio
 
 Int4 takeoptions(const std::vector<optionrule>& rules, boolean catchall, assignments& out) {
     typedlist typed;
-    for (const typedoption& option : typedoptions()) typed.push_back({option, false});
+    for (const typedoption& option : typedoptions()) typed.push_back({option, exactrule(rules, option), nullptr});
     for (const optionrule& rule : rules) {
         auto& [name, value] = out.emplace_back("_" + rule.name, "");
         if (Int4 rc = takeoption(rule, typed, value)) return rc;
     }
     std::string rest;
     for (const typedstate& t : typed) {
-        if (t.consumed) continue;
+        if (t.taker) continue;
         if (!catchall) return unusedoption(rules, t.option);
         if (!rest.empty()) rest += ' ';
         rest += t.option.text;

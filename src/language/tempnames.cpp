@@ -1,5 +1,6 @@
 // Temporary names: variables and objects by a counter in base 36, files by a number. A level drops what was named since
 // its entry.
+#include <algorithm>
 #include <cstdlib>
 #include <vector>
 #include "base/text.h"
@@ -13,12 +14,31 @@ namespace velmo {
 Int4 tempnamecounter = 0;
 Int4 tempfilecounter = 0;
 
-std::string newtempname() {
-    if (tempnamecounter >= 2146483647) tempnamecounter = 0;
-    char text[9] = "__000000";
-    Int4 n = tempnamecounter++;
-    for (Int4 i = 7; i >= 2; i--, n /= 36) text[i] = char(n % 36 < 10 ? '0' + n % 36 : 'A' + n % 36 - 10);
+namespace {
+
+// Numbers whose names were in use when the counter came to them, ascending: nobody's temporary names.
+std::vector<Int4> passedover;
+
+std::string nameofnumber(Int4 n) {
+    std::string text = "__000000";
+    for (std::size_t i = 7; i >= 2; i--, n /= 36) text[i] = char(n % 36 < 10 ? '0' + n % 36 : 'A' + n % 36 - 10);
     return text;
+}
+
+}  // namespace
+
+std::string newtempname() {
+    while (true) {
+        if (tempnamecounter >= 2147483647) {
+            tempnamecounter = 0;
+            passedover.clear();
+        }
+        std::string name = nameofnumber(tempnamecounter);
+        boolean used = findvar(name) || objfind(name, obj_scalar);
+        if (used) passedover.push_back(tempnamecounter);
+        tempnamecounter++;
+        if (!used) return name;
+    }
 }
 
 boolean istempname(std::string_view name, Int4 from) {
@@ -28,7 +48,8 @@ boolean istempname(std::string_view name, Int4 from) {
         if (!isdigit(c) && !(c >= 'A' && c <= 'Z')) return false;
         n = n * 36 + (isdigit(c) ? c - '0' : c - 'A' + 10);
     }
-    return n >= from && n < tempnamecounter;
+    if (n < from || n >= tempnamecounter) return false;
+    return !std::binary_search(passedover.begin(), passedover.end(), Int4(n));
 }
 
 void droptempnames(Int4 from) {

@@ -12,6 +12,7 @@
 #include "data/cells.h"
 #include "data/run.h"
 #include "language/autoload.h"
+#include "language/braces.h"
 #include "language/control.h"
 #include "language/dofile.h"
 #include "language/expand.h"
@@ -27,6 +28,10 @@ namespace velmo {
 UByte exitflag = 0;
 UByte hardexit = 0;
 Int4 sysclock = 1;
+
+namespace {
+Int4 turndepth = 0;        // commands being run: each prefix, block and call is one within another
+}
 
 void takecmdword() {
     nexttoken();
@@ -68,10 +73,12 @@ Int4 runrow(const command& row) {
 }  // namespace
 
 Int4 dispatch() {
-    if (shuttingdown) {
+    if (shuttingdown || endpending) {
         hardexit = exitflag = 1;
         return 0;
     }
+    if (turndepth >= maxturns) return skipfailed(error(1000), openedblock(tokstart));
+    saved deeper(turndepth, turndepth + 1);
     parse_defaults();
     outlevel = 0;
     sysclock = sysclock >= 0x7ffffffe ? 1 : sysclock + 1;
@@ -80,7 +87,6 @@ Int4 dispatch() {
     if (cmdword[0] == '{') return runblock();
     const command* row = singlecharacter();
     if (!row) row = commandrow(cmdword);
-    if (!execflag && !(row && row->handler && (row->flags & cmd_skip))) return 0;
     return row ? runrow(*row) : runprogram();
 }
 
@@ -114,7 +120,7 @@ void report(std::int64_t starttime) {
 
 // std::bad_alloc from small work space ends here, after the guards have run.
 Int4 docmd() {
-    if (shuttingdown) {
+    if (shuttingdown || endpending) {
         hardexit = exitflag = 1;
         return 0;
     }
@@ -130,7 +136,9 @@ Int4 docmd() {
         boolean loop = !inprogram && looppeek();
         wasexpanded = !loop;
         lastrc = loop || plain ? 0 : expandmacros(marks);
-        if (!lastrc) {
+        if (lastrc) {
+            skipfailed(lastrc);
+        } else {
             takecmdword();
             lastrc = dispatch();
         }

@@ -10,6 +10,9 @@ namespace velmo {
 extern UByte exitflag;       // set by exit: end the present reading level
 extern UByte hardexit;       // set by exit, VELMO: end the whole session
 extern Int4 sysclock;        // commands dispatched; from 0x7ffffffe it goes to 1
+// How deep commands may stand within each other, each prefix, block, loop and call counting: 1000 beyond. The stack of
+// 8 MB holds them, and what the innermost command needs, also under sanitizers.
+inline constexpr Int4 maxturns = 600;
 
 // One turn on cmdbuf: 1 to keep reading at this level, 0 to stop.
 Int4 docmd();

@@ -67,7 +67,9 @@ Int4 appendname(const std::string& token) {
     return appendrange(from, to);
 }
 
-// ---- Time-series elements: ops.var or ops.(var ...), where ops may hold one parenthesised numlist.
+// ---- Time-series elements: ops.var or ops.(var ...), where ops may hold parenthesised numlists.
+
+constexpr std::size_t maxcombinations = 1000;
 
 // The numbers of a list such as 1/3 or 1 4 7 in an operator; at most 100.
 Int4 operatornumbers(std::string_view text, std::vector<Int4>& out) {
@@ -91,9 +93,9 @@ Int4 operatornumbers(std::string_view text, std::vector<Int4>& out) {
     return out.empty() ? invalid() : 0;
 }
 
-// The operator numbers that `ops` stands for: one, or one for each number of its list.
+// The operator numbers that `ops` stands for: one, or one for each combination of its lists' numbers.
 Int4 operatorsof(const std::string& ops, std::vector<Int4>& out) {
-    if (ops.size() > 79) return opmsg(ops, op_toolong);
+    if (out.size() >= maxcombinations) return opmsg(ops, op_invalid);
     std::size_t open = ops.find('('), close = ops.find(')');
     Int4 number;
     if (open == std::string::npos) {
@@ -106,8 +108,7 @@ Int4 operatorsof(const std::string& ops, std::vector<Int4>& out) {
     if (Int4 rc = operatornumbers(std::string_view(ops).substr(open + 1, close - open - 1), counts)) return rc;
     for (Int4 k : counts) {
         std::string one = ops.substr(0, open) + std::to_string(k) + ops.substr(close + 1);
-        if (Int4 rc = ts_parse(one, &number)) return rc;
-        out.push_back(number);
+        if (Int4 rc = operatorsof(one, out)) return rc;
     }
     return 0;
 }
@@ -142,6 +143,7 @@ Int4 appendtimeseries() {
     if (p_tsops == 3) return error(6101);
     std::string ops, element = tokbuf;
     if (!operatortext(ops)) return opmsg(element, op_invalid);
+    if (ops.size() > 79) return opmsg(ops, op_toolong);
     std::vector<Int4> operators;
     if (Int4 rc = operatorsof(ops, operators)) return rc;
     if (Int4 rc = tsetup()) return rc;

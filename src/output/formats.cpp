@@ -1,9 +1,12 @@
 // The parser and the front of the renderers. A command renders many values by a few formats, so the last ones are
 // kept broken up.
 #include "output/formats.h"
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include "base/columns.h"
+#include "base/saved.h"
 #include "base/text.h"
 #include "output/fmtparts.h"
 
@@ -121,9 +124,10 @@ const fmtparts& partsof(const char* fmt) {
     return f;
 }
 
-Int4 padded(std::string_view text, Int4 width, Int4 just) {
+// `taken`: what the text takes of the width.
+Int4 padded(std::string_view text, Int4 width, Int4 just, Int4 taken) {
     Int4 n = Int4(text.size() < sizeof dbuf ? text.size() : sizeof dbuf - 1);
-    Int4 pad = width > n ? width - n : 0;
+    Int4 pad = std::clamp(width - taken, 0, Int4(sizeof dbuf) - 1 - n);
     Int4 front = just > 0 ? pad : just < 0 ? 0 : pad / 2;
     std::memmove(dbuf + front, text.data(), std::size_t(n));
     std::memset(dbuf, ' ', std::size_t(front));
@@ -139,7 +143,7 @@ Int4 chkfmt(std::string_view fmt, Int4 kind, fmtspec* spec) {
     return check(fmt, kind, spec ? *spec : own);
 }
 
-Int4 missingform(const fmtparts& f) { return padded(".", f.spec.width, f.spec.just); }
+Int4 missingform(const fmtparts& f) { return padded(".", f.spec.width, f.spec.just, 1); }
 
 Int4 fmtnum(const char* fmt, Double value) {
     const fmtparts& f = partsof(fmt);
@@ -148,14 +152,18 @@ Int4 fmtnum(const char* fmt, Double value) {
     return f.route == by_date || f.route == by_period ? dateform(f, value) : numberform(f, value);
 }
 
+Int4 fmtread(const char* fmt, Double value) {
+    saved point(dpcomma, UByte(0));
+    return fmtnum(fmt, value);
+}
+
 Int4 fmttrimmed(const char* fmt, Double value, char* out) {
     const fmtparts& f = partsof(fmt);
     quicktext text;
     if (f.wholes && value > -1e15 && value < 1e15 && value == Double(std::int64_t(value)))
         return Int4(std::to_chars(out, out + 20, std::int64_t(value)).ptr - out);
-    boolean swap = f.spec.dpcomma || dpcomma;
-    if (f.quick && !swap && quicknumber(f, value, text)) return Int4(putquick(out, text, value < 0) - out);
-    std::string_view whole = trimmed({dbuf, std::size_t(fmtnum(fmt, value))});
+    if (f.quick && !f.spec.dpcomma && quicknumber(f, value, text)) return Int4(putquick(out, text, value < 0) - out);
+    std::string_view whole = trimmed({dbuf, std::size_t(fmtread(fmt, value))});
     std::memcpy(out, whole.data(), whole.size());
     return Int4(whole.size());
 }
@@ -163,7 +171,13 @@ Int4 fmttrimmed(const char* fmt, Double value, char* out) {
 Int4 fmtstr(const char* fmt, std::string_view text, boolean cut) {
     const fmtparts& f = partsof(fmt);
     if (cut && Int4(text.size()) > f.spec.width) text = text.substr(0, std::size_t(f.spec.width));
-    return padded(text, f.spec.width, f.spec.just);
+    return padded(text, f.spec.width, f.spec.just, Int4(text.size()));
+}
+
+Int4 fmtshown(const char* fmt, std::string_view text, boolean cut) {
+    const fmtparts& f = partsof(fmt);
+    if (cut) text = text.substr(0, bytesin(text, f.spec.width));
+    return padded(text, f.spec.width, f.spec.just, textcolumns(text));
 }
 
 void defaultformat(UByte type, char (&out)[fmtsize]) {
@@ -249,6 +263,19 @@ char* abbrevname(char* out, std::size_t size, std::string_view name, Int4 n) {
         text[kept++] = rest.back();
     }
     return copytext(out, size, {text, kept});
+}
+
+// The characters of a name are few: those at either end are looked for among them.
+std::string shownname(std::string_view name, Int4 n) {
+    char text[300];
+    if (isascii(name)) return abbrevname(text, sizeof text, name, n);
+    if (textcolumns(name) <= n) return std::string(name);
+    std::size_t last = 0;
+    for (std::size_t next = 0; next < name.size(); next += std::size_t(charat(name.substr(next)).bytes)) last = next;
+    std::string_view end = name.substr(last);
+    Int4 kept = n - 1 - textcolumns(end);
+    if (kept < 1) return std::string(name.substr(0, bytesin(name, n)));
+    return std::string(name.substr(0, bytesin(name, kept))) + "~" + std::string(end);
 }
 
 }  // namespace velmo

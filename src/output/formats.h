@@ -3,6 +3,7 @@
 // fixed against exponential form; it never uses the library's %g. All renderers share dbuf: the result stands
 // there until the next rendering, so a caller prints or copies it at once. Nothing prints and nothing fails.
 #pragma once
+#include <string>
 #include <string_view>
 #include "base/types.h"
 
@@ -37,14 +38,18 @@ Int4 chkfmt(std::string_view fmt, Int4 kind, fmtspec* spec = nullptr);
 // The decimal image of x, which must be finite.
 void decimalimage(Double x, digrec& out);
 
-// Renders value into dbuf by a format that passed chkfmt, and returns its length.
+// Renders value for people into dbuf by a format that passed chkfmt, and returns its length.
 Int4 fmtnum(const char* fmt, Double value);
-
-// The same without the blanks at either end into `out`, which holds 512 bytes; dbuf may or may not change.
+// The same for programs, which read the text back: with a point whatever `set dp` says (a comma in the format itself
+// stays one). What goes into macros, strings, files and lists is rendered by these two.
+Int4 fmtread(const char* fmt, Double value);
+// fmtread without the blanks at either end into `out`, which holds 512 bytes; dbuf may or may not change.
 Int4 fmttrimmed(const char* fmt, Double value, char* out);
 
 // Renders `text` by a string format into dbuf: padded to the width, cut to it only when `cut`.
 Int4 fmtstr(const char* fmt, std::string_view text, boolean cut);
+// The same for what people read in tables: the width counts columns, and a cut falls between characters.
+Int4 fmtshown(const char* fmt, std::string_view text, boolean cut);
 
 // The default display format of a new variable of storage type `type`, written to `out`.
 void defaultformat(UByte type, char (&out)[fmtsize]);
@@ -68,5 +73,7 @@ void sizetext(char* out, std::size_t size, std::uint64_t bytes);
 // A variable's name abbreviated to n columns: unchanged when it fits, else the first n-2 characters, ~, the last
 // one (n under 3: cut). A time-series prefix stays whole when it fits. Returns `out`, which holds size bytes.
 char* abbrevname(char* out, std::size_t size, std::string_view name, Int4 n);
+// The same for what people read in tables: n columns, whole characters.
+std::string shownname(std::string_view name, Int4 n);
 
 }  // namespace velmo

@@ -1,6 +1,7 @@
 #include "output/logs.h"
 #include <cstdio>
 #include <string>
+#include "base/columns.h"
 #include "base/platform.h"
 #include "base/saved.h"
 #include "base/text.h"

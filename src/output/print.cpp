@@ -144,6 +144,13 @@ Int4 prtflush() {
     return breakpending;
 }
 
+void prttyped(std::string_view line, boolean seen) {
+    if (results) vstream_setmuted(results, seen);
+    prtquiet(line);
+    prtraw("\n");
+    if (results) vstream_setmuted(results, false);
+}
+
 Int4 prtpage(std::string_view text) {
     if (!results) return breakpending;
     vstream_clearpage(results);

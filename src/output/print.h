@@ -31,6 +31,7 @@ Int4 prtflush();                               // the unfinished line shows at o
 void prtpartial();                             // the same at any level, as at a command's end
 Int4 prtpage(std::string_view text);           // never causes a pause
 Int4 prtstatus(std::string_view text);
+void prttyped(std::string_view line, boolean seen);    // a typed line, ended; to the logs only when the user sees it
 Int4 prtnum(const char* fmt, Double value);    // fmtnum, printed
 void prtcolour();                              // the colour of the present outlevel, when it shows
 

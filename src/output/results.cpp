@@ -10,14 +10,32 @@ Int4 linesize = 79;
 Int4 pagesize = 23;
 UByte more_on = 1;
 Int4 linegap = 1;
+Int4 colours = colours_auto;
+
+namespace {
+
+Int4 windowcolumns = 79;
+boolean linesizeset = false, pagesizeset = false;
+
+void uselinesize(Int4 n) {
+    linesize = std::clamp(n, 40, 255);
+    if (console) vstream_setlinesize(console, linesize);
+}
+
+void usepagesize(Int4 n) {
+    pagesize = std::clamp(n, 0, 32000);
+    if (console) vstream_setpage(console, pagesize);
+}
+
+}  // namespace
 
 boolean results_open() {
     if (console) return true;
     console = vstream_new();
     results = console;
     if (!console) return false;
-    setlinesize(linesize);
-    setpagesize(pagesize);
+    uselinesize(linesize);
+    usepagesize(pagesize);
     setmore(more_on);
     return true;
 }
@@ -29,13 +47,24 @@ void results_close() {
 }
 
 void setlinesize(Int4 n) {
-    linesize = std::clamp(n, 40, 255);
-    if (console) vstream_setlinesize(console, linesize);
+    linesizeset = true;
+    uselinesize(n);
 }
 
 void setpagesize(Int4 n) {
-    pagesize = std::clamp(n, 0, 32000);
-    if (console) vstream_setpage(console, pagesize);
+    pagesizeset = true;
+    usepagesize(n);
+}
+
+void unsetlinesize() {
+    linesizeset = false;
+    uselinesize(windowcolumns);
+}
+
+void setwindow(Int4 columns, Int4 rows) {
+    windowcolumns = columns;
+    if (!linesizeset) uselinesize(columns);
+    if (!pagesizeset) usepagesize(std::max(rows - 1, 2));
 }
 
 void setmore(boolean on) {

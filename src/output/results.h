@@ -6,13 +6,16 @@
 
 namespace velmo {
 
+enum colourset : Int4 { colours_auto, colours_dark, colours_light, colours_none };
+
 // State
 extern vstream* results;       // where print calls write
 extern vstream* console;       // the stream made at the start
 extern Int4 printcount;        // suppressed prints and shown lines since the last poll
-extern Int4 linesize;          // the setting, 40 to 255; 79 until set
-extern Int4 pagesize;          // the setting, lines a page, 0 to 32000; 23 until set
+extern Int4 linesize;          // the setting, 40 to 255; until set the window's, and 79 without one
+extern Int4 pagesize;          // the setting, lines a page, 0 to 32000; until set the window's, and 23 without one
 extern UByte more_on;          // the setting
+extern Int4 colours;           // the setting, a colourset
 extern Int4 linegap;           // the setting, lines between paragraphs of the results, 0 to 10
 
 // Makes the stream; false when memory is short.
@@ -22,6 +25,9 @@ void results_close();
 // Sends settings to the stream.
 void setlinesize(Int4 n);      // clamps to 40..255
 void setpagesize(Int4 n);
+void unsetlinesize();          // back to the window's
+// The terminal's window, as often as it changes: the sizes of what has not been set.
+void setwindow(Int4 columns, Int4 rows);
 void setmore(boolean on);
 
 }  // namespace velmo

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include "base/columns.h"
 #include "base/memalloc.h"
 #include "base/poll.h"
 #include "base/saved.h"
@@ -199,7 +200,7 @@ void buildmore() {
 }
 
 Int4 addlength(void* data, const UByte* record, Int4 code) {
-    if (code == vcode_line) *static_cast<Int4*>(data) += Int4(vline_view(record).text.size());
+    if (code == vcode_line) *static_cast<Int4*>(data) += vline_columns(vline_view(record));
     return 0;
 }
 
@@ -213,7 +214,7 @@ void vtml_reset(vstream* s) {
     s->linesize = s->save_linesize = 79;
     s->matched = s->nheld = s->depth = s->changes = 0;
     s->style = s->blankstyle = style_text;
-    s->can_underline = s->in_more = s->skip_nl = s->blankstate = s->binding = s->inlink = 0;
+    s->can_underline = s->in_more = s->muted = s->skip_nl = s->blankstate = s->binding = s->inlink = 0;
     s->link_default = 20;
     s->morelines = s->morecount = 0;
     s->more_on = 1;
@@ -235,7 +236,7 @@ void measure_done(vstream*) { nmeasuring--; }
 
 Int4 vtml_measure(std::string_view text, UByte can_underline) {
     vstream* s = text.find('{') == std::string_view::npos ? nullptr : measure_take();
-    if (!s) return Int4(text.size());
+    if (!s) return textcolumns(text);
     Int4 width = 0;
     s->can_underline = can_underline;
     vstream_setcallback(s, addlength, &width);
@@ -343,6 +344,7 @@ void vstream_setmode(vstream* s, vmode m) {
 
 vmode vstream_mode(const vstream* s) { return s->mode; }
 void vstream_setclosed(vstream* s, boolean closed) { s->closed = closed; }
+void vstream_setmuted(vstream* s, boolean muted) { s->muted = muted; }
 
 // The marker stands only at the end of a chunk, and may come in pieces.
 void vstream_write(vstream* s, std::string_view text) {
@@ -440,7 +442,7 @@ boolean vstream_atstart(const vstream* s) { return s->line.n == 0 && s->word.n =
 UByte vstream_style(const vstream* s) { return s->style; }
 
 Int4 vstream_more(vstream* s) {
-    if (!s->callback || !s->more_on || morerecord[0] == 0) return 0;
+    if (!s->callback || s->muted || !s->more_on || morerecord[0] == 0) return 0;
     s->in_more = 1;
     Int4 key = s->callback(s->data, morerecord, vcode_more);
     s->in_more = 0;

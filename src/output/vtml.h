@@ -11,6 +11,8 @@
 //        styles: u8 runs - 1, u8 0, then for each run {u8 style, u8 column where the run ends}
 //        text, zero-terminated
 //
+// Columns in a record count bytes of its text. A line is at most its size in columns of the screen, and 255 bytes.
+//
 // A style byte:  bit 7 line graphic | bit 6 a {c x} above 127 | bit 5 underline |
 //                bits 3-4 font (0 standard, 8 italic, 16 bold) |
 //                bits 0-2 colour (1 result, 2 text, 4 error, 5 input, 6 link, 7 highlight)
@@ -46,6 +48,8 @@ struct vstream;    // vtmlinternal.h
 // What a consumer reads from a record.
 struct vlineview { std::string_view text; const UByte* styles; const UByte* links; boolean continued; };
 vlineview vline_view(const UByte* record);
+// What a line takes on the screen.
+Int4 vline_columns(const vlineview& line);
 // The style of column c (from 0) of a line.
 UByte vline_style(const vlineview& line, Int4 c);
 // The plain character for a line graphic of code c: '-', '|' or '+'.
@@ -66,6 +70,7 @@ void vstream_setcallback(vstream* s, vcallback fn, void* data);
 void vstream_setmode(vstream* s, vmode m);
 vmode vstream_mode(const vstream* s);
 void vstream_setclosed(vstream* s, boolean closed);
+void vstream_setmuted(vstream* s, boolean muted);          // lines go to the logs only
 void vstream_write(vstream* s, std::string_view text);     // raw VTML
 void vstream_text(vstream* s, std::string_view text);      // text whose braces are escaped
 void vstream_flush(vstream* s);                            // ends the unfinished line; code 3; logs written out

@@ -176,7 +176,7 @@ boolean dir_rule(vstream* s, const directive&) {
 }
 
 boolean dir_hline(vstream* s, const directive& d) {
-    Int4 n = s->linesize - s->line.n;
+    Int4 n = s->linesize - s->line.columns;
     if (d.hastext) return false;
     if (trimmed(d.args).empty()) {
         if (s->mode != vmode_vtml) return false;
@@ -207,10 +207,10 @@ boolean dir_col(vstream* s, const directive& d) {
     Int4 column;
     if (s->mode != vmode_vtml || !onlynumber(d.args, column) || column > 255) return false;
     column = std::max(column, 1) - 1;
-    if (!d.hastext) blanks(s, column - s->line.n);
+    if (!d.hastext) blanks(s, column - s->line.columns);
     // A text that shows nothing, or that ends lines, would never get there.
-    for (Int4 before = -1; d.hastext && s->line.n < column && s->line.n > before;) {
-        before = s->line.n;
+    for (Int4 before = -1; d.hastext && s->line.columns < column && s->line.columns > before;) {
+        before = s->line.columns;
         vtml_inner(s, d.text);
     }
     return true;
@@ -230,8 +230,8 @@ enum alignment : Int4 { align_left, align_centre, align_right };
 // In what is left of the line, or on a new line if that is too short.
 boolean alignrest(vstream* s, const directive& d) {
     Int4 width = vtml_measure(d.text, s->can_underline);
-    if (width > s->linesize - s->line.n && s->line.n > 0) line_emit(s);
-    Int4 free = std::max(s->linesize - s->line.n - width, 0);
+    if (width > s->linesize - s->line.columns && s->line.n > 0) line_emit(s);
+    Int4 free = std::max(s->linesize - s->line.columns - width, 0);
     blanks(s, d.value == align_right ? free : free / 2);
     vtml_inner(s, d.text);
     return true;

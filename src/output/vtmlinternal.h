@@ -19,9 +19,11 @@ inline constexpr Int4 targetsize = 255;         // longest link target, with its
 inline constexpr Int4 maxdepth = 20;
 inline constexpr char bindingblank = 19;        // in a word: a blank that does not break
 
-// The line being built. A run ends in column runend[i]; the first may be empty, later ones never are.
+// The line being built. A run ends at byte runend[i]; the first may be empty, later ones never are.
 struct vline {
-    Int4 n;
+    Int4 n;                  // bytes
+    Int4 columns;            // what they take on the screen
+    Int4 begun;              // bytes at the end that begin a character whose rest may come with the next text
     Int4 nruns;
     UByte runstyle[256];
     UByte runend[256];
@@ -71,6 +73,7 @@ struct vstream {
     Int4 morelines;          // lines a page; 0 no paging
     Int4 morecount;          // lines since the last pause
     UByte more_on;
+    UByte muted;             // lines go to the logs only
     Int4 depth;              // nesting of the parser: 1 while a chunk is read, more in texts of directives
     Int4 changes;            // counts changes of mode, so that the parser notices one
     UByte skip_nl;           // the next newline, if nothing stands before it, is dropped: after {p_end} and {.-}

@@ -1,6 +1,7 @@
 // Lines, words and links. line_place is the only way text gets into a line; line_emit the only way a line leaves.
 #include <algorithm>
 #include <cstring>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "output/vtmlinternal.h"
 
@@ -15,8 +16,10 @@ void putword(UByte* p, Int4 v) {
 
 Int4 getword(const UByte* p) { return p[0] | p[1] << 8; }
 
+constexpr Int4 mostbytes = 255;
+
 // Columns of the line that are free; none when the line size was lowered below what stands there.
-Int4 room(const vstream* s) { return std::max(s->linesize - s->line.n, 0); }
+Int4 room(const vstream* s) { return std::max(std::min(s->linesize - s->line.columns, mostbytes - s->line.n), 0); }
 
 void extendrun(vline& l, UByte style, Int4 n) {
     if (l.runstyle[l.nruns - 1] != style) {
@@ -28,13 +31,15 @@ void extendrun(vline& l, UByte style, Int4 n) {
     l.runend[l.nruns - 1] = UByte(l.n);
 }
 
-// Into the line as it stands: no wrap, no link. What would pass the line's store is dropped.
+// Into the line as it stands, a column a byte: no wrap, no link. What would pass the line's store is dropped.
 void rawput(vstream* s, std::string_view text, UByte style) {
     vline& l = s->line;
-    Int4 n = std::min(Int4(text.size()), 255 - l.n);
+    Int4 n = std::min(Int4(text.size()), mostbytes - l.n);
     if (n <= 0) return;
     std::memcpy(l.text + l.n, text.data(), std::size_t(n));
     extendrun(l, style, n);
+    l.columns += n;
+    l.begun = 0;
 }
 
 void rawblanks(vstream* s, Int4 n, UByte style) {
@@ -98,12 +103,78 @@ void placeword(vstream* s, Int4 from, Int4 to) {
     }
 }
 
+// What a run of text takes: characters that were written by their code are a byte each.
+Int4 runcolumns(std::string_view text, UByte style) {
+    return style & (style_graphic | style_code) ? Int4(text.size()) : textcolumns(text);
+}
+
+Int4 wordcolumns(const vword& w) {
+    std::string_view text(w.text, std::size_t(w.n));
+    if (isascii(text)) return w.n;
+    Int4 n = 0;
+    for (std::size_t from = 0, to = 0; from < text.size(); from = to) {
+        while (to < text.size() && w.style[to] == w.style[from]) to++;
+        n += runcolumns(text.substr(from, to - from), w.style[from]);
+    }
+    return n;
+}
+
+void wrap(vstream* s, UByte style) {
+    line_emit(s);
+    rawput(s, "> ", UByte(style & ~style_graphic));
+}
+
+struct piece { std::size_t bytes; Int4 columns; };
+
+// As much of text as the line has room for, up to the end of a character.
+piece fitting(const vstream* s, std::string_view text) {
+    piece p{0, 0};
+    Int4 columns = s->linesize - s->line.columns, bytes = mostbytes - s->line.n;
+    while (p.bytes < text.size()) {
+        textchar c = charat(text.substr(p.bytes));
+        if (p.columns + c.columns > columns || Int4(p.bytes) + c.bytes > bytes) break;
+        p.bytes += std::size_t(c.bytes);
+        p.columns += c.columns;
+    }
+    return p;
+}
+
+void putpiece(vstream* s, std::string_view text, Int4 columns, UByte style) {
+    rawput(s, text, style);
+    s->line.columns += columns - Int4(text.size());
+}
+
+// The character that an earlier text began, put together with what this one begins with, if they make one.
+void finishbegun(vstream* s, std::string_view& text, UByte style) {
+    vline& l = s->line;
+    char whole[8];
+    Int4 had = l.begun, runstart = l.nruns > 1 ? l.runend[l.nruns - 2] : 0;
+    std::size_t more = std::min(text.size(), sizeof whole - 3);
+    if (l.n - had < runstart) return;
+    std::memcpy(whole, l.text + l.n - had, std::size_t(had));
+    std::memcpy(whole + had, text.data(), more);
+    std::string_view joined(whole, std::size_t(had) + more);
+    if (unfinishedbytes(joined) == Int4(joined.size())) {        // whether it fits shows when it is whole
+        rawput(s, text, style);
+        text = {};
+    }
+    textchar c = charat(joined);
+    if (c.bytes <= had || text.empty()) return;
+    l.n -= had;
+    l.columns -= had;
+    l.runend[l.nruns - 1] = UByte(l.n);
+    if (l.n == runstart && l.nruns > 1) l.nruns--;
+    if (c.columns > s->linesize - l.columns || c.bytes > mostbytes - l.n) wrap(s, style);
+    putpiece(s, {whole, std::size_t(c.bytes)}, c.columns, style);
+    text.remove_prefix(std::size_t(c.bytes - had));
+}
+
 boolean endssentence(char c) { return c == '.' || c == '!' || c == '?' || c == ':'; }
 
 }  // namespace
 
 void line_reset(vstream* s) {
-    s->line.n = 0;
+    s->line.n = s->line.columns = s->line.begun = 0;
     s->line.nruns = 1;
     s->line.runstyle[0] = s->style;
     s->line.runend[0] = 0;
@@ -114,17 +185,20 @@ void line_reset(vstream* s) {
 void line_place(vstream* s, std::string_view text, UByte style) {
     if (text.empty()) return;
     s->skip_nl = 0;
+    boolean bytewise = style & (style_graphic | style_code) || (s->line.begun == 0 && isascii(text));
+    if (!bytewise && s->line.begun > 0) finishbegun(s, text, style);
     while (true) {
-        std::size_t n = std::min(text.size(), std::size_t(room(s)));
-        if (n > 0) {
+        Int4 n = std::min(Int4(text.size()), room(s));
+        piece p = bytewise ? piece{std::size_t(n), n} : fitting(s, text);
+        if (p.bytes > 0) {
             if (s->link.active && s->link.entry < 0) openentry(s);
-            rawput(s, text.substr(0, n), style);
-            text.remove_prefix(n);
+            putpiece(s, text.substr(0, p.bytes), p.columns, style);
+            text.remove_prefix(p.bytes);
         }
-        if (text.empty()) return;
-        line_emit(s);
-        rawput(s, "> ", UByte(style & ~style_graphic));
+        if (text.empty()) break;
+        wrap(s, style);
     }
+    if (!bytewise) s->line.begun = unfinishedbytes({s->line.text, std::size_t(s->line.n)});
 }
 
 void line_fill(vstream* s, char c, Int4 n, UByte style) {
@@ -133,7 +207,7 @@ void line_fill(vstream* s, char c, Int4 n, UByte style) {
     for (; n > 0; n -= 64) line_place(s, {piece, std::size_t(std::min(n, 64))}, style);
 }
 
-void line_tab(vstream* s) { line_fill(s, ' ', 8 - s->line.n % 8, s->style); }
+void line_tab(vstream* s) { line_fill(s, ' ', 8 - s->line.columns % 8, s->style); }
 
 const UByte* line_record(vstream* s) {
     vline& l = s->line;
@@ -165,7 +239,7 @@ const UByte* line_record(vstream* s) {
 void line_emit(vstream* s) {
     closeentry(s);
     if (s->linelogs.n > 0) log_line(s);
-    const UByte* record = s->callback ? line_record(s) : nullptr;
+    const UByte* record = s->callback && !s->muted ? line_record(s) : nullptr;
     if (s->mode == vmode_paragraph) s->para_lines++;
     line_reset(s);
     if (record) s->callback(s->data, record, vcode_line);
@@ -176,7 +250,7 @@ void word_flush(vstream* s, Int4 extra) {
     Int4 n = s->word.n;
     if (n == 0) return;
     Int4 blanks = s->line.n > 0 ? gap(s) : 0;
-    if (s->line.n > 0 && s->line.n + blanks + n + extra > s->linesize) line_emit(s);
+    if (s->line.n > 0 && s->line.columns + blanks + wordcolumns(s->word) + extra > s->linesize) line_emit(s);
     if (s->line.n > 0)
         rawblanks(s, blanks, s->blankstyle);
     else
@@ -238,6 +312,17 @@ vlineview vline_view(const UByte* record) {
     Int4 size = getword(record) - text - 1;
     return {{reinterpret_cast<const char*>(record) + text, std::size_t(size)}, record + getword(record + 2), record + 8,
             record[6] != 0};
+}
+
+Int4 vline_columns(const vlineview& line) {
+    Int4 n = 0;
+    std::size_t from = 0;
+    for (Int4 i = 0; i <= line.styles[0]; i++) {
+        std::size_t to = line.styles[3 + 2 * i];
+        n += runcolumns(line.text.substr(from, to - from), line.styles[2 + 2 * i]);
+        from = to;
+    }
+    return n;
 }
 
 UByte vline_style(const vlineview& line, Int4 c) {

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -30,7 +31,8 @@
 
 namespace velmo {
 
-void endlogs();     // commands/system/logs.cpp
+void endlogs();           // commands/system/logs.cpp
+void colours_load();      // commands/system/settings.cpp
 
 char startcmd[1000];
 UByte noconsole = 0;
@@ -123,6 +125,7 @@ void storedsizes() {
     if (prefs_getint("mem_xe_w", "memory", v) && v > 0) memory = std::uint64_t(v);
     std::string more;
     if (prefs_get("set_w", "more", more)) more_on = more != "off" && more != "0";
+    colours_load();
 }
 
 // The log of a batch run is named after the do-file of the start-up command.
@@ -228,10 +231,10 @@ std::string findprofile() {
     return isplainfile(beside) ? beside : "";
 }
 
-void runline(std::string_view line) {
+Int4 runline(std::string_view line) {
     copytext(cmdbuf, std::size_t(conslen), line);
     settokpos(cmdbuf);
-    docmd();
+    return docmd();
 }
 
 void runprofile() {
@@ -292,14 +295,16 @@ Int4 session_main() {
     runprofile();
     if (!shuttingdown && !trimmed(startcmd).empty()) runstartcmd();
     if (!noconsole)
-        while (!shuttingdown) {
+        while (!shuttingdown && !endpending) {
             prtraw("\n");
             Int4 ended = nextline(0);
             if (ended && breakpending) continue;         // Break at the prompt: another prompt
-            if (ended || !docmd()) break;
+            if (ended && eofseen != source_endtyped) break;
+            if (!(ended ? runline("exit") : docmd())) break;
         }
+    if (lastrc && !isterminal(0)) exitstatus = 1;
     shutdown(0);
-    return exitstatus;
+    return endpending && endpending != SIGPIPE ? 128 + endpending : exitstatus;
 }
 
 void shutdown(Int4 code) {

@@ -286,10 +286,12 @@ TEST(tempfiles, names_differ_and_go_at_the_end) {
     EXPECT_FALSE(filestat(folder.c_str()).exists);
     setenv("VELMOTMP", "/no/such/folder", 1);
     setenv("TEMP", "/tmp", 1);
+    tempfile_init();
     EXPECT_EQ(tempfilename(a, '_', 1), 0);       // the next place that lets it
     tempfile_removeall();
     unsetenv("VELMOTMP");
     unsetenv("TEMP");
+    tempfile_init();
 }
 
 TEST(preferences, survive_a_session) {

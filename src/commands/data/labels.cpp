@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 #include <vector>
+#include "base/columns.h"
 #include "base/memalloc.h"
 #include "base/poll.h"
 #include "base/saved.h"
@@ -360,10 +361,10 @@ Int4 chardefine() {
 Int4 showchar(const std::string& owner, const std::string& name) {
     std::string text = char_get(owner, name);
     std::string head = owner + "[" + name + "]:";
-    Int4 indent = std::max(Int4(head.size()) + 4, 28);
+    Int4 headed = textcolumns(head), indent = std::max(headed + 4, 28);
     prtraw("{p 2 " + std::to_string(std::min(indent, 40)) + "}\n{txt}");
     prt(head);
-    prtraw("{bind:" + std::string(std::size_t(std::max<Int4>(2, 26 - Int4(head.size()))), ' ') + "}{res}");
+    prtraw("{bind:" + std::string(std::size_t(std::max(2, 26 - headed)), ' ') + "}{res}");
     prtquiet(text);
     return prtraw("\n{p_end}\n");
 }

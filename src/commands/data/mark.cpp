@@ -146,7 +146,7 @@ Int4 cmd_markout() { return markouthere(); }
 
 // marksample name [, strok zeroweight novarlist noby]
 Int4 cmd_marksample() {
-    std::string local = std::string("_") + nexttoken(), name = newtempname();
+    std::string local = macroname(nexttoken(), true), name = newtempname();
     if (!validname(local) || local == "_") return badname(local.substr(1));
     if (Int4 rc = parseoptions()) return rc;
     boolean strok = getopt_flag("strok", 5), keepzero = getopt_flag("zeroweight", 4);

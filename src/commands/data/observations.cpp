@@ -142,7 +142,8 @@ Int4 cmd_count() {
 
 namespace {
 
-Int4 tested = 0, contradicted = 0;     // over all groups
+Int4 tested = 0, contradicted = 0;     // observations over all groups
+Int4 groups = 0;                       // that had one to test
 
 Int4 assertblock(Int4 first, Int4 n, const UByte* mask) {
     Double values[blocksize];
@@ -166,13 +167,15 @@ Int4 cmd_assert() {
     if (Int4 rc = stdparse()) return rc;
     boolean forgive = getopt_flag("rc0", 1);
     if (Int4 rc = getopt_done()) return rc;
-    if (bymode <= 1) tested = contradicted = 0;
+    if (bymode <= 1) tested = contradicted = groups = 0;
+    Int4 before = tested;
     if (Int4 rc = overblocks([](Int4 first, Int4 n, const UByte* mask) { assertblock(first, n, mask); })) return rc;
+    groups += tested > before;
     if (bymode && !bylastgroup) return 0;
     if (tested == 0) notef("(null assertion)\n");
     if (contradicted == 0) return 0;
     if (quietlevel < 3) {
-        notef("%d contradiction%s in %d %s\n", contradicted, plural(contradicted), tested,
+        notef("%d contradiction%s in %d %s\n", contradicted, plural(contradicted), bymode ? groups : tested,
               bymode ? "by-groups" : "observations");
         errorf(9, "assertion is false\n");
     }
@@ -195,11 +198,7 @@ Int4 cmd_sort() {
     }
     if (index.size() != 1) return error(198);
     if (typ[index[0] - 1] != typelong) return 0;
-    if (Int4 rc = orderbyindex(index[0])) return rc > 1 ? error(rc) : rc;
-    std::vector<Int4> keys(vl_vr, vl_vr + vl_n);
-    keys.push_back(index[0]);
-    Int4 rc = sortdata(1, nobs, keys.data(), Int4(keys.size()));
-    if (srt[0]) srt[vl_n] = 0;
+    Int4 rc = sortbyindex(index[0], vl_vr, vl_n);
     return rc > 1 ? error(rc) : rc;
 }
 

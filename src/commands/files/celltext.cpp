@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 #include "base/platform.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
 #include "output/errors.h"
@@ -62,7 +61,7 @@ char* cell_putall(const cellwriter& cell, const UByte* row, const celloptions& o
     Double value = readcell(row + cell.offset, cell.type);
     if (const char* found = labelof(cell, value)) return puttext(out, found, o.quote);
     if (!cell.asis) return out + fmttrimmed(cell.format.c_str(), value, out);
-    Int4 n = fmtnum(cell.format.c_str(), value);
+    Int4 n = fmtread(cell.format.c_str(), value);
     std::memcpy(out, dbuf, std::size_t(n));
     return out + n;
 }
@@ -72,7 +71,6 @@ Int4 writetext(const char* suffix, boolean replace, const std::function<Int4(byt
     addsuffix(path, usingname, suffix);
     Int4 handle = webopen(path, web_write | web_binary | (replace ? web_replace : 0));
     if (handle < 0) return -handle;
-    saved dp(dpcomma, UByte(0));
     static bytewriter w;
     writer_start(w, handle);
     Int4 rc = body(w);

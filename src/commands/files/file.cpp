@@ -124,7 +124,7 @@ void readresults(const char* status, boolean eof) {
 }
 
 // A text without room for zero bytes: it ends at the first.
-Int4 setlocal(const std::string& name, const std::string& text) { return macroset("_" + name, text.c_str()); }
+Int4 setlocal(const std::string& name, const std::string& text) { return macroset(macroname(name, true), text.c_str()); }
 
 // Takes a line and tells how it ended; null after a failure.
 const char* textline(filehandle& h, std::string& line) {
@@ -310,7 +310,7 @@ Int4 puttextvalue(writing& w) {
         return put(w, std::string(dbuf, std::size_t(fmtstr(form.c_str(), {text, std::size_t(n)}, false))));
     }
     boolean own = !format.empty() && chkfmt(format, 11) == 0;
-    fmtnum(own ? format.c_str() : defaultfmt, exp_getnum(eqexp, 1));
+    fmtread(own ? format.c_str() : defaultfmt, exp_getnum(eqexp, 1));
     return put(w, std::string(own ? std::string_view(dbuf) : trimmed(dbuf)));
 }
 

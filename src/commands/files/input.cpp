@@ -63,6 +63,7 @@ Int4 readobservation(inputstate& s, Int4 obs) {
             saved level(outlevel, UByte(1));
             prtf("%3d", obs);
         }
+        saved text(typingtext, UByte(1));
         getline();
         if (eofseen) return error(612);
         if (breakpending) return 1;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 #include <vector>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -26,7 +27,7 @@ constexpr const char* statuswords[] = {
     "type",    "level",       "dp",       "rmsg",     "trace", "more",    "linesize", "pagesize",
     "linegap", "varlabelpos", "graphics", "textsize", "beep",  "virtual", "seed",     "sortseed",
     "memory",  "maxvar",      "matsize",  "adosize",  "beta",  "debug",   "pollrate", "polltime",
-    "entries", "scrollbufsize",
+    "entries", "scrollbufsize", "colors",
 };
 constexpr const char* filewords[] = {
     "logtype",  "prefix",   "loghelp",   "charset",       "checksum",      "unlinktimeout",

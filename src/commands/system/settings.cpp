@@ -231,7 +231,7 @@ Int4 takelinesize() {
 // set linesize [#]: without a number the width that a session starts with.
 Int4 setting_linesize() {
     if (tokpeeknonblank()) return takelinesize();
-    setlinesize(79);
+    unsetlinesize();
     return 0;
 }
 
@@ -242,6 +242,37 @@ Int4 setting_oldlinesize() {
     if (!abbrev(nexttoken(), "linesize", 2)) ungettoken();
     return takelinesize();
 }
+
+// ---- Colours of the terminal.
+
+namespace {
+
+constexpr keyword colourwords[] = {
+    {"auto", 0, colours_auto}, {"dark", 0, colours_dark}, {"light", 0, colours_light}, {"none", 0, colours_none},
+};
+
+}  // namespace
+
+void colours_load() {
+    std::string word;
+    Int4 value = prefs_get("set_w", "colors", word) ? lookup(colourwords, word) : -1;
+    if (value >= 0) colours = value;
+}
+
+// set colors auto|dark|light|none [, permanent]
+Int4 setting_colors() {
+    std::string word = nexttoken();
+    Int4 value = lookup(colourwords, word);
+    boolean permanent;
+    if (value < 0) return required("auto, dark, light, or none");
+    if (Int4 rc = permanentoption(permanent)) return rc;
+    colours = value;
+    if (!permanent) return 0;
+    prefs_set("set_w", "colors", word);
+    return recorded("colors");
+}
+
+std::string shown_colors() { return colourwords[colours].word; }
 
 // ---- Seeds.
 

@@ -9,6 +9,7 @@
 #include "core/adopath.h"
 #include "core/commands.h"
 #include "core/macros.h"
+#include "core/upcalls.h"
 #include "core/webfile.h"
 #include "data/run.h"
 #include "expr/compile.h"
@@ -96,7 +97,10 @@ Int4 cmd_shell() {
     if (command[0] == '!') command.erase(0, 1);
     prtflush();
     vstream_flush(results);
-    return runshell(shell.c_str(), command.c_str()) < 0 ? error(702) : 0;
+    terminal_lend(true);
+    Int4 status = runshell(shell.c_str(), command.c_str());
+    terminal_lend(false);
+    return status < 0 ? error(702) : 0;
 }
 
 // sleep #: milliseconds; Break ends it.

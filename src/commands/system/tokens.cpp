@@ -52,7 +52,7 @@ Int4 macroargument(std::string& name) {
     if (parentheses && std::string_view(nexttoken()) != ")") return error(198);
     if (parentheses || global || token == "local") token = nexttoken();
     if (token.empty() || token == ":") return error(198);
-    name = (global ? "" : "_") + std::string(token);
+    name = macroname(token, !global);
     if (!validname(name) || (global && name[0] == '_')) return badname(token);
     return 0;
 }
@@ -92,7 +92,7 @@ Int4 cmd_gettoken() {
     boolean quotes = getopt_flag("quotes", 1);
     if (Int4 rc = getopt_str("match", 1, match, matching)) return rc;
     if (Int4 rc = getopt_done()) return rc;
-    match = "_" + match;
+    match = macroname(match, true);
     if (matching && (match == "_" || !validname(match))) return badname(match.substr(1));
 
     std::string text = macrovalue(source);
@@ -108,7 +108,7 @@ Int4 cmd_gettoken() {
 Int4 cmd_args() {
     std::vector<std::string> names;
     while (nexttoken()[0]) {
-        names.push_back(std::string("_") + tokbuf);
+        names.push_back(macroname(tokbuf, true));
         if (isquoted() || !validname(names.back())) return badname(tokcontent());
     }
     if (names.empty()) return error(198);

@@ -1,6 +1,7 @@
 // describe: what the dataset holds, or a dataset file. What is told is gathered first, from either, and then printed.
 #include <string>
 #include <vector>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/text.h"
 #include "commands/tables/tabletext.h"
@@ -53,13 +54,13 @@ void storeresults(const dataview& d) {
 
 // Text at the right of a line, broken at 31 when it is 33 or more long; later pieces stand below the first, in column 47.
 Int4 brokentext(std::string text) {
-    if (text.size() < 33) {
+    if (textcolumns(text) < 33) {
         tabtext(text);
         return prtnl();
     }
     while (!text.empty()) {
-        std::string piece = text.substr(0, 31);
-        text.erase(0, 31);
+        std::string piece = text.substr(0, bytesin(text, 31));
+        text.erase(0, piece.size());
         tabtext(piece);
         if (Int4 rc = prtnl()) return rc;
         if (!text.empty()) prtblanks(46);
@@ -122,18 +123,10 @@ void columnheads(const describeoptions& o) {
 }
 
 void namecolumn(const viewvar& v, const describeoptions& o) {
-    char text[80], shown[64];
     if (o.numbers) {
-        abbrevname(shown, sizeof shown, v.name, 8);
-        snprintf(text, sizeof text, "%5d. %-9s", v.number, shown);
-        tabtext(text);
-    } else if (!o.fullnames) {
-        abbrevname(shown, sizeof shown, v.name, 15);
-        snprintf(text, sizeof text, "%-15s", shown);
-        tabtext(text);
-    } else if (v.name.size() < 16) {
-        snprintf(text, sizeof text, "%-15s", v.name.c_str());
-        tabtext(text);
+        tabtext(rightjustified(std::to_string(v.number), 5) + ". " + leftjustified(shownname(v.name, 8), 9));
+    } else if (!o.fullnames || textcolumns(v.name) < 16) {
+        tabtext(leftjustified(shownname(v.name, 15), 15));
     } else {
         tabtext(v.name + "\n" + std::string(15, ' '));
     }
@@ -144,10 +137,10 @@ Int4 variableline(const viewvar& v, const describeoptions& o) {
     char text[80], type[8];
     snprintf(text, sizeof text, " %-6s %-11s ", typename_of(v.type, type), v.format.c_str());
     tabtext(text);
-    if (v.vallabel.size() >= 9)
+    if (textcolumns(v.vallabel) >= 9)
         tabtext(v.vallabel + "\n" + std::string(44, ' '));
     else
-        tabtext(v.vallabel + std::string(9 - v.vallabel.size(), ' '));
+        tabtext(leftjustified(v.vallabel, 9));
     tabtext(v.notes ? "* " : "  ");
     return brokentext(v.varlabel);
 }

@@ -1,6 +1,7 @@
 // display: a list of directives, literals and expressions, read token by token through a table.
 #include <algorithm>
 #include <string>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -55,7 +56,7 @@ struct displaystate {
 };
 
 Int4 putitem(displaystate& s, std::string_view text) {
-    s.column += Int4(text.size());
+    s.column += s.buffer ? Int4(text.size()) : textcolumns(text);
     if (s.buffer) {
         s.buffer->append(text);
         return 0;
@@ -198,7 +199,7 @@ Int4 takenewline(displaystate& s) {
 Int4 takerequest() {
     char *begin, *end;
     if (!parenthesized(&begin, &end)) return error(198);
-    std::string name(trimmed({begin, std::size_t(end - begin)}));
+    std::string name = macroname(trimmed({begin, std::size_t(end - begin)}), false);
     if (!validname(name)) return badname(name);
     if (batchmode) {
         macroclear(name);
@@ -206,8 +207,8 @@ Int4 takerequest() {
     }
     prtflush();
     std::string line(std::size_t(macrolen), 0);
-    Int4 n = typedline(line.data(), macrolen);
-    if (n >= 0) prtraw("\n");
+    Int4 n = typedline(line.data(), macrolen, true);
+    if (n >= 0) prttyped("", typedlineshows());
     return macroset(name, {line.data(), std::size_t(n < 0 ? 0 : n)});
 }
 

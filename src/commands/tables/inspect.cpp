@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/text.h"
 #include "commands/tables/tabletext.h"
@@ -126,13 +127,13 @@ Int4 chartline(Int4 level, const Int4 (&height)[5], Int4 bars, const inspection&
 
 void heading(Int4 var) {
     std::string name = varlist[var - 1], label = getvarlabel(name);
-    label = label.substr(0, std::size_t(std::max(0, 45 - Int4(name.size()))));
+    label = label.substr(0, bytesin(label, 45 - textcolumns(name)));
     std::string left = name + ":" + (label.empty() ? "" : "  " + label);
-    auto padded = [](std::size_t used, std::size_t to) { return std::string(used < to ? to - used : 0, ' '); };
+    Int4 used = textcolumns(left);
     prtnl();
-    tabtext(left + padded(left.size(), 47) + "Number of Observations\n");
-    tabmarkup("{hline " + std::to_string(left.size()) + "}");
-    tabtext(padded(left.size(), 67) + "Non-\n");
+    tabtext(leftjustified(left, 47) + "Number of Observations\n");
+    tabmarkup("{hline " + std::to_string(used) + "}");
+    tabtext(leftjustified("", 67 - used) + "Non-\n");
     tabtext(std::string(47, ' ') + "Total   Integers    Integers\n");
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <string>
 #include <vector>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/text.h"
 #include "commands/tables/tabletext.h"
@@ -52,9 +53,8 @@ Int4 numberwidth() { return lastobs <= 999 ? 4 : lastobs <= 9999 ? 5 : 6; }
 
 // A name in its column's width, on the side where the values stand.
 std::string headcell(const listcolumn& c, const std::string& name) {
-    std::string text = name.substr(0, std::size_t(c.width));
-    std::string pad(std::size_t(c.width) - text.size(), ' ');
-    return c.left ? text + pad : pad + text;
+    std::string text = name.substr(0, bytesin(name, c.width));
+    return c.left ? leftjustified(text, c.width) : rightjustified(text, c.width);
 }
 
 // One line of heads; `ops` chooses the operators' texts.
@@ -81,7 +81,7 @@ void tablehead(const std::vector<listcolumn>& columns, const listoptions& o) {
 void putcell(const listcolumn& c, Int4 obs) {
     outlevel = 0;
     if (c.string) {
-        fmtstr(c.format, strcell(c.var, obs), true);
+        fmtshown(c.format, strcell(c.var, obs), true);
         prt(dbuf);
     } else {
         prtlbl(c.format, varvalue(c.entry, obs), c.label.exists ? &c.label : nullptr);
@@ -108,8 +108,8 @@ std::string displayvalue(const listcolumn& c, Int4 obs, boolean& wascut) {
     wascut = false;
     if (c.string) {
         std::string text(strcell(c.var, obs));
-        wascut = text.size() > 12;
-        if (wascut) return text.substr(0, 12) + "..";
+        wascut = textcolumns(text) > 12;
+        if (wascut) return text.substr(0, bytesin(text, 12)) + "..";
         return rightjustified(text, 12);
     }
     Double value = varvalue(c.entry, obs);
@@ -124,8 +124,8 @@ void displayoperators(const std::vector<listcolumn>& columns, std::size_t from, 
         std::string name = entryname(columns[i].entry);
         line += "    ";
         if (!entryop(columns[i].entry)) name = std::string(21, ' ');
-        else if (name.size() <= 8) name = rightjustified(name, 8) + std::string(13, ' ');
-        else if (name.size() < 21) name += std::string(21 - name.size(), ' ');
+        else if (textcolumns(name) <= 8) name = rightjustified(name, 8) + std::string(13, ' ');
+        else name = leftjustified(name, 21);
         line += name;
     }
     tabtext(line + "\n");
@@ -141,11 +141,7 @@ Int4 displayobservation(const std::vector<listcolumn>& columns, const listoption
     for (std::size_t i = 0; i < columns.size(); i++) {
         if (i % perline == 0 && operators) displayoperators(columns, i, std::min(i + 3, columns.size()));
         tabtext(i % perline == 0 || wascut ? "    " : "  ");
-        char name[64];
-        abbrevname(name, sizeof name, varlist[columns[i].var - 1], 8);
-        char stub[80];
-        snprintf(stub, sizeof stub, "%8s ", name);
-        tabtext(stub);
+        tabtext(rightjustified(shownname(varlist[columns[i].var - 1], 8), 8) + " ");
         tabresult(displayvalue(columns[i], obs, wascut));
         if ((i + 1) % perline && i + 1 < columns.size()) continue;
         wascut = false;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 #include "base/memalloc.h"
+#include "base/columns.h"
 #include "base/poll.h"
 #include "commands/tables/tabletext.h"
 #include "data/cells.h"
@@ -453,7 +454,7 @@ void detailheading(Int4 entry) {
     if (!label.empty() || !entryop(entry)) wordwrap(label.empty() ? varlist[entryvar(entry) - 1] : label, 50, lines);
     prtnl();
     for (const std::string& line : lines)
-        tabtext(std::string(std::size_t(std::max(0, (62 - Int4(line.size()) - 1) / 2)), ' ') + line + "\n");
+        tabtext(std::string(std::size_t(std::max(0, (62 - textcolumns(line) - 1) / 2)), ' ') + line + "\n");
     tabmarkup("{hline 61}\n");
 }
 

@@ -1,4 +1,6 @@
 #include "commands/tables/tabletext.h"
+#include <algorithm>
+#include "base/columns.h"
 #include "base/state.h"
 #include "base/text.h"
 #include "output/formats.h"
@@ -28,18 +30,16 @@ void tabresult(std::string_view text) {
 }
 
 void tabstub(std::string_view name) {
-    char shown[64];
-    abbrevname(shown, sizeof shown, name, 12);
-    tabtext(rightjustified(shown, 12));
+    tabtext(rightjustified(shownname(name, 12), 12));
     tabtext(" ");
     tabmarkup("{c |}");
 }
 
 void wordwrap(std::string_view text, Int4 width, std::vector<std::string>& lines) {
-    std::size_t limit = std::size_t(width);
-    for (text = trimmed(text); text.size() > limit; text = ltrimmed(text)) {
+    std::size_t limit;
+    for (text = trimmed(text); (limit = bytesin(text, width)) < text.size(); text = ltrimmed(text)) {
         std::size_t cut = text.rfind(' ', limit);
-        if (cut == std::string_view::npos || cut == 0) cut = limit;
+        if (cut == std::string_view::npos || cut == 0) cut = std::max<std::size_t>(limit, 1);
         lines.emplace_back(rtrimmed(text.substr(0, cut)));
         text.remove_prefix(cut);
     }

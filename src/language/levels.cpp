@@ -10,6 +10,7 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/quotes.h"
 #include "core/upcalls.h"
 #include "core/webfile.h"
 #include "data/dataset.h"
@@ -113,37 +114,14 @@ Int4 dooptions(frame& f, char** argumentsend) {
     return 0;
 }
 
-// The next argument of the text: a quoted string, or a run of non-blanks that also ends at a quote.
-std::string_view nextargument(std::string_view& text) {
-    text = ltrimmed(text);
-    std::size_t end, from = 0, behind = 0;
-    if (text.substr(0, 2) == "`\"") {
-        Int4 level = 1;
-        from = 2;
-        for (end = 2; end < text.size(); end++) {
-            if (text.substr(end, 2) == "`\"") level++;
-            if (text.substr(end, 2) == "\"'" && --level == 0) break;
-        }
-        behind = 2;
-    } else if (text[0] == '"') {
-        from = 1;
-        end = std::min(text.find('"', 1), text.size());
-        behind = 1;
-    } else {
-        for (end = 0; end < text.size() && text[end] != ' ' && text[end] != '"' && text.substr(end, 2) != "`\"";) end++;
-    }
-    std::string_view argument = text.substr(from, end - from);
-    text.remove_prefix(std::min(end + behind, text.size()));
-    return argument;
-}
-
 // Arguments as the new level's locals 0, 1, 2, ...
 Int4 storearguments(std::string_view text) {
     text = ltrimmed(text);
     if (text.size() >= std::size_t(macrolen)) return error(1004);
     if (Int4 rc = macroset("_0", text)) return rc;
-    for (Int4 i = 1; !ltrimmed(text).empty(); i++)
-        if (Int4 rc = macroput("_" + std::to_string(i), nextargument(text))) return rc;
+    std::string_view argument;
+    for (Int4 i = 1; nextitem(text, argument, true); i++)
+        if (Int4 rc = macroput("_" + std::to_string(i), argument)) return rc;
     return 0;
 }
 

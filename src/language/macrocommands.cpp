@@ -7,6 +7,7 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/quotes.h"
 #include "data/dataset.h"
 #include "data/run.h"
 #include "expr/compile.h"
@@ -43,16 +44,8 @@ Int4 expressiontext(std::string& value) {
 
 // Text as typed: trimmed, one pair of quotes taken off; a quote without its partner is 198.
 Int4 plaintext(std::string_view text, std::string_view& value) {
-    text = trimmed(text);
-    if (text[0] == '"') {
-        if (text.size() < 2 || text.back() != '"') return error(198);
-        text = text.substr(1, text.size() - 2);
-    } else if (text.substr(0, 2) == "`\"") {
-        if (text.size() < 4 || text.substr(text.size() - 2) != "\"'") return error(198);
-        text = text.substr(2, text.size() - 4);
-    }
-    value = text;
-    return 0;
+    value = trimmed(text);
+    return takeouterquotes(value) ? 0 : error(198);
 }
 
 // What is computed stands in `computed`, what was typed in the line.

@@ -19,8 +19,6 @@ boolean stringpiece(std::string_view text, wordpiece& out);
 // Behind the parenthesis or bracket that closes the one at text[0]: quotes are passed over, ( and [ count alike. 0 when
 // it isn't closed.
 std::size_t matchingend(std::string_view text);
-// Without the quotes around the whole of a trimmed text.
-std::string_view unquotedtext(std::string_view text);
 
 // The string at the cursor, of any length; false when none stands there.
 boolean stringargument(std::string& out);

@@ -17,8 +17,7 @@
 #include "data/preserve.h"
 #include "data/run.h"
 #include "data/sorting.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/autoload.h"
 #include "language/by.h"
 #include "language/control.h"
@@ -282,13 +281,11 @@ Int4 cmd_do() { return docall(level_do); }
 Int4 cmd_run() { return docall(level_run); }
 
 Int4 cmd_exit() {
-    exp_reset();
-    Double value = 0;
+    textvalue given;
     nexttoken();
     if (tokbuf[0] && tokbuf[0] != ',') {
         if (tokbuf[0] != '=' || tokbuf[1]) ungettoken();
-        if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
-        value = exp_getnum(eqexp, 1);
+        if (Int4 rc = exp_valuehere(mode_num, given)) return rc;
     } else {
         ungettoken();
     }
@@ -296,6 +293,7 @@ Int4 cmd_exit() {
     boolean clear = getopt_flag("clear", 5), whole = getopt_flag("VELMO", 5);
     if (Int4 rc = getopt_done()) return rc;
     if (!dofile && !inprogram && datachanged && !clear) return error(4);
+    Double value = given.number;
     Int4 rc = value > -2147483648.0 && value < 2147483648.0 ? Int4(value) : 0;
     if (rc && !(by_active && (rc == 2000 || rc == 2001))) return rc;
     exitflag = 1;

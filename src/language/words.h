@@ -27,17 +27,4 @@ Int4 breakoption(std::string& breaks, Int4 limit, boolean& found);
 // Replaces the locals 1, 2, ... of the level by the tokens of text.
 Int4 positionals(std::string_view text, std::string_view breaks);
 
-// Parses another text than the command line: the cursor goes into it, and back at the end of the scope.
-struct elsewhere {
-    std::string text;
-    tokenpos before;
-    explicit elsewhere(std::string_view t) : text(t) {
-        savetokpos(&before);
-        settokpos(text.data());
-    }
-    ~elsewhere() { restoretokpos(&before); }
-    elsewhere(const elsewhere&) = delete;
-    elsewhere& operator=(const elsewhere&) = delete;
-};
-
 }  // namespace velmo

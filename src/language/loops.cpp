@@ -327,12 +327,9 @@ template <class F> Int4 onlist(char* brace, F read) {
 }
 
 Int4 existingnames(std::string& text) {
-    p_varlist = 1;
-    p_existing = 1;
-    p_tsops = 0;
+    saved rules(parsing, form{.varlist = must, .tsops = may});
     vl_n = vl_ngroups = 0;
     vl_given = 0;
-    onexit defaults(parse_defaults);
     if (Int4 rc = existinglist()) return rc;
     for (Int4 i = 0; i < vl_n; i++) text += (i ? " " : "") + entryname(i);
     return 0;

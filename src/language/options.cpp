@@ -69,7 +69,7 @@ Int4 parseoptions() {
     if (tokpeeknonblank() == 0 && !tokrepeat) return 0;
     std::string_view token = nexttoken();
     if (token == ",") {
-        if (p_options == 3) return notallowed("options");
+        if (parsing.options == never) return notallowed("options");
         while (tokpeeknonblank())
             if (Int4 rc = recordoption()) return rc;
         return 0;

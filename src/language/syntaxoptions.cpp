@@ -84,7 +84,7 @@ Int4 numlistvalue(const optionrule& rule, std::string_view text, std::string& va
 // The variables of an option; `alone` tells whether text is a variable list and nothing else.
 Int4 optionvars(const optionrule& rule, std::string_view text, std::string& names, boolean& alone) {
     elsewhere list(text);
-    saved required(p_varlist, UByte(1)), tsops(p_tsops, UByte(rule.list.ts ? 0 : 3));
+    saved rules(parsing.varlist, must), tsops(parsing.tsops, rule.list.ts ? may : never);
     vl_n = vl_ngroups = 0;
     vl_given = 0;
     alone = !isstopword(nexttoken(breakvarlist)) && !isquoted();

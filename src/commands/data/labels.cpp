@@ -450,9 +450,7 @@ Int4 assigncodes(Int4 source, Int4 var, const std::string& label, const std::vec
 
 // encode varname [if] [in], generate(newvar) [label(name)]
 Int4 cmd_encode() {
-    p_varlist = 1;
-    p_byok = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .by = never})) return rc;
     if (vl_n != 1) return error(103);
     std::string name, label;
     boolean named, labeled;
@@ -494,9 +492,7 @@ Int4 longesttext(const vallabel& label) {
 
 // decode varname [if] [in], generate(newvar) [maxlength(#)]
 Int4 cmd_decode() {
-    p_varlist = 1;
-    p_byok = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .by = never})) return rc;
     if (vl_n != 1) return error(103);
     std::string name;
     boolean named;

@@ -56,9 +56,7 @@ Int4 takehandle(userecord& use) {
 struct openoptions { boolean read, write, text, binary, replace, append, all; };
 
 Int4 readoptions(openoptions& o) {
-    p_varlist = p_if = p_in = p_byok = 3;
-    p_using = 1;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .ifexp = never, .in = never, .file = must, .by = never})) return rc;
     o.read = getopt_flag("read", 1);
     o.write = getopt_flag("write", 1);
     o.text = getopt_flag("text", 1);

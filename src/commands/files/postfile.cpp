@@ -69,9 +69,7 @@ Int4 cmd_postfile() {
     postchoice o;
     if (Int4 rc = readcolumns(columns, o.type)) return rc;
     if (Int4 rc = checkcolumns(columns)) return rc;
-    p_varlist = p_if = p_in = 3;
-    p_using = 1;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .ifexp = never, .in = never, .file = must})) return rc;
     if (Int4 rc = readpostoptions(o)) return rc;
     char path[pathsize];
     addsuffix(path, usingname, ".dta");

@@ -54,18 +54,13 @@ Int4 readpart(const char* name, partrules& rules) {
     return 0;
 }
 
-constexpr struct { std::string_view abbreviation; const char* word; Int4 kind; } weightkinds[] = {
-    {"aw", "aweight", weight_a}, {"fw", "fweight", weight_f}, {"pw", "pweight", weight_p}, {"iw", "iweight", weight_i},
-};
-
 Int4 readweights(weightrules& rules) {
     std::string text = takedescription("_weight");
     std::string_view rest = text;
     for (attribute a; nextattribute(rest, a);) {
-        const auto* row = std::find_if(std::begin(weightkinds), std::end(weightkinds), [&](const auto& w) {
-            return a.word == w.abbreviation || a.word == w.word;
-        });
-        if (a.hasvalue || (row == std::end(weightkinds) && a.word != "noprefix")) return error(197);
+        const weightrow* row = weightnamed(a.word);
+        if (row && a.word.size() != 2 && a.word != row->word) row = nullptr;
+        if (a.hasvalue || (!row && a.word != "noprefix")) return error(197);
         if (a.word == "noprefix") {
             rules.noprefix = true;
             continue;
@@ -190,7 +185,7 @@ void partresults(const description& d, assignments& out) {
     std::string text = between(eqexp.textbeg, eqexp.textend);
     boolean bare = weightgiven ? d.weight.noprefix : d.exppart.noprefix;
     out.emplace_back("_exp", (bare ? "" : "=") + text);
-    for (const auto& row : weightkinds)
+    for (const weightrow& row : weightrows)
         if (weightgiven && row.kind == weighttype) out.emplace_back("_weight", row.word);
 }
 

@@ -89,19 +89,12 @@ Int4 exppart(Int4 mode) {
     return 0;
 }
 
-constexpr struct { Int4 kind; const char* word; const char* plural; } weightwords[] = {
-    {weight_a, "analytic", "aweights"},
-    {weight_f, "frequency", "fweights"},
-    {weight_p, "sampling", "pweights"},
-    {weight_i, "importance", "iweights"},
-};
-
 // An open weight takes the command's default kind and says so.
 void assumeweight() {
     weighttype = parsing.openweight;
     if (quietlevel >= 3) return;
-    for (const auto& row : weightwords)
-        if (row.kind == weighttype) notef("(%s weights assumed)\n", row.word);
+    for (const weightrow& row : weightrows)
+        if (row.kind == weighttype) notef("(%s weights assumed)\n", row.meaning);
 }
 
 // Until the options are read, the kind of weights that `scale` tells.
@@ -125,11 +118,9 @@ Int4 equalspart() {
 
 // The kind that a weight word names: 0 open, -1 unknown.
 Int4 weightword() {
-    static constexpr keyword words[] = {
-        {"weight", 1, 0},          {"cellsize", 4, weight_a}, {"fweight", 2, weight_f}, {"frequency", 4, weight_f},
-        {"aweight", 2, weight_a},  {"pweight", 2, weight_p},  {"iweight", 2, weight_i},
-    };
-    return lookup(words, tokbuf);
+    static constexpr keyword words[] = {{"weight", 1, 0}, {"cellsize", 4, weight_a}, {"frequency", 4, weight_f}};
+    const weightrow* row = weightnamed(tokbuf);
+    return row ? row->kind : lookup(words, tokbuf);
 }
 
 Int4 weightpart() {
@@ -141,7 +132,7 @@ Int4 weightpart() {
     if (tokbuf[0] != '=') {
         kind = weightword();
         if (kind < 0) return errorf(198, "%s unknown weight type\n", tokbuf);
-        for (const auto& row : weightwords)
+        for (const weightrow& row : weightrows)
             if (kind == row.kind && !(parsing.weights & kind)) return notallowed(row.plural);
         nexttoken();
     }
@@ -260,6 +251,12 @@ Int4 restoreform() {
 }
 
 }  // namespace
+
+const weightrow* weightnamed(std::string_view word) {
+    for (const weightrow& row : weightrows)
+        if (abbrev(word, row.word, 2)) return &row;
+    return nullptr;
+}
 
 void stdparse_forget() { kept.valid = false; }
 

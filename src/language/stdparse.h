@@ -14,6 +14,15 @@
 namespace velmo {
 
 enum weightkind : Int4 { weight_a = 1, weight_f = 2, weight_p = 4, weight_i = 8, weight_all = 15 };
+struct weightrow { weightkind kind; const char* word; const char* plural; const char* meaning; };
+inline constexpr weightrow weightrows[] = {
+    {weight_a, "aweight", "aweights", "analytic"},
+    {weight_f, "fweight", "fweights", "frequency"},
+    {weight_p, "pweight", "pweights", "sampling"},
+    {weight_i, "iweight", "iweights", "importance"},
+};
+// The kind that a word names, two letters at least; null for none.
+const weightrow* weightnamed(std::string_view word);
 
 // What a part of the form may do.
 enum partrule : UByte {

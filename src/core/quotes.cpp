@@ -1,4 +1,5 @@
 #include "core/quotes.h"
+#include <algorithm>
 #include "base/text.h"
 
 namespace velmo {
@@ -21,10 +22,32 @@ boolean readquoted(std::string_view text, quoted& out) {
     return true;
 }
 
-std::string_view unquoted(std::string_view text) {
-    std::string_view whole = trimmed(text);
+boolean nextitem(std::string_view& list, std::string_view& item, boolean atquotes) {
+    list = ltrimmed(list);
+    if (list.empty()) return false;
     quoted q;
-    return readquoted(whole, q) && q.closed && q.length == whole.size() ? q.content : text;
+    if (!readquoted(list, q)) {
+        q.length = std::min(list.find_first_of(atquotes ? " \"" : " "), list.size());
+        if (atquotes && q.length > 1 && list.substr(q.length - 1, 2) == "`\"") q.length--;
+        q.content = list.substr(0, q.length);
+    }
+    item = q.content;
+    list.remove_prefix(q.length);
+    return true;
+}
+
+std::string_view unquoted(std::string_view text) {
+    text = trimmed(text);
+    quoted q;
+    return readquoted(text, q) && q.closed && q.length == text.size() ? q.content : text;
+}
+
+boolean takeouterquotes(std::string_view& text) {
+    std::size_t width = text.substr(0, 1) == "\"" ? 1 : text.substr(0, 2) == "`\"" ? 2 : 0;
+    std::string_view close = width == 1 ? "\"" : "\"'";
+    if (width && (text.size() < 2 * width || text.substr(text.size() - width) != close)) return false;
+    text = text.substr(width, text.size() - 2 * width);
+    return true;
 }
 
 std::string escaped(std::string_view text) {

@@ -1,5 +1,6 @@
 // Quoted text: "..." up to the next quote, or `"..."' in which pairs nest, and inner pairs belong to the text. One
-// reader finds where it ends, one unquoter takes the quotes off.
+// reader finds where it ends, one unquoter takes the quotes off. Only the tokenizer, whose tokens are cut at their
+// length, and the markup engine have their own.
 #pragma once
 #include <string>
 #include <string_view>
@@ -15,8 +16,14 @@ struct quoted {
 
 // Reads the quoted text that `text` begins with; false when none begins there.
 boolean readquoted(std::string_view text, quoted& out);
-// The content of a text that is quoted as a whole, any other text as it is. Blanks around it don't count.
+// The next item of a list, taken off its front: a quoted text, without its quotes, or a run up to a blank (`atquotes`: or
+// up to a quoted text). False when only blanks are left.
+boolean nextitem(std::string_view& list, std::string_view& item, boolean atquotes = false);
+// A text without blanks around it and, if it is quoted as a whole, without its quotes.
 std::string_view unquoted(std::string_view text);
+// The definition of a macro takes one pair of quotes off the ends, whatever stands between: false when the quote at the
+// beginning has none at the end.
+boolean takeouterquotes(std::string_view& text);
 // With a backslash ahead of $, backquote and backslash: the expansion of macros makes it the text again.
 std::string escaped(std::string_view text);
 

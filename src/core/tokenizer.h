@@ -7,6 +7,9 @@
 // give `"` and the raw content too. Unbalanced quotes end with the line. A token longer than 503 bytes is cut there
 // and the rest is the next token.
 #pragma once
+#include <string>
+#include <string_view>
+#include "base/saved.h"
 #include "core/memory.h"
 
 namespace velmo {
@@ -52,5 +55,14 @@ boolean parenthesized(char** begin, char** end);
 // Moves behind a quoted text, of any length, that begins at the cursor; without its closing quote it ends with the
 // line. False when none begins there.
 boolean quotedtext(char** begin, char** end);
+
+// Parses another text than the command line: the cursor goes into a copy of it, and back at the end of the scope.
+struct elsewhere {
+    std::string text;
+    saved<char*> pos, start;
+    saved<UByte> repeat, repeated;
+    explicit elsewhere(std::string_view t)
+        : text(t), pos(tokpos, text.data()), start(tokstart, text.data()), repeat(tokrepeat, 0), repeated(tokrepeated, 0) {}
+};
 
 }  // namespace velmo

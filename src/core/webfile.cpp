@@ -6,6 +6,7 @@
 #include "base/poll.h"
 #include "base/text.h"
 #include "core/macros.h"
+#include "core/quotes.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -53,7 +54,8 @@ std::string alongpath(const std::string& name) {
 }
 
 std::string plainname(std::string_view name, Int4 flags) {
-    if (name.size() >= 2 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
+    quoted q;
+    if (readquoted(name, q) && q.length == name.size()) name = q.content;
     if ((flags & web_device) && !name.empty() && name.back() == ':') name.remove_suffix(1);
     return std::string(name);
 }

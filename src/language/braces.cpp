@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "core/commands.h"
 #include "core/keywords.h"
+#include "core/quotes.h"
 #include "core/tokenizer.h"
 #include "output/errors.h"
 
@@ -30,21 +31,11 @@ void pairup(std::string_view text, char open, char close, std::vector<Int4>& par
     }
 }
 
-std::size_t behindcompound(std::string_view text, std::size_t i) {
-    for (Int4 level = 0; i + 1 < text.size(); i++) {
-        boolean opens = text[i] == '`' && text[i + 1] == '"', closes = text[i] == '"' && text[i + 1] == '\'';
-        level += opens - closes;
-        i += opens || closes;
-        if (level == 0) return i + 1;
-    }
-    return text.size();
-}
-
 }  // namespace
 
 std::size_t behindquote(std::string_view line, std::size_t i) {
-    if (line[i] == '"') return std::min(line.find('"', i + 1), line.size() - 1) + 1;
-    return line.substr(i, 2) == "`\"" ? behindcompound(line, i) : i + 1;
+    quoted q;
+    return readquoted(line.substr(i), q) ? i + q.length : i + 1;
 }
 
 // Where the walk goes on behind a quote, a reference or an escape that begins at i.

@@ -57,9 +57,7 @@ boolean sortedbylist() {
 
 // The text up to the colon, which stands as the line's end for the parser.
 Int4 parseprefix(boolean& rc0) {
-    p_varlist = 1;
-    p_if = p_in = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .ifexp = never, .in = never})) return rc;
     rc0 = getopt_flag("rc0", 3);
     if (Int4 rc = getopt_done()) return rc;
     return takegroups();

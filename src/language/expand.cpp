@@ -13,8 +13,7 @@
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/run.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/control.h"
 #include "matrix/results.h"
 #include "output/errors.h"
@@ -150,35 +149,18 @@ std::string numbertext(Double value) {
     return {text, std::size_t(fmttrimmed("%18.0g", value, text))};
 }
 
-// Runs with the tokenizer on text of its own; the cursor comes back.
-template <class F> void withcursor(std::string& text, F run) {
-    saved pos(tokpos, text.data()), start(tokstart, text.data());
-    saved repeat(tokrepeat, UByte(0)), repeated(tokrepeated, UByte(0));
-    run();
-}
-
 // =exp: a failing expression is empty, and says nothing.
-std::string expressionvalue(std::string text) {
-    std::string out;
+std::string expressionvalue(const std::string& text) {
+    textvalue value;
     saved quiet(quietlevel, UByte(5));
-    withcursor(text, [&out] {
-        saved first(firstobs, 1), last(lastobs, nobs), gfirst(groupfirst, 1), glast(grouplast, nobs);
-        exp_reset();
-        if (exp_compile(eqexp, mode_any) || tokpeeknonblank()) return;
-        char buf[strbufsize];
-        if (eqexp.restype == exp_string)
-            out.assign(buf, std::size_t(exp_getstr(eqexp, 1, buf)));
-        else
-            out = numbertext(exp_getnum(eqexp, 1));
-    });
-    return out;
+    if (exp_valueof(text, mode_any, value)) return {};
+    return value.isstring ? value.text : numbertext(value.number);
 }
 
-std::string extendedvalue(std::string text) {
+std::string extendedvalue(const std::string& text) {
     std::string out;
-    withcursor(text, [&out] {
-        if (extfunc(out)) out.clear();
-    });
+    elsewhere cursor(text);
+    if (extfunc(out)) out.clear();
     return out;
 }
 

@@ -62,23 +62,12 @@ std::string macrotext(const std::string& name) {
     return value ? value : "";
 }
 
-// The next blank-separated word of the line at the cursor, of any length; a quoted string counts as one and loses its
-// quotes. False at the end.
+// The next item of the line at the cursor, of any length; false at the end.
 boolean lineword(std::string& word) {
-    while (*tokpos == ' ') tokpos++;
-    if (!*tokpos) return false;
-    char* p = tokpos;
-    boolean compound = p[0] == '`' && p[1] == '"', quoted = compound || *p == '"';
-    Int4 level = 1;
-    char* begin = p += compound ? 2 : quoted;
-    for (; *p; p++) {
-        if (!quoted && *p == ' ') break;
-        if (quoted && !compound && *p == '"') break;
-        if (compound && p[0] == '`' && p[1] == '"') level++;
-        if (compound && p[0] == '"' && p[1] == '\'' && --level == 0) break;
-    }
-    word.assign(begin, p);
-    settokpos(*p && quoted ? p + (compound ? 2 : 1) : p);
+    std::string_view rest = tokpos, item;
+    if (!nextitem(rest, item)) return false;
+    word = item;
+    settokpos(tokpos + (rest.data() - tokpos));
     return true;
 }
 

@@ -10,14 +10,14 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/quotes.h"
 #include "core/upcalls.h"
 #include "core/webfile.h"
 #include "data/dataset.h"
 #include "data/preserve.h"
 #include "data/run.h"
 #include "data/sorting.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/autoload.h"
 #include "language/by.h"
 #include "language/control.h"
@@ -113,37 +113,14 @@ Int4 dooptions(frame& f, char** argumentsend) {
     return 0;
 }
 
-// The next argument of the text: a quoted string, or a run of non-blanks that also ends at a quote.
-std::string_view nextargument(std::string_view& text) {
-    text = ltrimmed(text);
-    std::size_t end, from = 0, behind = 0;
-    if (text.substr(0, 2) == "`\"") {
-        Int4 level = 1;
-        from = 2;
-        for (end = 2; end < text.size(); end++) {
-            if (text.substr(end, 2) == "`\"") level++;
-            if (text.substr(end, 2) == "\"'" && --level == 0) break;
-        }
-        behind = 2;
-    } else if (text[0] == '"') {
-        from = 1;
-        end = std::min(text.find('"', 1), text.size());
-        behind = 1;
-    } else {
-        for (end = 0; end < text.size() && text[end] != ' ' && text[end] != '"' && text.substr(end, 2) != "`\"";) end++;
-    }
-    std::string_view argument = text.substr(from, end - from);
-    text.remove_prefix(std::min(end + behind, text.size()));
-    return argument;
-}
-
 // Arguments as the new level's locals 0, 1, 2, ...
 Int4 storearguments(std::string_view text) {
     text = ltrimmed(text);
     if (text.size() >= std::size_t(macrolen)) return error(1004);
     if (Int4 rc = macroset("_0", text)) return rc;
-    for (Int4 i = 1; !ltrimmed(text).empty(); i++)
-        if (Int4 rc = macroput("_" + std::to_string(i), nextargument(text))) return rc;
+    std::string_view argument;
+    for (Int4 i = 1; nextitem(text, argument, true); i++)
+        if (Int4 rc = macroput("_" + std::to_string(i), argument)) return rc;
     return 0;
 }
 
@@ -304,13 +281,11 @@ Int4 cmd_do() { return docall(level_do); }
 Int4 cmd_run() { return docall(level_run); }
 
 Int4 cmd_exit() {
-    exp_reset();
-    Double value = 0;
+    textvalue given;
     nexttoken();
     if (tokbuf[0] && tokbuf[0] != ',') {
         if (tokbuf[0] != '=' || tokbuf[1]) ungettoken();
-        if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
-        value = exp_getnum(eqexp, 1);
+        if (Int4 rc = exp_valuehere(mode_num, given)) return rc;
     } else {
         ungettoken();
     }
@@ -318,6 +293,7 @@ Int4 cmd_exit() {
     boolean clear = getopt_flag("clear", 5), whole = getopt_flag("VELMO", 5);
     if (Int4 rc = getopt_done()) return rc;
     if (!dofile && !inprogram && datachanged && !clear) return error(4);
+    Double value = given.number;
     Int4 rc = value > -2147483648.0 && value < 2147483648.0 ? Int4(value) : 0;
     if (rc && !(by_active && (rc == 2000 || rc == 2001))) return rc;
     exitflag = 1;

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/macros.h"
+#include "core/quotes.h"
 #include "core/tokenizer.h"
 #include "data/dataset.h"
 #include "expr/evaluate.h"
@@ -309,21 +310,11 @@ std::string_view listtext(const fragment& f) {
     return value ? std::string_view(value) : std::string_view();
 }
 
-// The next item: a string without its quotes, or a run up to a blank.
-boolean nextitem(fragment& f, std::string& item) {
-    std::string_view text = listtext(f);
-    while (f.at < text.size() && text[f.at] == ' ') f.at++;
-    if (f.at >= text.size()) return false;
-    boolean compound = text.substr(f.at, 2) == "`\"", quoted = text[f.at] == '"';
-    std::size_t from = f.at + (compound ? 2 : quoted), end = from;
-    Int4 level = 1;
-    for (; end < text.size(); end++) {
-        if (!compound && text[end] == (quoted ? '"' : ' ')) break;
-        if (compound && text.substr(end, 2) == "`\"") level++;
-        if (compound && text.substr(end, 2) == "\"'" && --level == 0) break;
-    }
-    item = text.substr(from, end - from);
-    f.at = std::min(end + (compound ? 2 : 1), text.size());
+boolean nextelement(fragment& f, std::string& item) {
+    std::string_view text = listtext(f), rest = text.substr(std::min(f.at, text.size())), found;
+    if (!nextitem(rest, found)) return false;
+    item = found;
+    f.at = text.size() - rest.size();
     return true;
 }
 
@@ -336,12 +327,9 @@ template <class F> Int4 onlist(char* brace, F read) {
 }
 
 Int4 existingnames(std::string& text) {
-    p_varlist = 1;
-    p_existing = 1;
-    p_tsops = 0;
+    saved rules(parsing, form{.varlist = must, .tsops = may});
     vl_n = vl_ngroups = 0;
     vl_given = 0;
-    onexit defaults(parse_defaults);
     if (Int4 rc = existinglist()) return rc;
     for (Int4 i = 0; i < vl_n; i++) text += (i ? " " : "") + entryname(i);
     return 0;
@@ -423,7 +411,7 @@ Int4 cmd_foreach() {
     loop l(brace);
     Int4 rc = 0;
     lists.push_back(list);
-    while (nextitem(lists.back(), item)) {
+    while (nextelement(lists.back(), item)) {
         rc = item.empty() ? (macroclear(name), 0) : macroset(name, item);
         if (!rc) rc = pass(l);
         if (!goeson(rc)) break;

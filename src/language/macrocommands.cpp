@@ -7,10 +7,10 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/quotes.h"
 #include "data/dataset.h"
 #include "data/run.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/expand.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
@@ -22,37 +22,23 @@ namespace velmo {
 namespace {
 
 // = exp: the text of the result, numbers without blanks.
-Int4 expressiontext(std::string& value) {
-    exp_reset();
-    firstobs = groupfirst = 1;
-    lastobs = grouplast = nobs;
+Int4 expressiontext(std::string& text) {
+    textvalue value;
     if (tokpeeknonblank() == 0) return error(198);
-    if (Int4 rc = exp_compile(eqexp, mode_any)) return rc;
+    if (Int4 rc = exp_valuehere(mode_any, value)) return rc;
     if (Int4 rc = parseoptions()) return rc;
     if (Int4 rc = getopt_done()) return rc;
-    if (eqexp.restype == exp_string) {
-        char text[strbufsize];
-        value.assign(text, std::size_t(exp_getstr(eqexp, 1, text)));
-        return 0;
-    }
-    char buf[512];
-    Int4 n = fmttrimmed(version < 220 ? "%10.0g" : "%18.0g", exp_getnum(eqexp, 1), buf);
-    value.assign(buf, std::size_t(n));
+    char number[512];
+    if (!value.isstring)
+        value.text.assign(number, std::size_t(fmttrimmed(version < 220 ? "%10.0g" : "%18.0g", value.number, number)));
+    text.swap(value.text);
     return 0;
 }
 
 // Text as typed: trimmed, one pair of quotes taken off; a quote without its partner is 198.
 Int4 plaintext(std::string_view text, std::string_view& value) {
-    text = trimmed(text);
-    if (text[0] == '"') {
-        if (text.size() < 2 || text.back() != '"') return error(198);
-        text = text.substr(1, text.size() - 2);
-    } else if (text.substr(0, 2) == "`\"") {
-        if (text.size() < 4 || text.substr(text.size() - 2) != "\"'") return error(198);
-        text = text.substr(2, text.size() - 4);
-    }
-    value = text;
-    return 0;
+    value = trimmed(text);
+    return takeouterquotes(value) ? 0 : error(198);
 }
 
 // What is computed stands in `computed`, what was typed in the line.

@@ -1,6 +1,7 @@
 // The option table: each word behind the comma with the text of its parentheses, and whether a getter took it.
 #include <cmath>
 #include "base/text.h"
+#include "core/quotes.h"
 #include "core/settings.h"
 #include "data/dataset.h"
 #include "language/stdparse.h"
@@ -61,35 +62,6 @@ std::string_view nextnumber(std::string_view& text) {
     return word;
 }
 
-// The next word of a blank-separated list with quotes honoured (and removed).
-boolean nextword(std::string_view& text, std::string& word) {
-    text = ltrimmed(text);
-    if (text.empty()) return false;
-    std::size_t end;
-    if (text[0] == '"') {
-        end = text.find('"', 1);
-        if (end == std::string_view::npos) end = text.size();
-        word = text.substr(1, end - 1);
-        text.remove_prefix(end < text.size() ? end + 1 : end);
-        return true;
-    }
-    end = text.find(' ');
-    if (end == std::string_view::npos) end = text.size();
-    word = text.substr(0, end);
-    text.remove_prefix(end);
-    return true;
-}
-
-// Quotes, plain or compound, around the whole text are taken off.
-std::string_view unquoted(std::string_view text) {
-    text = trimmed(text);
-    if (text.size() >= 4 && text.substr(0, 2) == "`\"" && text.substr(text.size() - 2) == "\"'")
-        return text.substr(2, text.size() - 4);
-    if (text.size() >= 2 && text.front() == '"' && text.find('"', 1) == text.size() - 1)
-        return text.substr(1, text.size() - 2);
-    return text;
-}
-
 }  // namespace
 
 Int4 parseoptions() {
@@ -97,7 +69,7 @@ Int4 parseoptions() {
     if (tokpeeknonblank() == 0 && !tokrepeat) return 0;
     std::string_view token = nexttoken();
     if (token == ",") {
-        if (p_options == 3) return notallowed("options");
+        if (parsing.options == never) return notallowed("options");
         while (tokpeeknonblank())
             if (Int4 rc = recordoption()) return rc;
         return 0;
@@ -167,9 +139,9 @@ Int4 getopt_words(const char* name, Int4 min, std::vector<std::string>& words, I
     words.clear();
     if (!found) return 0;
     std::string_view text = row->argument;
-    for (std::string word; nextword(text, word);) {
+    for (std::string_view word; nextitem(text, word);) {
         if (Int4(words.size()) == limit) return errorf(198, "option %s() invalid\n", name);
-        words.push_back(word);
+        words.emplace_back(word);
     }
     return 0;
 }

@@ -54,18 +54,13 @@ Int4 readpart(const char* name, partrules& rules) {
     return 0;
 }
 
-constexpr struct { std::string_view abbreviation; const char* word; Int4 kind; } weightkinds[] = {
-    {"aw", "aweight", weight_a}, {"fw", "fweight", weight_f}, {"pw", "pweight", weight_p}, {"iw", "iweight", weight_i},
-};
-
 Int4 readweights(weightrules& rules) {
     std::string text = takedescription("_weight");
     std::string_view rest = text;
     for (attribute a; nextattribute(rest, a);) {
-        const auto* row = std::find_if(std::begin(weightkinds), std::end(weightkinds), [&](const auto& w) {
-            return a.word == w.abbreviation || a.word == w.word;
-        });
-        if (a.hasvalue || (row == std::end(weightkinds) && a.word != "noprefix")) return error(197);
+        const weightrow* row = weightnamed(a.word);
+        if (row && a.word.size() != 2 && a.word != row->word) row = nullptr;
+        if (a.hasvalue || (!row && a.word != "noprefix")) return error(197);
         if (a.word == "noprefix") {
             rules.noprefix = true;
             continue;
@@ -89,25 +84,19 @@ Int4 readdescription(description& d) {
     return readoptionrules(options, d.options, d.catchall);
 }
 
-UByte permission(const partrules& rules) { return !rules.given ? 3 : rules.required ? 1 : 0; }
+partrule permission(const partrules& rules) { return !rules.given ? never : rules.required ? must : may; }
 
-void setpermissions(const description& d) {
-    parse_defaults();
+form describedform(const description& d) {
     boolean list = d.list.kind == list_existing || d.list.kind == list_new;
-    p_varlist = !list ? 3 : d.list.required ? 1 : 0;
-    p_existing = d.list.kind != list_new;
-    p_tsops = d.list.ts ? 0 : 3;
-    p_if = d.ifpart.given ? 0 : 3;
-    p_in = permission(d.inpart);
-    p_using = permission(d.usingpart);
-    p_exp = permission(d.exppart);
-    p_exptype = mode_any;
-    p_weight = d.weight.mask ? 0 : 3;
+    form f{.varlist = !list ? never : d.list.required ? must : may, .newvars = d.list.kind == list_new,
+           .tsops = d.list.ts ? may : never, .ifexp = d.ifpart.given ? may : never, .in = permission(d.inpart),
+           .file = permission(d.usingpart), .exp = permission(d.exppart), .exptype = mode_any,
+           .weight = d.weight.mask ? may : never, .options = d.options.empty() && !d.catchall ? never : may};
     if (d.weight.mask) {
-        p_weightmask = UByte(d.weight.mask);
-        p_weightdefault = UByte(d.weight.otherwise);
+        f.weights = UByte(d.weight.mask);
+        f.openweight = UByte(d.weight.otherwise);
     }
-    p_options = d.options.empty() && !d.catchall ? 3 : 0;
+    return f;
 }
 
 // ---- Free text.
@@ -196,7 +185,7 @@ void partresults(const description& d, assignments& out) {
     std::string text = between(eqexp.textbeg, eqexp.textend);
     boolean bare = weightgiven ? d.weight.noprefix : d.exppart.noprefix;
     out.emplace_back("_exp", (bare ? "" : "=") + text);
-    for (const auto& row : weightkinds)
+    for (const weightrow& row : weightrows)
         if (weightgiven && row.kind == weighttype) out.emplace_back("_weight", row.word);
 }
 
@@ -211,11 +200,9 @@ void settlenewvars(const listrules& rules) {
 }
 
 Int4 parsetext(const description& d, assignments& out) {
-    onexit reset(parse_defaults);
     if (d.list.kind == list_any)
         if (Int4 rc = freetext(d, out)) return rc;
-    setpermissions(d);
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse(describedform(d))) return rc;
     if (Int4 rc = listresults(d, out)) return rc;
     if (d.ifpart.required && !ifgiven) return required("if exp");
     partresults(d, out);

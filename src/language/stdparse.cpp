@@ -17,40 +17,28 @@
 
 namespace velmo {
 
-UByte p_varlist, p_existing, p_if, p_in, p_using, p_exp, p_exptype, p_weight, p_weightmask, p_weightdefault;
-UByte p_options, p_byok, p_tsops, p_range, p_skip, p_noeq, p_scale;
-Int4 p_inlimit;
+form parsing;
 Int4 vl_n, vl_groups[5], vl_ngroups, vl_groupbegin;
 UByte vl_given, ingiven, usinggiven, weightgiven;
 char *intextbeg = nullptr, *intextend = nullptr;
 Int4 weighttype;
 
-void parse_defaults() {
-    p_varlist = p_if = p_in = p_options = p_byok = p_range = p_skip = p_noeq = p_scale = 0;
-    p_existing = 1;
-    p_inlimit = nolimit;
-    p_using = p_exp = p_weight = p_tsops = 3;
-    p_exptype = mode_num;
-    p_weightmask = weight_all;
-    p_weightdefault = weight_a;
-}
-
 namespace {
 
 // `if`. Variables that the command has just made are visible to it only when observations are being added.
 Int4 ifpart() {
-    if (p_if == 3) return notallowed("if");
+    if (parsing.ifexp == never) return notallowed("if");
     if (ifgiven) return error(198);
     saved visible(visnvar);
-    if (p_in == 2) visnvar = nvar;
-    if (Int4 rc = exp_compile(ifexp, mode_num, {.matjoin = p_if == 4})) return rc;
+    if (parsing.in == loosely) visnvar = nvar;
+    if (Int4 rc = exp_compile(ifexp, mode_num, {.matjoin = parsing.matjoin})) return rc;
     ifgiven = 1;
     return 0;
 }
 
 // One end of a range: f, l, or a whole number that isn't 0; negative ones count from the end.
 Int4 rangeend(Int4& obs) {
-    Int4 last = p_in == 2 ? p_inlimit : nobs;
+    Int4 last = parsing.in == loosely ? parsing.inlimit : nobs;
     std::string_view token = nexttoken(breaknum);
     if (token == "f")
         obs = 1;
@@ -64,7 +52,7 @@ Int4 rangeend(Int4& obs) {
 }
 
 Int4 inpart() {
-    if (p_in == 3) return notallowed("in");
+    if (parsing.in == never) return notallowed("in");
     if (bymode) return errorf(190, "'in' may not be combined with 'by'\n");
     if (ingiven) return error(198);
     Int4 a, b;
@@ -75,7 +63,7 @@ Int4 inpart() {
         nexttoken(breaknum);
         if (Int4 rc = rangeend(b)) return rc;
     }
-    if (a < 1 || a > b || (p_in != 2 && b > nobs)) return errorf(198, "Obs. nos. out of range\n");
+    if (a < 1 || a > b || (parsing.in != loosely && b > nobs)) return errorf(198, "Obs. nos. out of range\n");
     firstobs = a;
     lastobs = b;
     intextend = tokpos;
@@ -84,9 +72,9 @@ Int4 inpart() {
 }
 
 Int4 usingpart() {
-    if (p_using == 3) return notallowed("using");
+    if (parsing.file == never) return notallowed("using");
     if (usinggiven) return error(198);
-    if (p_using == 2 && (tokpeeknonblank() == ',' || tokpeeknonblank() == 0)) return 0;
+    if (parsing.file == loosely && (tokpeeknonblank() == ',' || tokpeeknonblank() == 0)) return 0;
     char name[tokensize];
     if (Int4 rc = filetoken(name)) return rc;
     copytext(usingname, pathsize, name);
@@ -101,19 +89,12 @@ Int4 exppart(Int4 mode) {
     return 0;
 }
 
-constexpr struct { Int4 kind; const char* word; const char* plural; } weightwords[] = {
-    {weight_a, "analytic", "aweights"},
-    {weight_f, "frequency", "fweights"},
-    {weight_p, "sampling", "pweights"},
-    {weight_i, "importance", "iweights"},
-};
-
 // An open weight takes the command's default kind and says so.
 void assumeweight() {
-    weighttype = p_weightdefault;
+    weighttype = parsing.openweight;
     if (quietlevel >= 3) return;
-    for (const auto& row : weightwords)
-        if (row.kind == weighttype) notef("(%s weights assumed)\n", row.word);
+    for (const weightrow& row : weightrows)
+        if (row.kind == weighttype) notef("(%s weights assumed)\n", row.meaning);
 }
 
 // Until the options are read, the kind of weights that `scale` tells.
@@ -121,14 +102,14 @@ constexpr Int4 weight_old = weight_all + 1;
 
 // `=` in a command that takes weights but no =exp is the old way to give weights.
 Int4 equalspart() {
-    if (p_exp != 3) return exppart(p_exptype);
-    if (p_weight == 3) return notallowed("=exp");
+    if (parsing.exp != never) return exppart(parsing.exptype);
+    if (parsing.weight == never) return notallowed("=exp");
     if (version >= 300) return error(198);
     notef("(please avoid =exp old-style weight syntax)\n");
     if (weightgiven) return errorf(198, "too many weights\n");
     if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
     weightgiven = 1;
-    if (p_scale)
+    if (parsing.oldscale)
         weighttype = weight_old;
     else
         assumeweight();
@@ -137,15 +118,13 @@ Int4 equalspart() {
 
 // The kind that a weight word names: 0 open, -1 unknown.
 Int4 weightword() {
-    static constexpr keyword words[] = {
-        {"weight", 1, 0},          {"cellsize", 4, weight_a}, {"fweight", 2, weight_f}, {"frequency", 4, weight_f},
-        {"aweight", 2, weight_a},  {"pweight", 2, weight_p},  {"iweight", 2, weight_i},
-    };
-    return lookup(words, tokbuf);
+    static constexpr keyword words[] = {{"weight", 1, 0}, {"cellsize", 4, weight_a}, {"frequency", 4, weight_f}};
+    const weightrow* row = weightnamed(tokbuf);
+    return row ? row->kind : lookup(words, tokbuf);
 }
 
 Int4 weightpart() {
-    if (p_weight == 3) return notallowed("weights");
+    if (parsing.weight == never) return notallowed("weights");
     nexttoken();
     if (tokbuf[0] == ']') return 0;
     if (weightgiven) return errorf(198, "too many weights\n");
@@ -153,8 +132,8 @@ Int4 weightpart() {
     if (tokbuf[0] != '=') {
         kind = weightword();
         if (kind < 0) return errorf(198, "%s unknown weight type\n", tokbuf);
-        for (const auto& row : weightwords)
-            if (kind == row.kind && !(p_weightmask & kind)) return notallowed(row.plural);
+        for (const weightrow& row : weightrows)
+            if (kind == row.kind && !(parsing.weights & kind)) return notallowed(row.plural);
         nexttoken();
     }
     if (tokbuf[0] != '=' || tokbuf[1]) return error(198);
@@ -179,14 +158,14 @@ Int4 onepart(boolean& done) {
     ungettoken();
     done = true;
     if (token != ",") return 0;
-    return p_options == 3 ? notallowed("options") : 0;
+    return parsing.options == never ? notallowed("options") : 0;
 }
 
 Int4 missingparts() {
-    if (p_in == 1 && !ingiven) return required("in range");
-    if (p_range == 1 && !ingiven && !vl_given) return required("varlist or in range");
-    if (p_using == 1 && !usinggiven) return required("using");
-    if (p_exp == 1 && !eqgiven) return required("=exp");
+    if (parsing.in == must && !ingiven) return required("in range");
+    if (parsing.listorrange && !ingiven && !vl_given) return required("varlist or in range");
+    if (parsing.file == must && !usinggiven) return required("using");
+    if (parsing.exp == must && !eqgiven) return required("=exp");
     return 0;
 }
 
@@ -194,7 +173,7 @@ void startparse() {
     if (!bymode) {
         firstobs = groupfirst = 1;
         lastobs = grouplast = nobs;
-        if (p_in == 2) lastobs = grouplast = nolimit;
+        if (parsing.in == loosely) lastobs = grouplast = nolimit;
     }
     exp_reset();
     exp_clearsums();
@@ -205,23 +184,23 @@ void startparse() {
 }
 
 Int4 varlistpart() {
-    if (p_varlist == 3) return 0;
-    return p_existing ? existinglist() : newlist();
+    if (parsing.varlist == never) return 0;
+    return parsing.newvars ? newlist() : existinglist();
 }
 
-// With p_noeq the expression may stand without its `=`: anything that starts no other part.
+// With bareexp the expression may stand without its `=`: anything that starts no other part.
 Int4 bareexp() {
-    if (!p_noeq || p_exp == 3) return 0;
+    if (!parsing.bareexp || parsing.exp == never) return 0;
     nexttoken();
     std::string_view token = tokbuf;
     boolean other = token.empty() || token == "=" || token == "," || token == "[" || token == "if" || token == "in";
     ungettoken();
-    return other ? 0 : exppart(p_exptype);
+    return other ? 0 : exppart(parsing.exptype);
 }
 
 Int4 parseform() {
     startparse();
-    if (bymode && p_byok == 3) return error(190);
+    if (bymode && parsing.by == never) return error(190);
     if (Int4 rc = varlistpart()) return rc;
     if (Int4 rc = bareexp()) return rc;
     for (boolean done = false; !done;)
@@ -229,7 +208,7 @@ Int4 parseform() {
     if (Int4 rc = missingparts()) return rc;
     if (Int4 rc = parseoptions()) return rc;
     if (weighttype != weight_old) return 0;
-    p_weightdefault = getopt_flag("scale", 1) ? weight_a : weight_f;
+    parsing.openweight = getopt_flag("scale", 1) ? weight_a : weight_f;
     assumeweight();
     return 0;
 }
@@ -273,11 +252,17 @@ Int4 restoreform() {
 
 }  // namespace
 
+const weightrow* weightnamed(std::string_view word) {
+    for (const weightrow& row : weightrows)
+        if (abbrev(word, row.word, 2)) return &row;
+    return nullptr;
+}
+
 void stdparse_forget() { kept.valid = false; }
 
-// The controls go back to their defaults on every way out, so that a nested command starts from them.
-Int4 stdparse() {
-    onexit reset(parse_defaults);
+// The usual form is back on every way out, so that a nested command starts from it.
+Int4 stdparse(const form& f) {
+    saved usual(parsing, f);
     if (bymode == 2 && kept.valid) return restoreform();
     Int4 rc = parseform();
     if (!rc && bymode == 1) keepform();
@@ -286,8 +271,7 @@ Int4 stdparse() {
 
 // A command's condition without the command: `exp` and nothing else.
 Int4 parsecondition() {
-    onexit reset(parse_defaults);
-    p_varlist = p_in = p_options = 3;
+    saved usual(parsing, form{.varlist = never, .in = never, .options = never});
     startparse();
     if (Int4 rc = ifpart()) return rc;
     if (tokpeeknonblank() == 0) return 0;
@@ -296,10 +280,7 @@ Int4 parsecondition() {
     return parseoptions();
 }
 
-Int4 parseif() {
-    p_varlist = 3;
-    return stdparse();
-}
+Int4 parseif(partrule options) { return stdparse({.varlist = never, .options = options}); }
 
 Int4 entryop(Int4 i) { return vl_rcp[i].op; }
 

@@ -1,37 +1,61 @@
 // The standard command form:
 //   command [varlist] [=exp] [if exp] [in range] [using file] [weight] [, options]
-// A command sets the controls that differ from their defaults, calls stdparse, and finds the results in the fixed
-// places below and in firstobs, lastobs (data/run.h), eqexp and ifexp (expr/program.h), usingname (core/adopath.h).
+// A command says what differs from the usual form, and finds the results in the fixed places below and in firstobs,
+// lastobs (data/run.h), eqexp and ifexp (expr/program.h), usingname (core/adopath.h):
+//   if (Int4 rc = stdparse({.varlist = must, .exp = must, .options = never})) return rc;
 // Then it asks for its options one by one and ends with getopt_done. Every failure has been printed.
 #pragma once
 #include <string>
 #include <vector>
 #include "core/tokenizer.h"
+#include "data/run.h"
+#include "expr/program.h"
 
 namespace velmo {
 
 enum weightkind : Int4 { weight_a = 1, weight_f = 2, weight_p = 4, weight_i = 8, weight_all = 15 };
+struct weightrow { weightkind kind; const char* word; const char* plural; const char* meaning; };
+inline constexpr weightrow weightrows[] = {
+    {weight_a, "aweight", "aweights", "analytic"},
+    {weight_f, "fweight", "fweights", "frequency"},
+    {weight_p, "pweight", "pweights", "sampling"},
+    {weight_i, "iweight", "iweights", "importance"},
+};
+// The kind that a word names, two letters at least; null for none.
+const weightrow* weightnamed(std::string_view word);
 
-// Controls: set before stdparse; dispatch and stdparse put them back to the defaults in brackets.
-extern UByte p_varlist;       // 0 optional, 1 required, 3 forbidden [0]
-extern UByte p_existing;      // 1 names of variables, 0 new ones [1]
-extern UByte p_if;            // 0 allowed, 3 forbidden, 4 compiled in matrix-join mode [0]
-extern UByte p_in;            // 0 allowed, 1 required, 2 may pass nobs, 3 forbidden [0]
-extern Int4 p_inlimit;        // with p_in 2: the last observation there will be, which l stands for [nolimit]
-extern UByte p_using;         // 0 optional, 1 required, 2 the name may be left out, 3 forbidden [3]
-extern UByte p_exp;           // 0 optional, 1 required, 3 forbidden [3]
-extern UByte p_exptype;       // compile mode of =exp [mode_num]
-extern UByte p_weight;        // 3 forbidden, else allowed [3]
-extern UByte p_weightmask;    // weightkind bits allowed [15]
-extern UByte p_weightdefault; // the kind that an open type means [weight_a]
-extern UByte p_scale;         // 1 old-style weights are aweights with the option scale, else fweights [0]
-extern UByte p_options;       // 3 forbidden [0]
-extern UByte p_byok;          // 3 not with by [0]
-extern UByte p_tsops;         // 3 no time-series operators [3]
-extern UByte p_range;         // 1 a varlist or range is required [0]
-extern UByte p_skip;          // 1 _skip may stand in a new varlist [0]
-extern UByte p_noeq;          // 1 the `=` of =exp may be left out [0]
-void parse_defaults();
+// What a part of the form may do.
+enum partrule : UByte {
+    may,
+    must,
+    loosely,     // in: rows that are still to come; using: the word without a name
+    never,
+};
+
+struct form {
+    partrule varlist = may;
+    boolean newvars = false;            // its names are those of new variables
+    boolean skips = false;              // _skip may stand among new ones
+    partrule tsops = never;             // time-series operators in it, and in options that take lists
+    boolean listorrange = false;        // one of both must be there
+    partrule ifexp = may;
+    boolean matjoin = false;            // `if` is compiled in matrix-join mode
+    partrule in = may;
+    Int4 inlimit = nolimit;             // in loosely: the last observation there will be, which l stands for
+    partrule file = never;              // using
+    partrule exp = never;
+    UByte exptype = mode_num;           // compile mode of =exp
+    boolean bareexp = false;            // its `=` may be left out
+    partrule weight = never;
+    UByte weights = weight_all;         // weightkind bits allowed
+    UByte openweight = weight_a;        // the kind that an open type means
+    boolean oldscale = false;           // old-style weights are aweights with the option scale, else fweights
+    partrule options = may;
+    partrule by = may;
+};
+
+// State
+extern form parsing;          // the form being parsed; the usual one outside stdparse and who calls its parts
 
 // Results. vl_vr and vl_rcp are in core/memory.h.
 extern Int4 vl_n;             // entries
@@ -44,10 +68,10 @@ extern Int4 weighttype;       // weightkind, 0 without weights
 
 // Parses the whole form from the cursor. 0 or a code. Under by the run is the group's; a form parsed in the first group
 // is kept, and later groups find it as it was, with the compiled expressions, without reading the line again.
-Int4 stdparse();
+Int4 stdparse(const form& f = {});
 void stdparse_forget();       // drops the form kept under by
 // The shorter form [if exp] [in range] [, options]: no varlist.
-Int4 parseif();
+Int4 parseif(partrule options = may);
 // The condition of if and while: an expression into ifexp, and nothing behind it.
 Int4 parsecondition();
 // Options alone, from a comma at the cursor or the end of the line.

@@ -7,6 +7,7 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "language/expand.h"
+#include "language/stdparse.h"
 #include "language/words.h"
 #include "output/errors.h"
 
@@ -73,23 +74,14 @@ Int4 exppart(translation& t) {
     return std::string_view(nexttoken()) == "exp" ? 0 : error(197);
 }
 
-// The kind that a word names, or null.
-const char* weightkindword() {
-    static constexpr const char* words[] = {"aweight", "fweight", "iweight", "pweight"};
-    static constexpr const char* kinds[] = {"aw ", "fw ", "iw ", "pw "};
-    for (Int4 i = 0; i < 4; i++)
-        if (abbrev(tokbuf, words[i], 2)) return kinds[i];
-    return nullptr;
-}
-
 // The kinds of weights up to the closing bracket; the first one is the token in hand.
 Int4 weightpart(translation& t) {
     std::string& text = t.text[slot_weight];
     if (!t.bracketed || !text.empty()) return error(197);
     for (std::string_view token = tokbuf; token != "]"; token = nexttoken()) {
-        const char* kind = weightkindword();
-        if (!kind && token != "/") return error(197);
-        text += kind ? kind : "noprefix ";
+        const weightrow* row = weightnamed(tokbuf);
+        if (!row && token != "/") return error(197);
+        text += row ? std::string(row->word, 2) + " " : "noprefix ";
     }
     ungettoken();
     return 0;

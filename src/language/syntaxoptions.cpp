@@ -5,6 +5,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/macros.h"
+#include "core/quotes.h"
 #include "data/dataset.h"
 #include "language/stdparse.h"
 #include "language/syntax.h"
@@ -61,7 +62,7 @@ Int4 numberinvalid(const optionrule& rule, const char* reason) {
 
 Int4 numbervalue(const optionrule& rule, std::string_view text, std::string& value) {
     Double x;
-    text = unquotedtext(text);
+    text = unquoted(text);
     if (text == "." && rule.type == opt_real) {
         value = ".";
         return 0;
@@ -74,7 +75,7 @@ Int4 numbervalue(const optionrule& rule, std::string_view text, std::string& val
 
 Int4 numlistvalue(const optionrule& rule, std::string_view text, std::string& value) {
     std::vector<Double> numbers;
-    if (Int4 rc = numlistread(unquotedtext(text), rule.numbers, numbers))
+    if (Int4 rc = numlistread(unquoted(text), rule.numbers, numbers))
         return prefixed(rule.name + "() invalid -- ", rc, false);
     value = numlisttext(numbers);
     return 0;
@@ -83,7 +84,7 @@ Int4 numlistvalue(const optionrule& rule, std::string_view text, std::string& va
 // The variables of an option; `alone` tells whether text is a variable list and nothing else.
 Int4 optionvars(const optionrule& rule, std::string_view text, std::string& names, boolean& alone) {
     elsewhere list(text);
-    saved required(p_varlist, UByte(1)), tsops(p_tsops, UByte(rule.list.ts ? 0 : 3));
+    saved rules(parsing.varlist, must), tsops(parsing.tsops, rule.list.ts ? may : never);
     vl_n = vl_ngroups = 0;
     vl_given = 0;
     alone = !isstopword(nexttoken(breakvarlist)) && !isquoted();
@@ -113,7 +114,7 @@ Int4 varlistvalue(const optionrule& rule, std::string_view text, std::string& va
 
 Int4 argumentvalue(const optionrule& rule, const typedoption& option, std::string& value) {
     switch (rule.type) {
-    case opt_string: value = rule.asis ? trimmed(option.argument) : unquotedtext(option.argument); return 0;
+    case opt_string: value = rule.asis ? trimmed(option.argument) : unquoted(option.argument); return 0;
     case opt_real:
     case opt_integer: return numbervalue(rule, option.argument, value);
     case opt_numlist: return numlistvalue(rule, option.argument, value);

@@ -4,6 +4,7 @@
 #include "base/state.h"
 #include "base/text.h"
 #include "core/keywords.h"
+#include "core/quotes.h"
 #include "language/syntax.h"
 #include "language/words.h"
 #include "output/errors.h"
@@ -94,7 +95,7 @@ boolean listattribute(const attribute& a, listrules& rules) {
     case max: return readcount(a, rules.max);
     case otherwise: return readdefault(a.value, rules);
     case name: rules.name = a.value; return validname("_" + rules.name);
-    default: rules.id = unquotedtext(a.value).substr(0, 32); return true;
+    default: rules.id = unquoted(a.value).substr(0, 32); return true;
     }
 }
 
@@ -112,7 +113,7 @@ namespace {
 // Real and integer: the rest is the default.
 boolean numbertype(std::string_view text, optionrule& rule) {
     Double value;
-    text = unquotedtext(text);
+    text = unquoted(text);
     rule.otherwise = text;
     if (text.empty() || (text == "." && rule.type == opt_real)) return true;
     return readnumber(text, value) && (rule.type == opt_real || value == std::floor(value));

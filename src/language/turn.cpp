@@ -79,7 +79,6 @@ Int4 dispatch() {
     }
     if (turndepth >= maxturns) return skipfailed(error(1000), openedblock(tokstart));
     saved deeper(turndepth, turndepth + 1);
-    parse_defaults();
     outlevel = 0;
     sysclock = sysclock >= 0x7ffffffe ? 1 : sysclock + 1;
     poll();

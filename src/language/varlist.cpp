@@ -140,7 +140,7 @@ boolean operatortext(std::string& ops) {
 }
 
 Int4 appendtimeseries() {
-    if (p_tsops == 3) return error(6101);
+    if (parsing.tsops == never) return error(6101);
     std::string ops, element = tokbuf;
     if (!operatortext(ops)) return opmsg(element, op_invalid);
     if (ops.size() > 79) return opmsg(ops, op_toolong);
@@ -194,7 +194,7 @@ Int4 existinglist() {
     ungettoken();
     if (g.open) return error(198);
     if (vl_given) return 0;
-    return p_varlist == 1 ? required("varlist") : appendrange(1, visnvar);
+    return parsing.varlist == must ? required("varlist") : appendrange(1, visnvar);
 }
 
 namespace {
@@ -265,7 +265,7 @@ Int4 attachlabel(Int4 from) {
 Int4 newelement(newvarstate& s) {
     std::string name = tokbuf;
     Int4 from = vl_n;
-    if (name == "_skip") return p_skip ? skipslots() : error(198);
+    if (name == "_skip") return parsing.skips ? skipslots() : error(198);
     if (tokpeek() == '-') {
         nexttoken();
         if (Int4 rc = addseries(name, nexttoken(), s.type)) return rc;
@@ -301,7 +301,7 @@ Int4 newlist() {
     }
     ungettoken();
     if (s.bracketed) return error(198);
-    return vl_given || p_varlist != 1 ? 0 : required("varlist");
+    return vl_given || parsing.varlist != must ? 0 : required("varlist");
 }
 
 }  // namespace velmo

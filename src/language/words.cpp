@@ -43,12 +43,6 @@ std::size_t matchingend(std::string_view text) {
     return 0;
 }
 
-std::string_view unquotedtext(std::string_view text) {
-    wordpiece string;
-    text = trimmed(text);
-    return stringpiece(text, string) && string.raw.size() == text.size() ? string.text : text;
-}
-
 boolean stringargument(std::string& out) {
     while (*tokpos == ' ') tokpos++;
     wordpiece string;

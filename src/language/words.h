@@ -19,8 +19,6 @@ boolean stringpiece(std::string_view text, wordpiece& out);
 // Behind the parenthesis or bracket that closes the one at text[0]: quotes are passed over, ( and [ count alike. 0 when
 // it isn't closed.
 std::size_t matchingend(std::string_view text);
-// Without the quotes around the whole of a trimmed text.
-std::string_view unquotedtext(std::string_view text);
 
 // The string at the cursor, of any length; false when none stands there.
 boolean stringargument(std::string& out);
@@ -28,18 +26,5 @@ boolean stringargument(std::string& out);
 Int4 breakoption(std::string& breaks, Int4 limit, boolean& found);
 // Replaces the locals 1, 2, ... of the level by the tokens of text.
 Int4 positionals(std::string_view text, std::string_view breaks);
-
-// Parses another text than the command line: the cursor goes into it, and back at the end of the scope.
-struct elsewhere {
-    std::string text;
-    tokenpos before;
-    explicit elsewhere(std::string_view t) : text(t) {
-        savetokpos(&before);
-        settokpos(text.data());
-    }
-    ~elsewhere() { restoretokpos(&before); }
-    elsewhere(const elsewhere&) = delete;
-    elsewhere& operator=(const elsewhere&) = delete;
-};
 
 }  // namespace velmo

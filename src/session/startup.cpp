@@ -281,7 +281,6 @@ Int4 session_init(Int4 argc, char** argv) {
     review_init();
     tempfile_init();
     settokpos(cmdbuf);
-    parse_defaults();
     if (!nologo) notes();
     systemmacros();
     webfile_init();

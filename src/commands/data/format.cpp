@@ -24,6 +24,8 @@ Int4 formattoken(std::string& text, fmtspec& spec) {
     return chkfmt(text, 3, &spec) ? error(120) : 0;
 }
 
+constexpr form listonly{.ifexp = never, .in = never, .options = never};
+
 // Where the list ends: at the first token that cannot stand in one.
 char* listend() {
     tokenpos start;
@@ -38,7 +40,7 @@ char* listend() {
 Int4 listahead() {
     char* end = listend();
     saved cut(*end, char(0));
-    Int4 rc = stdparse();
+    Int4 rc = stdparse(listonly);
     settokpos(end);
     return rc;
 }
@@ -64,8 +66,7 @@ Int4 cmd_format() {
     boolean formatfirst = tokpeeknonblank() == '%';
     if (formatfirst)
         if (Int4 rc = formattoken(text, spec)) return rc;
-    p_if = p_in = p_options = 3;
-    if (Int4 rc = formatfirst ? stdparse() : listahead()) return rc;
+    if (Int4 rc = formatfirst ? stdparse(listonly) : listahead()) return rc;
     if (!vl_given) return error(111);
     if (!formatfirst) {
         if (Int4 rc = formattoken(text, spec)) return rc;

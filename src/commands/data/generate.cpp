@@ -98,11 +98,7 @@ void fillrest(Int4 var) {
 
 // generate [type] newvar[:lbl] = exp [if] [in]
 Int4 cmd_generate() {
-    p_existing = 0;
-    p_exp = 1;
-    p_exptype = mode_any;
-    p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.newvars = true, .exp = must, .exptype = mode_any, .options = never})) return rc;
     if (vl_n != 1) return error(vl_n ? 103 : 102);
     Int4 var = vl_vr[0];
     if (isstring(var) != (eqexp.restype == exp_string)) return error(109);
@@ -198,10 +194,7 @@ void replacereport(Int4 var) {
 
 // replace varname = exp [if] [in] [, nopromote]
 Int4 cmd_replace() {
-    p_varlist = 1;
-    p_exp = 1;
-    p_exptype = mode_any;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .exp = must, .exptype = mode_any})) return rc;
     if (vl_n != 1) return error(103);
     boolean promote = getopt_noflag("promote", 1, version >= 320);
     if (Int4 rc = getopt_done()) return rc;

@@ -17,8 +17,8 @@
 #include "data/labels.h"
 #include "data/run.h"
 #include "data/sorting.h"
-#include "expr/compile.h"
 #include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
@@ -35,13 +35,10 @@ Int4 endofline() { return nexttoken()[0] ? error(198) : 0; }
 
 // `= exp` at the cursor, a string: what quotes and macros would change reaches a label through it.
 Int4 expressiontext(std::string& text) {
+    textvalue value;
     nexttoken();
-    exp_reset();
-    firstobs = groupfirst = 1;
-    lastobs = grouplast = nobs;
-    if (Int4 rc = exp_compile(eqexp, mode_str)) return rc;
-    char value[strbufsize];
-    text.assign(value, std::size_t(exp_getstr(eqexp, 1, value)));
+    if (Int4 rc = exp_valuehere(mode_str, value)) return rc;
+    text = value.text;
     return 0;
 }
 
@@ -453,9 +450,7 @@ Int4 assigncodes(Int4 source, Int4 var, const std::string& label, const std::vec
 
 // encode varname [if] [in], generate(newvar) [label(name)]
 Int4 cmd_encode() {
-    p_varlist = 1;
-    p_byok = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .by = never})) return rc;
     if (vl_n != 1) return error(103);
     std::string name, label;
     boolean named, labeled;
@@ -497,9 +492,7 @@ Int4 longesttext(const vallabel& label) {
 
 // decode varname [if] [in], generate(newvar) [maxlength(#)]
 Int4 cmd_decode() {
-    p_varlist = 1;
-    p_byok = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .by = never})) return rc;
     if (vl_n != 1) return error(103);
     std::string name;
     boolean named;

@@ -28,9 +28,7 @@ Int4 cmd_rename() {
 
 // order varlist: to the front, in list order.
 Int4 cmd_order() {
-    p_varlist = 1;
-    p_if = p_in = p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .ifexp = never, .in = never, .options = never})) return rc;
     if (needscratchrow()) return error(901);
     Int4 place = 0;
     std::vector<UByte> done(std::size_t(nvar), 0);
@@ -49,9 +47,7 @@ Int4 cmd_order() {
 
 // move var1 var2: the first goes in front of the second.
 Int4 cmd_move() {
-    p_varlist = 1;
-    p_if = p_in = p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .ifexp = never, .in = never, .options = never})) return rc;
     if (vl_n != 2) return error(vl_n < 2 ? 102 : 103);
     if (needscratchrow()) return error(901);
     Int4 from = vl_vr[0], to = vl_vr[1];
@@ -100,8 +96,7 @@ Int4 compressvar(Int4 var) {
 
 // compress [varlist]: first the floats and integers, then the doubles, then the strings.
 Int4 cmd_compress() {
-    p_if = p_in = p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.ifexp = never, .in = never, .options = never})) return rc;
     if (vl_n == 0) return 0;
     if (Int4 rc = needscratchrow()) return error(rc);
     auto turn = [](UByte type) { return type < 245 ? 2 : type == typedouble ? 1 : type == typebyte ? 3 : 0; };

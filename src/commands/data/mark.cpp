@@ -58,9 +58,7 @@ Int4 selectflags(boolean keepzero, UByte* flags) {
 Int4 markhere(boolean by) {
     std::string name = nexttoken();
     if (Int4 rc = checknewname(name)) return rc;
-    p_varlist = 3;
-    p_weight = 0;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .weight = may})) return rc;
     boolean keepzero = getopt_flag("zeroweight", 4);
     if (Int4 rc = getopt_done()) return rc;
     workspace work{std::size_t(nobs) + 1};
@@ -96,9 +94,7 @@ Int4 markouthere() {
     Int4 mark = lookupvar(nexttoken(breakvarlist), lookup_ref);
     if (mark < 0) return -mark;
     if (isstring(mark)) return error(109);
-    p_if = p_in = 3;
-    p_tsops = 0;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.tsops = may, .ifexp = never, .in = never})) return rc;
     boolean strok = getopt_flag("strok", 5);
     if (Int4 rc = getopt_done()) return rc;
     if (!vl_given) return 0;

@@ -73,8 +73,7 @@ Int4 dropkeep(boolean keep) {
         cleardata(true);
         return 0;
     }
-    p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.options = never})) return rc;
     if (!vl_given && !ifgiven && !ingiven) return required("varlist or in range");
     if (!vl_given) return dropobservations(keep);
     if (bymode) return error(190);        // the next group would drop what then stands at the numbers
@@ -105,11 +104,7 @@ Int4 copyobservation(Int4 obs, Int4 copies) {
 
 // expand [=]exp [if] [in]: copies behind the data, one fewer than the value.
 Int4 cmd_expand() {
-    p_varlist = 3;
-    p_exp = 1;
-    p_noeq = 1;
-    p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .exp = must, .bareexp = true, .options = never})) return rc;
     Int4 before = nobs, rc = 0;
     // The run's end was fixed when the command was parsed: the copies don't take part.
     for (Int4 obs = firstobs; obs <= lastobs && !rc; obs++) {
@@ -129,8 +124,7 @@ Int4 cmd_expand() {
 }
 
 Int4 cmd_count() {
-    p_options = 3;
-    if (Int4 rc = parseif()) return rc;
+    if (Int4 rc = parseif(never)) return rc;
     Int4 n = 0;
     Int4 rc = overblocks([&](Int4, Int4 count, const UByte* mask) { n += Int4(std::count(mask, mask + count, 1)); });
     if (rc) return rc;
@@ -161,10 +155,7 @@ Int4 assertblock(Int4 first, Int4 n, const UByte* mask) {
 
 // assert exp [if] [in] [, rc0]
 Int4 cmd_assert() {
-    p_varlist = 3;
-    p_exp = 1;
-    p_noeq = 1;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .exp = must, .bareexp = true})) return rc;
     boolean forgive = getopt_flag("rc0", 1);
     if (Int4 rc = getopt_done()) return rc;
     if (bymode <= 1) tested = contradicted = groups = 0;
@@ -184,10 +175,7 @@ Int4 cmd_assert() {
 
 // sort varlist [in range] [, index(varname)]
 Int4 cmd_sort() {
-    p_varlist = 1;
-    p_if = 3;
-    p_byok = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .ifexp = never, .by = never})) return rc;
     std::vector<Int4> index;
     boolean indexed;
     if (Int4 rc = getopt_vars("index", 5, index, indexed)) return rc;

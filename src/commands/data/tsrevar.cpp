@@ -55,9 +55,7 @@ Int4 plainname(Int4 i, std::string& name) {
 
 // tsrevar varlist [if] [in] [, substitute list]: the plain names in r(varlist); with list the base variables only.
 Int4 cmd_tsrevar() {
-    p_varlist = 1;
-    p_tsops = 0;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = must, .tsops = may})) return rc;
     boolean list = getopt_flag("list", 1);
     getopt_flag("substitute", 1);
     if (Int4 rc = getopt_done()) return rc;

@@ -223,10 +223,8 @@ Int4 rowmerge(merging& m) {
 
 // merge [varlist] using filename [, nolabel update replace nokeep _merge(name)]
 Int4 cmd_merge() {
-    p_if = p_in = p_byok = 3;
-    p_using = 1;
     if (nvar == 0) return error(3);
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.ifexp = never, .in = never, .file = must, .by = never})) return rc;
     std::vector<Int4> wanted(vl_vr, vl_vr + (vl_given ? vl_n : 0));
     merging m;
     if (Int4 rc = readmergeoptions(m.o)) return rc;
@@ -294,10 +292,8 @@ void clearfresh(const joining& j) {
 
 // append using filename [, nolabel]
 Int4 cmd_append() {
-    p_varlist = p_if = p_in = p_byok = 3;
-    p_using = 1;
     if (nvar == 0) return error(3);
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .ifexp = never, .in = never, .file = must, .by = never})) return rc;
     boolean labels = getopt_noflag("label", 1, true);
     if (Int4 rc = getopt_done()) return rc;
     joining j;

@@ -149,7 +149,6 @@ Int4 filelist(dtafile& f, std::vector<Int4>& keep) {
     saved types(typ, f.head.types.data());
     saved all(nvar, n), visible(visnvar, n);
     namesmoved();
-    onexit controls(parse_defaults);
     vl_n = vl_ngroups = vl_given = 0;
     if (Int4 rc = existinglist()) return rc;
     if (vl_given && vl_n == 0) return required("varlist");
@@ -204,11 +203,7 @@ Int4 usewhole(dtafile& f, const useoptions& o) {
 Int4 useparts(dtafile& f, const std::vector<Int4>& keep, const useoptions& o) {
     settokpos(tokfirst());      // the word that ended the list
     if (Int4 rc = takekept(f, keep, o)) return rc;
-    p_varlist = 3;
-    p_using = 1;
-    p_in = 2;
-    p_inlimit = f.head.nobs;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .in = loosely, .inlimit = f.head.nobs, .file = must})) return rc;
     return ifgiven || ingiven ? chosenrows(f, keep) : dta_takerows(f, keep);
 }
 

@@ -125,14 +125,14 @@ Int4 lineitem(dicttokens& t, fieldtable& table) {
 
 Int4 skipitem(dicttokens& t, fieldtable& table) {
     Int4 n = 1;
-    if (Int4 rc = argument(t, 0, linesize, n, true)) return rc;
+    if (Int4 rc = argument(t, 0, textlinesize, n, true)) return rc;
     table.skip += n;
-    return table.skip > linesize ? dict_invalid() : 0;
+    return table.skip > textlinesize ? dict_invalid() : 0;
 }
 
 Int4 columnitem(dicttokens& t, fieldtable& table) {
     Int4 n = 1;
-    if (Int4 rc = argument(t, 1, linesize, n, false)) return rc;
+    if (Int4 rc = argument(t, 1, textlinesize, n, false)) return rc;
     table.column = n - 1;
     table.skip = 0;
     return 0;

@@ -16,8 +16,7 @@
 #include "core/webfile.h"
 #include "data/dataset.h"
 #include "data/run.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/stdparse.h"
 #include "matrix/results.h"
 #include "output/errors.h"
@@ -57,9 +56,7 @@ Int4 takehandle(userecord& use) {
 struct openoptions { boolean read, write, text, binary, replace, append, all; };
 
 Int4 readoptions(openoptions& o) {
-    p_varlist = p_if = p_in = p_byok = 3;
-    p_using = 1;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .ifexp = never, .in = never, .file = must, .by = never})) return rc;
     o.read = getopt_flag("read", 1);
     o.write = getopt_flag("write", 1);
     o.text = getopt_flag("text", 1);
@@ -235,21 +232,18 @@ Int4 put(writing& w, std::string_view text) {
     return 0;
 }
 
-// Compiles the text between begin and end, and leaves the cursor where it is.
-Int4 compilebetween(char* begin, char* end, Int4 mode) {
-    std::string text(begin, end);
-    saved pos(tokpos, text.data()), start(tokstart, text.data());
-    exp_reset();
-    if (Int4 rc = exp_compile(eqexp, mode)) return rc;
-    return tokpeeknonblank() ? error(198) : 0;
+// The value of the text between begin and end.
+Int4 valuebetween(char* begin, char* end, Int4 mode, textvalue& value) {
+    return exp_valueof({begin, std::size_t(end - begin)}, mode, value);
 }
 
 // (#): a number below 2147483647.
 Int4 countargument(Double& value) {
     char *begin, *end;
     if (!parenthesized(&begin, &end)) return error(198);
-    if (Int4 rc = compilebetween(begin, end, mode_num)) return rc;
-    value = std::trunc(exp_getnum(eqexp, 1));
+    textvalue given;
+    if (Int4 rc = valuebetween(begin, end, mode_num, given)) return rc;
+    value = std::trunc(given.number);
     return value < 2147483647.0 ? 0 : error(198);
 }
 
@@ -297,20 +291,18 @@ Int4 takedirective(writing& w) {
 }
 
 // A number has the blanks ahead that its format gives, none by the default; a string is padded and never cut.
-Int4 puttextvalue(writing& w) {
+Int4 puttextvalue(writing& w, const textvalue& value) {
     std::string format;
     format.swap(w.format);
-    char text[strbufsize];
-    if (eqexp.restype == exp_string) {
-        Int4 n = exp_getstr(eqexp, 1, text);
-        if (format.empty()) return put(w, {text, std::size_t(n)});
+    if (value.isstring) {
+        if (format.empty()) return put(w, value.text);
         fmtspec spec{};
         chkfmt(format, 13, &spec);
         std::string form = (spec.just < 0 ? "%-" : spec.just == 0 ? "%~" : "%") + std::to_string(spec.width) + "s";
-        return put(w, std::string(dbuf, std::size_t(fmtstr(form.c_str(), {text, std::size_t(n)}, false))));
+        return put(w, std::string(dbuf, std::size_t(fmtstr(form.c_str(), value.text, false))));
     }
     boolean own = !format.empty() && chkfmt(format, 11) == 0;
-    fmtread(own ? format.c_str() : defaultfmt, exp_getnum(eqexp, 1));
+    fmtread(own ? format.c_str() : defaultfmt, value.number);
     return put(w, std::string(own ? std::string_view(dbuf) : trimmed(dbuf)));
 }
 
@@ -323,8 +315,9 @@ Int4 textitem(writing& w) {
         return w.format.size() >= fmtsize || chkfmt(w.format, 13) ? error(120) : 0;
     }
     if (!parenthesized(&begin, &end)) return error(198);
-    if (Int4 rc = compilebetween(begin, end, mode_any)) return rc;
-    return puttextvalue(w);
+    textvalue value;
+    if (Int4 rc = valuebetween(begin, end, mode_any, value)) return rc;
+    return puttextvalue(w, value);
 }
 
 // ---- Binary
@@ -335,13 +328,11 @@ Int4 putstringfield(writing& w, const binaryfield& field, std::string_view text)
     return put(w, bytes);
 }
 
-Int4 putbinaryvalue(writing& w, const binaryfield& field) {
-    boolean string = eqexp.restype == exp_string;
-    if (string != (field.kind == 's')) return error(109);
-    char text[strbufsize];
-    if (string) return putstringfield(w, field, {text, std::size_t(exp_getstr(eqexp, 1, text))});
+Int4 putbinaryvalue(writing& w, const binaryfield& field, const textvalue& value) {
+    if (value.isstring != (field.kind == 's')) return error(109);
+    if (value.isstring) return putstringfield(w, field, value.text);
     UByte bytes[8];
-    field_encode(field, exp_getnum(eqexp, 1), bytes);
+    field_encode(field, value.number, bytes);
     if (w.h.border != order_lohi) std::reverse(bytes, bytes + field.size);
     return put(w, {reinterpret_cast<char*>(bytes), std::size_t(field.size)});
 }
@@ -358,8 +349,9 @@ Int4 binaryitem(writing& w) {
     if (quotedtext(&begin, &end))
         return w.field.kind == 's' ? putstringfield(w, w.field, {begin, std::size_t(end - begin)}) : error(198);
     if (!parenthesized(&begin, &end)) return error(198);
-    if (Int4 rc = compilebetween(begin, end, mode_any)) return rc;
-    return putbinaryvalue(w, w.field);
+    textvalue value;
+    if (Int4 rc = valuebetween(begin, end, mode_any, value)) return rc;
+    return putbinaryvalue(w, w.field, value);
 }
 
 Int4 writehandle() {
@@ -368,8 +360,6 @@ Int4 writehandle() {
     if (use.h.mode == handle_read)
         return errorf(198, "may not write to read-only file handle %s\n", use.name.c_str());
     if (use.h.err) return error(691);
-    firstobs = groupfirst = 1;
-    lastobs = grouplast = nobs;
     writing w{use.h, 1, "", {}};
     while (tokpeeknonblank()) {
         tokpos += std::strspn(tokpos, " ");

@@ -21,7 +21,7 @@ struct placedfield {
 struct fieldreading {
     std::vector<placedfield> fields;
     Int4 linesperobs;
-    char cleaned[2 * numbermargin + linesize + 64];      // a number without blanks, with its point
+    char cleaned[2 * numbermargin + textlinesize + 64];      // a number without blanks, with its point
 };
 
 // A token from pos on: to the closing quote or the next blank; pos goes behind it.
@@ -70,7 +70,7 @@ std::string_view numbertext(fieldreading& r, std::string_view text, Int4 decimal
 Int4 readfield(fieldreading& r, const placedfield& f, std::string_view line, std::size_t& pos, Int4 obs) {
     if (f.field.column >= 0) pos = std::size_t(f.field.column);
     pos += std::size_t(f.field.skip);
-    if (pos >= std::size_t(linesize)) return error(611);
+    if (pos >= std::size_t(textlinesize)) return error(611);
     std::string_view text = f.field.width ? columnsat(line, pos, f.field.width) : tokenat(line, pos);
     text = trimmed(text);
     if (f.number) text = numbertext(r, text, f.field.decimals);

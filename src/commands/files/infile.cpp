@@ -60,9 +60,8 @@ Int4 optionsahead(infileoptions& o, infileform form) {
     return (nvar || nobs) && !o.clear ? error(18) : 0;
 }
 
-Int4 parserest(Int4& first, Int4& last) {
-    p_in = 2;
-    if (Int4 rc = stdparse()) return rc;
+Int4 parserest(const form& f, Int4& first, Int4& last) {
+    if (Int4 rc = stdparse(f)) return rc;
     first = firstobs;
     last = lastobs;
     firstobs = groupfirst = 1;
@@ -84,9 +83,7 @@ Int4 makevariables(const fieldtable& table) {
 Int4 fillfrom(linereader& lines, const fieldtable& table) {
     Int4 first, last;
     if (Int4 rc = makevariables(table)) return rc;
-    p_varlist = 3;
-    p_using = 0;
-    if (Int4 rc = parserest(first, last)) return rc;
+    if (Int4 rc = parserest({.varlist = never, .in = loosely, .file = may}, first, last)) return rc;
     numbers_start(true, false);
     rows_start();
     return readfields(lines, table, first, last);

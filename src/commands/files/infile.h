@@ -4,6 +4,7 @@
 #pragma once
 #include <string>
 #include "commands/files/dictionary.h"
+#include "language/stdparse.h"
 
 namespace velmo {
 
@@ -20,7 +21,7 @@ enum infileform { form_free, form_dictionary, form_columns };
 Int4 optionsahead(infileoptions& o, infileform form);
 // The rest of the command: if, in, using, options. The range goes to first and last, so that firstobs and lastobs fit
 // the rows, which are counted from 1.
-Int4 parserest(Int4& first, Int4& last);
+Int4 parserest(const form& f, Int4& first, Int4& last);
 // infile using dictionary, infix using dictionary: from behind `using` on.
 Int4 bydictionary(boolean infix);
 // Makes the variables of a table (the old data go) and reads the data at the reader's place.

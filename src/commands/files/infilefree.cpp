@@ -207,10 +207,8 @@ Int4 readcolumns(tokenreader& t, Int4 n, Int4 first, Int4 last) {
 
 Int4 fill(Int4 handle, const infileoptions& o) {
     Int4 first, last;
-    p_existing = 0;
-    p_skip = p_using = 1;
-    p_if = o.byvariable ? 3 : 0;
-    if (Int4 rc = parserest(first, last)) return rc;
+    form f{.newvars = true, .skips = true, .ifexp = o.byvariable ? never : may, .in = loosely, .file = must};
+    if (Int4 rc = parserest(f, first, last)) return rc;
     if (nvar == 0) return error(102);
     slots.clear();
     for (Int4 i = 0; i < vl_n; i++) slots.push_back(vl_vr[i] > 0 ? rows_cell(vl_vr[i]) : rowcell{-1, 0, 0});

@@ -29,13 +29,13 @@ Int4 numberitem(dicttokens& t, fieldtable& table) {
 // [#:]a[-b], its first number in hand: the line stands for this item alone.
 Int4 readcolumns(dicttokens& t, fieldtable& table, Int4& line, Int4& from, Int4& to) {
     line = table.line;
-    if (Int4 rc = dict_number(1, linesize, from)) return rc;
+    if (Int4 rc = dict_number(1, textlinesize, from)) return rc;
     if (Int4 rc = dict_take(t)) return rc;
     if (dict_is(":")) {
         line = from;
         if (line > (table.lines ? table.lines : maxlines)) return dict_invalid();
         if (Int4 rc = dict_take(t)) return rc;
-        if (Int4 rc = dict_number(1, linesize, from)) return rc;
+        if (Int4 rc = dict_number(1, textlinesize, from)) return rc;
         if (Int4 rc = dict_take(t)) return rc;
     }
     to = from;
@@ -44,7 +44,7 @@ Int4 readcolumns(dicttokens& t, fieldtable& table, Int4& line, Int4& from, Int4&
         return 0;
     }
     if (Int4 rc = dict_take(t)) return rc;
-    return dict_number(from, linesize, to);
+    return dict_number(from, textlinesize, to);
 }
 
 // Names up to the columns, whose first number is then in hand.

@@ -119,10 +119,8 @@ Int4 cmd_input() {
     if (bymode) return error(190);
     inputstate s;
     s.newvars = namesfollow();
-    p_existing = s.newvars ? 0 : 1;
-    p_if = p_in = 3;
     boolean wasempty = nvar == 0 && nobs == 0;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.newvars = s.newvars, .ifexp = never, .in = never})) return rc;
     s.automatic = getopt_flag("automatic", 1);
     s.label = getopt_flag("label", 1) || s.automatic;
     if (Int4 rc = getopt_done()) return rc;

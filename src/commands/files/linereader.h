@@ -8,7 +8,7 @@
 
 namespace velmo {
 
-inline constexpr Int4 linesize = 32767;          // bytes in the line, where columns lie
+inline constexpr Int4 textlinesize = 32767;          // bytes in the line, where columns lie
 inline constexpr Int4 longestline = 32757;       // one this long is refused
 inline constexpr Int4 lines_atend = -1;
 
@@ -17,7 +17,7 @@ struct linereader {
     Int4 lrecl;                       // record length, 0: lines end by a line end
     UByte ended;                      // byte 26 has been met
     Int4 len;
-    char room[numbermargin + linesize + 1 + numbermargin];
+    char room[numbermargin + textlinesize + 1 + numbermargin];
     char* text() { return room + numbermargin; }
     std::string_view line() { return {text(), std::size_t(len)}; }
 };

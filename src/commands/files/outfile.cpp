@@ -179,8 +179,7 @@ Int4 readoptions(outfileoptions& o) {
 // outfile [varlist] using filename [if] [in] [, dictionary comma wide quote noquote label nolabel replace runtogether]
 Int4 cmd_outfile() {
     if (nvar == 0) return error(111);
-    p_using = 1;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.file = must})) return rc;
     outfileoptions o{};
     if (Int4 rc = readoptions(o)) return rc;
     for (Int4 i = 0; i < vl_n && o.runtogether; i++)

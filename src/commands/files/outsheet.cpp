@@ -53,8 +53,7 @@ Int4 writerows(bytewriter& w, const outsheetoptions& o) {
 // outsheet [varlist] using filename [if] [in] [, comma quote noquote names nonames label nolabel replace]
 Int4 cmd_outsheet() {
     if (nvar == 0) return error(111);
-    p_using = 1;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.file = must})) return rc;
     outsheetoptions o{};
     o.cells.label = getopt_noflag("label", 1, true);
     o.cells.quote = getopt_noflag("quote", 1, true);

@@ -9,8 +9,7 @@
 #include "data/dataset.h"
 #include "data/posting.h"
 #include "data/run.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
 #include "output/errors.h"
@@ -70,9 +69,7 @@ Int4 cmd_postfile() {
     postchoice o;
     if (Int4 rc = readcolumns(columns, o.type)) return rc;
     if (Int4 rc = checkcolumns(columns)) return rc;
-    p_varlist = p_if = p_in = 3;
-    p_using = 1;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.varlist = never, .ifexp = never, .in = never, .file = must})) return rc;
     if (Int4 rc = readpostoptions(o)) return rc;
     char path[pathsize];
     addsuffix(path, usingname, ".dta");
@@ -91,17 +88,10 @@ Int4 postedvalue(Double& value) {
     if (tokpeeknonblank() != '(') return errorf(198, "post command requires expressions be bound in parenthesis\n");
     while (tokpeek() == ' ') tokpos++;
     if (!parenthesized(&begin, &end)) return errorf(132, "too few ')' or ']'\n");
-    char* behind = tokpos;
-    char closing = *end;
-    *end = 0;
-    onexit restore([=] { *end = closing; });
-    settokpos(begin);
-    exp_reset();
-    if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
-    if (tokpeeknonblank()) return error(198);
-    value = exp_getnum(eqexp, 1);
-    settokpos(behind);
-    return 0;
+    textvalue given;
+    Int4 rc = exp_valueof({begin, std::size_t(end - begin)}, mode_num, given);
+    value = given.number;
+    return rc;
 }
 
 Int4 postedvalues(Int4 columns, std::vector<Double>& values) {
@@ -128,8 +118,6 @@ Int4 cmd_post() {
     Int4 columns = post_columns(name);
     if (!columns) return nopost(name);
     std::vector<Double> values;
-    firstobs = groupfirst = 1;
-    lastobs = grouplast = nobs;
     if (Int4 rc = postedvalues(columns, values)) return rc;
     return post_row(name, values);
 }

@@ -25,10 +25,8 @@ enum programclasses : UByte { class_r = 1, class_s = 2 };
 Int4 assignment(std::string& name, UByte mode) {
     name = nexttoken();
     if (!validname(name)) return name.empty() ? error(198) : badname(name);
-    p_varlist = p_if = p_in = p_options = p_byok = 3;
-    p_exp = 1;
-    p_exptype = mode;
-    return stdparse();
+    return stdparse({.varlist = never, .ifexp = never, .in = never, .exp = must, .exptype = mode, .options = never,
+                     .by = never});
 }
 
 // The one name behind drop, or _all.

@@ -10,6 +10,7 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/prefs.h"
+#include "core/quotes.h"
 #include "core/settings.h"
 #include "data/run.h"
 #include "data/sorting.h"
@@ -78,8 +79,7 @@ Int4 takeint(const setting& row) {
 
 // The rest of the line, quotes around it removed.
 Int4 taketext(const setting& row) {
-    std::string_view text = trimmed(tokrest());
-    if (text.size() >= 2 && text.front() == '"' && text.back() == '"') text = text.substr(1, text.size() - 2);
+    std::string_view text = unquoted(tokrest());
     if (text.size() >= std::size_t(row.hi)) return error(198);
     copytext(static_cast<char*>(row.where), std::size_t(row.hi), text);
     return 0;

@@ -12,8 +12,7 @@
 #include "core/upcalls.h"
 #include "core/webfile.h"
 #include "data/run.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/review.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
@@ -74,12 +73,12 @@ Int4 cmd_which() {
 
 // error exp: truncated; below 0 or above 32767 counts as 32767.
 Int4 cmd_error() {
-    exp_reset();
+    textvalue given;
     if (tokpeeknonblank() == 0) return error(198);
-    if (exp_compile(eqexp, mode_num)) return 197;
+    if (exp_valuehere(mode_num, given)) return 197;
     if (Int4 rc = parseoptions()) return rc;
     if (Int4 rc = getopt_done()) return rc;
-    Double value = std::trunc(exp_getnum(eqexp, 1));
+    Double value = std::trunc(given.number);
     Int4 code = value < 0 || value > 32767 ? 32767 : Int4(value);
     if ((code == 2000 || code == 2001) && by_active) {
         errorcommand(code);

@@ -239,9 +239,8 @@ Int4 cmd_describe() {
     if (bymode) return error(190);
     if (std::string_view(nexttoken()) == "using") return describefile();
     ungettoken();
-    p_if = p_in = 3;
     describeoptions o;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.ifexp = never, .in = never})) return rc;
     if (Int4 rc = readoptions(o)) return rc;
     dataview d = memoryview(o.all, o.brief);
     storeresults(d);

@@ -10,8 +10,7 @@
 #include "core/upcalls.h"
 #include "data/dataset.h"
 #include "data/run.h"
-#include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/value.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -101,28 +100,15 @@ Int4 putnumber(displaystate& s, Double value) {
     return putrepeated(s, text);
 }
 
-// Compiles the text between begin and end as a number and gives its value.
-Int4 evaluatespan(char* begin, char* end, Double& value) {
-    char behind = *end;
-    *end = 0;
-    onexit restore([&] { *end = behind; });
-    settokpos(begin);
-    exp_reset();
-    if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
-    value = exp_getnum(eqexp, 1);
-    return tokpeeknonblank() ? error(198) : 0;
-}
-
 // (#), or `otherwise` without parentheses. Numbers must be below 401.
 Int4 countargument(Int4& value, Int4 otherwise) {
     value = otherwise;
     if (tokpeek() != '(') return 0;
     char *begin, *end;
     if (!parenthesized(&begin, &end)) return error(198);
-    char* behind = tokpos;
-    Double v;
-    if (Int4 rc = evaluatespan(begin, end, v)) return rc;
-    settokpos(behind);
+    textvalue given;
+    if (Int4 rc = exp_valueof({begin, std::size_t(end - begin)}, mode_num, given)) return rc;
+    Double v = given.number;
     if (!(v < 401)) return error(198);
     value = v < -2147483000.0 ? -2147483000 : Int4(v);
     return 0;
@@ -260,12 +246,9 @@ Int4 takeliteral(displaystate& s) {
 
 Int4 takeexpression(displaystate& s) {
     if (std::string_view(tokbuf) != "=") ungettoken();
-    exp_reset();
-    if (Int4 rc = exp_compile(eqexp, mode_any)) return rc;
-    if (eqexp.restype == exp_numeric) return putnumber(s, exp_getnum(eqexp, 1));
-    char text[strbufsize];
-    Int4 n = exp_getstr(eqexp, 1, text);
-    return putstring(s, {text, std::size_t(n)});
+    textvalue value;
+    if (Int4 rc = exp_valuehere(mode_any, value)) return rc;
+    return value.isstring ? putstring(s, value.text) : putnumber(s, value.number);
 }
 
 Int4 takeitem(displaystate& s) {
@@ -288,8 +271,6 @@ Int4 takeitem(displaystate& s) {
 namespace {
 
 Int4 walkitems(displaystate& s) {
-    firstobs = groupfirst = 1;
-    lastobs = grouplast = nobs;
     s.mode = version >= 700 ? print_vtml : print_plain;
     while (nexttoken()[0])
         if (Int4 rc = takeitem(s)) return rc;

@@ -215,8 +215,7 @@ Int4 inspectone(Int4 var) {
 
 // inspect [varlist] [if] [in]
 Int4 cmd_inspect() {
-    p_options = 3;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.options = never})) return rc;
     rclear();
     for (Int4 i = 0; i < vl_n; i++)
         if (Int4 rc = inspectone(vl_vr[i])) return rc;

@@ -154,8 +154,7 @@ Int4 displayobservation(const std::vector<listcolumn>& columns, const listoption
 
 // list [varlist] [if] [in] [, nolabel noobs noheader doublespace display nodisplay]
 Int4 cmd_list() {
-    p_tsops = 0;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.tsops = may})) return rc;
     listoptions o{getopt_noflag("label", 1, true), getopt_noflag("obs", 1, true), getopt_noflag("header", 1, true),
                   getopt_flag("doublespace", 2)};
     std::vector<listcolumn> columns;

@@ -554,11 +554,7 @@ Int4 detailone(Int4 entry, const sumoptions& o) {
 
 // summarize [varlist] [if] [in] [weight] [, detail meanonly format]
 Int4 cmd_summarize() {
-    p_weight = 0;
-    p_scale = 1;
-    p_tsops = 0;
-    p_weightmask = weight_a | weight_f;
-    if (Int4 rc = stdparse()) return rc;
+    if (Int4 rc = stdparse({.tsops = may, .weight = may, .weights = weight_a | weight_f, .oldscale = true})) return rc;
     sumoptions o{getopt_flag("detail", 1), false, getopt_flag("format", 1)};
     if (!o.detail) o.meanonly = getopt_flag("meanonly", 4);
     if (Int4 rc = getopt_done()) return rc;

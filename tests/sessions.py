@@ -109,7 +109,8 @@ merge using {file}{|, nokeep} ;; append using {file}{|, nolabel} ;;
 save {file}, replace{| old| nolabel| all| midscale} ;; use {file}, clear{| nolabel} ;;
 use {vars} using {file}{if}{in}, clear ;; use {file} ;; preserve ;; restore{|, preserve|, not} ;;
 set maxvar {2047|2100|3000|5000|9000} ;; set memory {int}m ;; discard ;; clear"""),
-("loose", r"""expand {model}{if} ;; insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
+("loose", r"""expand min(5, {model}){if} ;;
+insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
 infile {str9 {new} {new}|{new}-{new}|{new} {new}|byte {new}:{lab} str3 {new}} using t{int}.raw{if}{in}, clear{|\
  automatic| byvariable({int})} ;; infix {new} 1-{int} str {new} 3-9 using t{int}.raw{if}{in}, clear ;;
 infile using t{int}.raw, clear ;; infix using t{int}.raw{in}, clear ;;
@@ -284,6 +285,7 @@ class session:
         line = self.fill(template).strip()
         self.run(line.split("\n"))
         self.now = self.look()
+        if re.match("do|run|postfile", line): self.files = {}      # which they may write
         if promise != "loose": self.check(promise, line, before, self.now)
         if not self.rc and promise != "reads" and not re.match("by|capture|quietly", line):
             self.compare(template, line, before, self.now)
@@ -313,7 +315,7 @@ class session:
             rows = [r for i, r in enumerate(before.rows()) if (i in some) == (word == "keep")]
             if rows != now.rows() and now.names: raise fault("other observations stayed than %s" % rows[:5])
         elif word == "expand":
-            more = sum(int(v) - 1 for i in some if 1 < (v := self.value(before, i)) < 1e9)
+            more = sum(int(v) - 1 for i in some if (v := min(5, self.value(before, i))) > 1)
             if now.n != before.n + more: raise fault("%d observations, not %d" % (now.n, before.n + more))
         elif self.value:
             name = now.names[-1] if word == "generate" else words[1]

@@ -74,7 +74,7 @@ void cleardata(boolean keeplabels);
 // observations the data are marked changed and srt is emptied.
 Int4 growobs(Int4 n);
 Int4 obsroom(Int4 n);                       // addobsroom, with 901 for whatever refused it
-Int4 nextobsroom();                         // room for observation nobs + 1, which can then be addressed; 0 or 901, printed
+Int4 nextobsroom();                         // so that observation nobs + 1 can be addressed; 0 or 901, printed
 Int4 needscratchrow();                     // makes sure that nobs < maxobs; 0 or 901
 
 boolean issample(Int4 var);                // the variable is (e)

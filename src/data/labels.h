@@ -48,7 +48,7 @@ struct labelinhand {
 };
 void vl_take(labelinhand& l, std::string_view name);
 Double vl_texttoval(const labelinhand& l, std::string_view text);
-// The value of a text, which is added under the next free value (one above the highest, 1 when empty) unless it is there:
+// The value of a text, which is added under the next free value (one above the highest, 1 when empty) unless there:
 // 0, 134.
 Int4 vl_nextval(labelinhand& l, std::string_view text, Double& value);
 

@@ -128,7 +128,8 @@ Int4 docmd() {
     bymode = 0;
     std::int64_t start = rmsg && !inprogram ? clockms() : 0;
     const lineinfo* line = std::exchange(currentline, nullptr);
-    linemarks marks = !line || line->cutat >= 0 ? linemarks{} : linemarks{line->length, line->firstmark, line->behindmarks};
+    linemarks marks;
+    if (line && line->cutat < 0) marks = {line->length, line->firstmark, line->behindmarks};
     boolean plain = line && line->firstmark < 0 && version >= 320;
     try {
         // A loop at a level that stores loops is expanded in each of its rounds.

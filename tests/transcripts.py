@@ -11,7 +11,8 @@ A .test file holds cases:
     --- locale NAME   (optional) C otherwise
     --- outfile NAME  (optional, repeatable) the text of a file that must stand there afterwards
     --- session       lines that begin ". " are typed; all others must come back exactly, `...` skips any number,
-                      `~regex` matches one line. Trailing blanks and empty lines at the ends don't count.
+                      `~regex` matches one line. Trailing blanks and empty lines at the ends don't count. Short answers
+                      may stand behind their command: `. command  => line  => line`.
 
 A line `--- compact` ahead of the first case: in this file empty lines of the session don't count at all.
 Each case has its own process and its own empty folder.
@@ -30,7 +31,7 @@ def parse(path):
             section = (kind, arg.strip(), [])
             cases[-1]["sections"].append(section)
         elif line == "--- compact": compact = True
-        elif section: section[2].append(line)
+        elif section: section[2].extend(line.split("  => ") if section[0] == "session" and line.startswith(". ") else [line])
     return cases
 
 def unescape(text):

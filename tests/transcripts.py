@@ -13,11 +13,14 @@ A .test file holds cases:
     --- session       lines that begin ". " are typed; all others must come back exactly, `...` skips any number,
                       `~regex` matches one line. Trailing blanks and empty lines at the ends don't count. Short answers
                       may stand behind their command: `. command  => line  => line`.
+    --- session numbered   as well, lines that begin with the number of a line asked for are typed
 
 A line `--- compact` ahead of the first case: in this file empty lines of the session don't count at all.
 Each case has its own process and its own empty folder.
 """
 import os, re, shutil, subprocess, sys, tempfile
+
+PROMPTS = {"": r"\. ", "numbered": r"(\.| *\d+\.) (?=\S)"}
 
 def parse(path):
     cases, section, compact = [], None, False
@@ -82,8 +85,8 @@ def run(case, program):
             elif kind == "stdin": typed = text
             elif kind == "exit": status = int(arg)
             elif kind == "outfile": outfiles.append((arg, text))
-            elif kind == "session": session = lines
-        if typed is None: typed = "".join(l[2:] + "\n" for l in session if l.startswith(". "))
+            elif kind == "session": session, prompt = lines, PROMPTS[arg]
+        if typed is None: typed = "".join(l[m.end():] + "\n" for l in session if (m := re.match(prompt, l)))
         environment = dict(os.environ, HOME=work, TEMP=work, TERM="dumb", LC_ALL=locale)
         for name in ("VELMO", "VELMOTMP", "S_ADO"): environment.pop(name, None)
         p = subprocess.run([program] + args, input=typed.encode("latin-1"), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,

@@ -5,6 +5,7 @@ A .test file holds cases:
 
     === a sentence that must hold
     --- file NAME     (optional, repeatable) a file of the work folder; \\xHH, \\n, \\r, \\t, \\0, \\\\ in NAME.bin
+    --- do            (optional) a do-file that the session runs ahead of its lines
     --- args          (optional) arguments instead of -q
     --- stdin         (optional) typed lines instead of those of the session
     --- exit N        (optional) the exit status; otherwise 1 when the last command failed, else 0
@@ -31,7 +32,8 @@ def parse(path):
             section = None
         elif line.startswith("--- ") and cases:
             kind, _, arg = line[4:].partition(" ")
-            section = (kind, arg.strip(), [])
+            section = ("file", "setup.do", []) if kind == "do" else (kind, arg.strip(), [])
+            if kind == "session" and ("file", "setup.do") in [s[:2] for s in cases[-1]["sections"]]: section[2].append(". run setup")
             cases[-1]["sections"].append(section)
         elif line == "--- compact": compact = True
         elif section: section[2].extend(line.split("  => ") if section[0] == "session" and line.startswith(". ") else [line])

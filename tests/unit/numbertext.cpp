@@ -41,7 +41,7 @@ std::string anynumber() {
         if (i == point) text += '.';
         if (i < digits) text += char('0' + (below(4) ? below(10) : below(2) * 9));
     }
-    if (below(4) == 0) text += "e" + std::to_string(below(70) - 35);
+    if (below(4) == 0) text += "e" + std::to_string(below(4) ? below(70) - 35 : below(700) - 350);
     return text;
 }
 

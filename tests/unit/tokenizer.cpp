@@ -155,7 +155,7 @@ bool reference(const string& text, double& value) {
 
 }  // namespace
 
-// Random texts from the letters of numbers, and random numbers of every size: the same verdict and the same bits.
+// Random texts from the letters of numbers, and long ones: the same verdict and the same bits.
 TEST(Numbers, AreReadAsStrtodReadsThem) {
     unsigned long long seed = 20240611;
     auto random = [&seed](unsigned n) {
@@ -166,7 +166,7 @@ TEST(Numbers, AreReadAsStrtodReadsThem) {
         double got = -7, want = -7;
         bool isnumber = reference(text, want);
         ASSERT_EQ(readnumber(text, got), isnumber) << text;
-        if (!isnumber) return;
+        if (!isnumber) want = -7;        // nothing is stored
         ASSERT_TRUE(got == want && std::signbit(got) == std::signbit(want)) << text << ": " << got << " " << want;
     };
     const string letters = "00123456789..++--eEdD";

@@ -281,6 +281,24 @@ TEST(Vtml, ChunksDoNotMatter) {
     }
 }
 
+TEST(Vtml, RandomBytesDoNoHarm) {
+    static const char* const pieces[] = {
+        "{",  "}", "\n", " ", ":", "{p}", "{p_end}", "{asis}", "{v6hlp}", "{vtml}\n", "@", "^", "!", "{hi:", "{right:",
+        "{dup 9:", "{help a:", "{col 9:", "word", "\t", "{title:", "{.-}", "\""};
+    std::mt19937 random(11);
+    for (int round = 0; round < 10000; round++) {
+        stream s;
+        vstream_setlinesize(s.s, Int4(random() % 300));
+        for (unsigned n = random() % 40; n > 0; n--) {
+            string chunk;
+            for (unsigned m = random() % 6; m > 0; m--)
+                chunk += random() % 4 ? string(pieces[random() % std::size(pieces)]) : string(1, char(random()));
+            vstream_write(s.s, chunk);
+        }
+        s.take();
+    }
+}
+
 TEST(Vtml, LogsGetBytesAndLines) {
     char raw[] = "/tmp/vtmlrawXXXXXX", lines[] = "/tmp/vtmllineXXXXXX";
     int rawfile = mkstemp(raw), linefile = mkstemp(lines);

@@ -369,7 +369,7 @@ TEST_F(dataset, geometry_and_names) {
     EXPECT_EQ(newvar("str5x", typebyte), 0);
     newvar("alpha", typebyte);
     newvar("alphabet", typebyte);
-    const struct { const char* text; lookupmode how; Int4 want; } looked[] = {     // alp is ambiguous, exact beats prefix
+    const struct { const char* text; lookupmode how; Int4 want; } looked[] = {   // alp is ambiguous, exact beats prefix
         {"alp", lookup_ref, -111}, {"alpha", lookup_ref, 4}, {"alphab", lookup_quiet, 5}, {"zz", lookup_ref, -111},
         {"alphab", lookup_exact, nvar + 1}, {"b", lookup_free, -110}};
     for (const auto& c : looked) EXPECT_EQ(lookupvar(c.text, c.how), c.want) << c.text;
@@ -419,8 +419,8 @@ TEST_F(dataset, running_out_of_room_changes_nothing) {
 
 TEST(cells, conversions_at_the_edges) {
     struct { UByte type; Double in, out; } cases[] = {
-        {typelong, -2147483647, -2147483647}, {typelong, HUGE_VAL, missing}, {typefloat, 0x1.fffffep124, 0x1.fffffep124},
-        {typedouble, 0x1.8p1023, 0x1.8p1023}, {typebyte, std::nan(""), missing}, {typefloat, missing, missing},
+        {typefloat, 0x1.fffffep124, 0x1.fffffep124}, {typelong, HUGE_VAL, missing}, {typefloat, missing, missing},
+        {typelong, -2147483647, -2147483647}, {typebyte, std::nan(""), missing}, {typedouble, 0x1.8p1023, 0x1.8p1023},
     };
     for (auto& c : cases) {
         UByte cell[8];

@@ -42,9 +42,9 @@ TEST_F(Errors, CodesComeBackAsTheirRowsSay) {
     struct { Int4 rc, returns; const char* text; } cases[] = {
         {5101, 101, "iweights not allowed with robust\n"}, {2000, 0, "no observations\n"},
         {2001, 2001, "insufficient observations\n"}, {140, 140, "repeated categorical variable in term\n"},
-        {677, 677, "remote connection failed -- see help r(677) for troubleshooting\n"}, {100, 100, ""}, {9202, 9202, ""},
-        {146, 146, "too many variables or values (matsize too small)\n"
-                   "    You can increase matsize using the set matsize command; see help matsize.\n"},
+        {100, 100, ""}, {677, 677, "remote connection failed -- see help r(677) for troubleshooting\n"},
+        {9202, 9202, ""}, {146, 146, "too many variables or values (matsize too small)\n"
+                                     "    You can increase matsize using the set matsize command; see help matsize.\n"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(error(c.rc), c.returns) << c.rc;

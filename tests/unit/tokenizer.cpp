@@ -175,9 +175,9 @@ TEST(Numbers, AreReadAsStrtodReadsThem) {
         for (unsigned n = random(9); n > 0; n--) text += letters[random(unsigned(letters.size()))];
         check(text);
     }
-    for (const char* text : {"", ".", "-", "+.", "5.", ".5", "-.5e-3", "1e", "1e+", "e5", "1 ", " 1", "1e308", "1.8e308",
-                             "-1e999", "1e-999", "4.9e-324", "2e-324", "0e99999", "1_0", "0x10", "nan", "inf", "1e5.0",
-                             "--1", "1.2.3", "1D-2", "1d3", "+7", "1e+0005", "9007199254740993", "1e22", "-1e400"})
+    for (const char* text : {"", ".", "-", "+.", "5.", ".5", "-.5e-3", "1e", "1e+", "e5", "1 ", " 1", "1e308",
+                             "1.8e308", "-1e999", "1e-999", "4.9e-324", "2e-324", "0e99999", "1_0", "0x10", "nan",
+                             "inf", "1e5.0", "--1", "1.2.3", "1D-2", "1d3", "+7", "1e+05", "9007199254740993", "1e22"})
         check(text);
     for (int zeros : {300, 400}) {
         check("1" + string(unsigned(zeros), '0'));

@@ -12,7 +12,6 @@ enum sizedwhat : Int4 { sized_memory, sized_maxvar, sized_matsize };
 
 // The handlers of a subsystem; null where it doesn't care.
 struct subsystem {
-    const char* name;
     void (*configured)() = nullptr;              // the preferences are read: settings that they keep are taken
     void (*started)() = nullptr;                 // memory is empty: the state becomes that of a session's start
     void (*commandended)() = nullptr;            // after each command line, failed or not: must be cheap
@@ -23,10 +22,7 @@ struct subsystem {
     void (*ended)() = nullptr;                   // the session is over; open levels are left after this
 };
 
-extern const subsystem* const subsystems;      // joined in session/tables.cpp, as are the calls
-extern const Int4 nsubsystems;
-
-// From the first row to the last.
+// The calls, from session/tables.cpp, where the rows are joined. From the first row to the last.
 void tellconfigured();
 void tellstarted();
 void tellsized(sizedwhat what);

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include "base/poll.h"
 #include "base/saved.h"
@@ -40,15 +39,8 @@ namespace {
 
 // What a level puts back (levels.def), and what is its own. It lives as long as the call.
 struct frame {
-#define KEPT(variable) std::remove_volatile_t<decltype(velmo::variable)> variable;
-#define FRESH(variable, begins) KEPT(variable)
-#define PROGRAMS(variable, begins) KEPT(variable)
-#define THROUGH(variable, setter) KEPT(variable)
+#define KEPT(variable) decltype(velmo::variable) variable;
 #include "language/levels.def"
-#undef KEPT
-#undef FRESH
-#undef PROGRAMS
-#undef THROUGH
     doreader reader;
     UByte wasrunning;
     boolean sorts;         // the program promises to leave the order as it was
@@ -60,38 +52,21 @@ template <class T> boolean differs(const T& a, const T& b) { return std::memcmp(
 
 void keepstate(frame& f) {
 #define KEPT(variable) take(f.variable, variable);
-#define FRESH(variable, begins) KEPT(variable)
-#define PROGRAMS(variable, begins) KEPT(variable)
-#define THROUGH(variable, setter) KEPT(variable)
 #include "language/levels.def"
-#undef KEPT
-#undef FRESH
-#undef PROGRAMS
-#undef THROUGH
 }
 
 void beginfresh(Int4 mode) {
 #define KEPT(variable)
 #define FRESH(variable, begins) variable = begins;
 #define PROGRAMS(variable, begins) if (mode == level_program) variable = begins;
-#define THROUGH(variable, setter)
 #include "language/levels.def"
-#undef KEPT
-#undef FRESH
-#undef PROGRAMS
-#undef THROUGH
 }
 
 void putback(const frame& f, Int4 mode) {
 #define KEPT(variable) take(variable, f.variable);
-#define FRESH(variable, begins) KEPT(variable)
 #define PROGRAMS(variable, begins) if (mode == level_program) KEPT(variable)
 #define THROUGH(variable, setter) if (differs(f.variable, variable)) setter(f.variable);
 #include "language/levels.def"
-#undef KEPT
-#undef FRESH
-#undef PROGRAMS
-#undef THROUGH
 }
 
 // Splits off the options behind the last comma of the line: nostop, delay.

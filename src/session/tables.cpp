@@ -144,16 +144,13 @@ extern const Int4 nextfunctions = Int4(std::size(extfunctionrows));
 #undef SUBSYSTEM
 #undef ON
 
-#define SUBSYSTEM(word, ...) {.name = #word __VA_ARGS__},
-#define ON(event, handler) , .event = handler
-static constexpr subsystem subsystemrows[] = {
+#define SUBSYSTEM(word, ...) {__VA_ARGS__},
+#define ON(event, handler) .event = handler,
+constexpr subsystem subsystemrows[] = {
 #include "session/events.def"
 };
 #undef SUBSYSTEM
 #undef ON
-
-extern const subsystem* const subsystems = subsystemrows;
-extern const Int4 nsubsystems = Int4(std::size(subsystemrows));
 
 namespace {
 

@@ -60,7 +60,10 @@ def pause(work):
     s.ask(b"list", b"more"); s.send(b"\x1b[15~\x1b[2~\x1bx", b"\x1b[6~"); s.wait(b" 9\\. +9\n.*more")
     s.send(b"l"); s.wait(b" 10\\. +10\n.*more"); s.send(b"q"); assert b" 13." not in s.wait(b"r\\(1\\)")
     s.ask(b"list", b"more"); s.send(b"\x03"); s.wait(b"r\\(1\\)")
-    s.send(b"exit, clear\r"); same(s.end(), 0)
+    s.send(b"set more off, permanent\rexit, clear\r"); same(s.end(), 0)
+    s = session(work)
+    s.send(b"set obs 30\rgenerate x = _n\rset pagesize 6\rlist\r"); assert b"more" not in s.wait(b"30\\. +30")
+    s.send(b"set more on, permanent\rexit, clear\r"); same(s.end(), 0)
 
 def typing(work):
     """pasted tabs are tabs, also without marks; Ctrl-D ends what reads; unknown sequences do nothing; lines arrive whole"""

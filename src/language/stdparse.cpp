@@ -35,11 +35,6 @@ void parse_defaults() {
     p_weightdefault = weight_a;
 }
 
-void parser_started() {
-    settokpos(cmdbuf);
-    parse_defaults();
-}
-
 namespace {
 
 // `if`. Variables that the command has just made are visible to it only when observations are being added.

@@ -165,7 +165,9 @@ template <auto event, std::size_t row, class... arguments> void tell(arguments..
     else if (Int4 rc = handler(told...); rc && !lastrc) lastrc = rc;
 }
 template <auto event, class... arguments> void telldown(arguments... told) {
-    [&]<std::size_t... i>(std::index_sequence<i...>) { (tell<event, i>(told...), ...); }(std::make_index_sequence<nrows>());
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+        (tell<event, i>(told...), ...);
+    }(std::make_index_sequence<nrows>());
 }
 template <auto event, class... arguments> void tellup(arguments... told) {
     [&]<std::size_t... i>(std::index_sequence<i...>) {

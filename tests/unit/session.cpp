@@ -38,8 +38,9 @@ TEST(session, beginsanew) {
     saved quiet(quietlevel, UByte(5));
     ASSERT_EQ(session_begin(), 0);
     Int4 atstart = objects();
-    for (const char* line : {"set obs 3", "generate x = _n", "label define l 1 \"a\"", "char x[c] text", "global g text",
-                             "scalar s = 2", "summarize x", "tempfile f", "file open h using `f', write", "preserve"})
+    for (const char* line :
+         {"set obs 3", "generate x = _n", "label define l 1 \"a\"", "char x[c] text", "global g text", "scalar s = 2",
+          "summarize x", "tempfile f", "file open h using `f', write", "preserve"})
         obey(line);
     EXPECT_EQ(nobs, 3);
     EXPECT_GE(preserveslot, 0);

@@ -10,16 +10,23 @@ namespace velmo {
 // What a change of size changed.
 enum sizedwhat : Int4 { sized_memory, sized_maxvar, sized_matsize };
 
-// The handlers of a subsystem; null where it doesn't care.
+// `wanted` is what `run` isn't null says: told apart, since not every compiler knows an address before it links.
+template <class type> struct handler {
+    using call = type;
+    call* run = nullptr;
+    boolean wanted = false;
+};
+
+// The handlers of a subsystem.
 struct subsystem {
-    void (*configured)() = nullptr;              // the preferences are read: settings that they keep are taken
-    void (*started)() = nullptr;                 // memory is empty: the state becomes that of a session's start
-    void (*commandended)() = nullptr;            // after each command line, failed or not: must be cheap
-    Int4 (*levelleft)() = nullptr;               // a do-file or program ends; the code becomes lastrc if that is 0
-    void (*cleared)(boolean keeplabels) = nullptr;    // the data have gone; value labels too, unless they are kept
-    void (*discarded)() = nullptr;               // what can be made again, or belongs to the last estimates, goes
-    void (*sized)(sizedwhat what) = nullptr;     // a size has changed
-    void (*ended)() = nullptr;                   // the session is over; open levels are left after this
+    handler<void()> configured = {};         // the preferences are read: settings that they keep are taken
+    handler<void()> started = {};            // memory is empty: the state becomes that of a session's start
+    handler<void()> commandended = {};       // after each command line, failed or not: must be cheap
+    handler<Int4()> levelleft = {};          // a do-file or program ends; the code becomes lastrc if that is 0
+    handler<void(boolean)> cleared = {};     // the data have gone; value labels too, unless they are kept
+    handler<void()> discarded = {};          // what can be made again, or belongs to the last estimates, goes
+    handler<void(sizedwhat)> sized = {};     // a size has changed
+    handler<void()> ended = {};              // the session is over; open levels are left after this
 };
 
 // The calls, from session/tables.cpp, where the rows are joined. From the first row to the last.

@@ -139,13 +139,13 @@ extern const Int4 nextfunctions = Int4(std::size(extfunctionrows));
 // ---- Events.
 
 #define SUBSYSTEM(word, ...) __VA_ARGS__
-#define ON(event, handler) std::remove_pointer_t<decltype(subsystem::event)> handler;
+#define ON(event, function) decltype(subsystem::event)::call function;
 #include "session/events.def"
 #undef SUBSYSTEM
 #undef ON
 
 #define SUBSYSTEM(word, ...) {__VA_ARGS__},
-#define ON(event, handler) .event = handler,
+#define ON(event, function) .event = {function, true},
 constexpr subsystem subsystemrows[] = {
 #include "session/events.def"
 };
@@ -159,10 +159,10 @@ constexpr std::size_t nrows = std::size(subsystemrows);
 // Calls the handlers of an event one after the other, with no look at rows that have none. A code counts when nothing
 // has failed before it.
 template <auto event, std::size_t row, class... arguments> void tell(arguments... told) {
-    constexpr auto handler = subsystemrows[row].*event;
-    if constexpr (handler == nullptr) return;
-    else if constexpr (std::is_void_v<decltype(handler(told...))>) handler(told...);
-    else if (Int4 rc = handler(told...); rc && !lastrc) lastrc = rc;
+    constexpr auto h = subsystemrows[row].*event;
+    if constexpr (!h.wanted) return;
+    else if constexpr (std::is_void_v<decltype(h.run(told...))>) h.run(told...);
+    else if (Int4 rc = h.run(told...); rc && !lastrc) lastrc = rc;
 }
 template <auto event, class... arguments> void telldown(arguments... told) {
     [&]<std::size_t... i>(std::index_sequence<i...>) {

@@ -69,7 +69,7 @@ Int4 renamevar(Int4 var, std::string_view newname);
 void dropobs(const UByte* flags, Int4 kept);
 void setsortnone(const Int4* vars, Int4 n);        // cuts srt at the first of these variables
 void markchanged(Int4 var);
-void cleardata(boolean keeplabels);
+void cleardata(boolean keeplabels);         // empties the dataset, and tells it
 // Raises nobs to n >= nobs, new cells missing or ""; 0, 901 (not printed). (e) is 0 in new observations. With new
 // observations the data are marked changed and srt is emptied.
 Int4 growobs(Int4 n);

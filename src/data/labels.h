@@ -53,7 +53,6 @@ Double vl_texttoval(const labelinhand& l, std::string_view text);
 Int4 vl_nextval(labelinhand& l, std::string_view text, Double& value);
 
 boolean vl_drop(std::string_view name);
-void vl_dropall();
 std::vector<std::string> vl_names();                     // in the order in which they were made
 
 // The format of a variable widened to the longest text of its value label (variables first..last).

@@ -1,4 +1,5 @@
 // Writing a dataset file: its parts through a bytewriter, and the dataset in memory as a whole.
+#include <algorithm>
 #include <bit>
 #include <cstdio>
 #include <cstring>
@@ -140,7 +141,8 @@ dtahead headof(const std::vector<Int4>& vars, const savechoice& choice, const st
         h.varlabels.push_back(getvarlabel(varlist[v - 1]));
         place[std::size_t(v)] = UInt2(h.names.size());
     }
-    for (const UInt2* key = srt; *key && place[*key]; key++) h.sort.push_back(place[*key]);
+    for (const UInt2* key = srt; *key && place[*key]; key++)           // `sort x x` names a variable twice
+        if (std::find(h.sort.begin(), h.sort.end(), place[*key]) == h.sort.end()) h.sort.push_back(place[*key]);
     return h;
 }
 

@@ -200,9 +200,7 @@ Int4 usewhole(dtafile& f, const useoptions& o) {
 }
 
 // [varlist] [if exp] [in range] using ...: the list goes by the file's variables, the rest by those that are kept.
-Int4 useparts(dtafile& f, const useoptions& o) {
-    std::vector<Int4> keep;
-    if (Int4 rc = filelist(f, keep)) return rc;
+Int4 useparts(dtafile& f, const std::vector<Int4>& keep, const useoptions& o) {
     settokpos(tokfirst());      // the word that ended the list
     if (Int4 rc = takekept(f, keep, o)) return rc;
     if (Int4 rc = stdparse({.varlist = never, .in = loosely, .inlimit = f.head.nobs, .file = must})) return rc;
@@ -242,10 +240,14 @@ Int4 cmd_use() {
     boolean halfread = false;
     onexit failed([&] { if (halfread) cleardata(false); });
     dtafile f;
+    std::vector<Int4> keep;
     Int4 rc = dta_open(name, f);
+    if (!rc && parts) {
+        settokpos(start);
+        if ((rc = filelist(f, keep))) return rc;      // what is in memory stays
+    }
     halfread = f.accepted;
-    if (!rc && parts) settokpos(start);
-    if (!rc) rc = parts ? useparts(f, o) : usewhole(f, o);
+    if (!rc) rc = parts ? useparts(f, keep, o) : usewhole(f, o);
     if (!rc && o.labels) rc = dta_takelabels(f);
     if (!rc) rc = o.internal ? setorigin(came) : setfile(f.path, f.head.stamp);
     halfread = halfread && rc;

@@ -176,7 +176,7 @@ program define Tag, rclass sortpreserve
 end
 
 * Keeps the first of each group, the order, and what the data were sorted by.
-program define Drop, rclass
+program define Drop, rclass sortpreserve
 	version 7.0
 	Typed `0'
 	syntax [varlist] [if] [in] [, force]
@@ -185,17 +185,11 @@ program define Drop, rclass
 		exit 198
 	}
 	marksample sample, novarlist
-	local sorted : sortedby
-	tempvar copies which order
-	quietly generate long `order' = _n
+	tempvar copies which
 	Copies `sample' `copies' `which' `varlist'
-	sort `order'
 	Heading "`varlist'" `typed'
 	display
 	quietly count if `which' > 1 & `which' < .
 	return scalar N_drop = r(N)
 	drop if `which' > 1 & `which' < .
-	if "`sorted'" != "" {
-		sort `sorted'
-	}
 end

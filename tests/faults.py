@@ -4,6 +4,7 @@ descriptors, pipes that stay silent, signals. The code is the one told, the data
 import os, re, resource, signal, subprocess, sys, tempfile, time
 
 program = os.path.abspath(sys.argv[1])
+signal.signal(signal.SIGHUP, signal.SIG_DFL)      # children inherit it, also where this runs under nohup
 DATA = ["set obs 3000", "generate x = mod(_n * 37, 101)", "generate str12 s = string(_n)", "generate double y = _n / 3"]
 bad = []
 

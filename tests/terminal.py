@@ -5,6 +5,7 @@ Each case has a session on a pseudo-terminal. It sends keys and waits for what m
 waits for time to pass."""
 import fcntl, os, pty, re, select, shutil, signal, struct, subprocess, sys, tempfile, termios, time
 
+signal.signal(signal.SIGHUP, signal.SIG_DFL)      # children inherit it, also where this runs under nohup
 PROGRAM, WAIT = os.path.abspath(sys.argv[1]), 60
 CODES = re.compile(rb"\x1b(\[[0-9;?]*[ -/]*[@-~]|\][^\x07\x1b]*(\x07|\x1b\\)|.)")
 
@@ -60,7 +61,10 @@ def pause(work):
     s.ask(b"list", b"more"); s.send(b"\x1b[15~\x1b[2~\x1bx", b"\x1b[6~"); s.wait(b" 9\\. +9\n.*more")
     s.send(b"l"); s.wait(b" 10\\. +10\n.*more"); s.send(b"q"); assert b" 13." not in s.wait(b"r\\(1\\)")
     s.ask(b"list", b"more"); s.send(b"\x03"); s.wait(b"r\\(1\\)")
-    s.send(b"exit, clear\r"); same(s.end(), 0)
+    s.send(b"set more off, permanent\rexit, clear\r"); same(s.end(), 0)
+    s = session(work)
+    s.send(b"set obs 30\rgenerate x = _n\rset pagesize 6\rlist\r"); assert b"more" not in s.wait(b"30\\. +30")
+    s.send(b"set more on, permanent\rexit, clear\r"); same(s.end(), 0)
 
 def typing(work):
     """pasted tabs are tabs, also without marks; Ctrl-D ends what reads; unknown sequences do nothing; lines arrive whole"""

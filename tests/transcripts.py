@@ -5,18 +5,23 @@ A .test file holds cases:
 
     === a sentence that must hold
     --- file NAME     (optional, repeatable) a file of the work folder; \\xHH, \\n, \\r, \\t, \\0, \\\\ in NAME.bin
+    --- do            (optional) a do-file that the session runs ahead of its lines
     --- args          (optional) arguments instead of -q
     --- stdin         (optional) typed lines instead of those of the session
     --- exit N        (optional) the exit status; otherwise 1 when the last command failed, else 0
     --- locale NAME   (optional) C otherwise
     --- outfile NAME  (optional, repeatable) the text of a file that must stand there afterwards
     --- session       lines that begin ". " are typed; all others must come back exactly, `...` skips any number,
-                      `~regex` matches one line. Trailing blanks and empty lines at the ends don't count.
+                      `~regex` matches one line. Trailing blanks and empty lines at the ends don't count. Short answers
+                      may stand behind their command: `. command  => line  => line`.
+    --- session numbered   as well, lines that begin with the number of a line asked for are typed
 
 A line `--- compact` ahead of the first case: in this file empty lines of the session don't count at all.
 Each case has its own process and its own empty folder.
 """
 import os, re, shutil, subprocess, sys, tempfile
+
+PROMPTS = {"": r"\. ", "numbered": r"(\.| *\d+\.) (?=\S)"}
 
 def parse(path):
     cases, section, compact = [], None, False
@@ -27,10 +32,11 @@ def parse(path):
             section = None
         elif line.startswith("--- ") and cases:
             kind, _, arg = line[4:].partition(" ")
-            section = (kind, arg.strip(), [])
+            section = ("file", "setup.do", []) if kind == "do" else (kind, arg.strip(), [])
+            if kind == "session" and ("file", "setup.do") in [s[:2] for s in cases[-1]["sections"]]: section[2].append(". run setup")
             cases[-1]["sections"].append(section)
         elif line == "--- compact": compact = True
-        elif section: section[2].append(line)
+        elif section: section[2].extend(line.split("  => ") if section[0] == "session" and line.startswith(". ") else [line])
     return cases
 
 def unescape(text):
@@ -81,8 +87,8 @@ def run(case, program):
             elif kind == "stdin": typed = text
             elif kind == "exit": status = int(arg)
             elif kind == "outfile": outfiles.append((arg, text))
-            elif kind == "session": session = lines
-        if typed is None: typed = "".join(l[2:] + "\n" for l in session if l.startswith(". "))
+            elif kind == "session": session, prompt = lines, PROMPTS[arg]
+        if typed is None: typed = "".join(l[m.end():] + "\n" for l in session if (m := re.match(prompt, l)))
         environment = dict(os.environ, HOME=work, TEMP=work, TERM="dumb", LC_ALL=locale)
         for name in ("VELMO", "VELMOTMP", "S_ADO"): environment.pop(name, None)
         p = subprocess.run([program] + args, input=typed.encode("latin-1"), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,

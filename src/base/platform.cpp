@@ -52,7 +52,8 @@ void onend(int signal) {
 Int4 opened(int fd) {
     openfailure = open_fine;
     if (fd >= 0) return fd;
-    openfailure = errno == EINTR ? open_broken : errno == ENOENT || errno == ENOTDIR ? open_notfound : errno == EEXIST ? open_exists : open_refused;
+    openfailure = errno == EINTR ? open_broken
+                  : errno == ENOENT || errno == ENOTDIR ? open_notfound : errno == EEXIST ? open_exists : open_refused;
     return -1;
 }
 

@@ -3,6 +3,7 @@
 #include <cstring>
 #include "base/platform.h"
 #include "base/poll.h"
+#include "core/macros.h"
 #include "core/objects.h"
 #include "core/webfile.h"
 #include "output/errors.h"
@@ -135,5 +136,8 @@ Int4 handles_closelevel(Int4 level) {
     }
     return rc ? error(rc) : 0;
 }
+
+Int4 handles_levelleft() { return handles_closelevel(macrolevel); }
+void handles_ended() { handles_closelevel(0); }
 
 }  // namespace velmo

@@ -9,6 +9,13 @@ namespace {
 Int4 macrotype(std::string_view name) { return !name.empty() && name[0] == '_' ? macrolevel : obj_global; }
 }  // namespace
 
+void macros_started() { macrolevel = obj_local; }
+
+Int4 macros_levelleft() {
+    objdeltype(macrolevel--);
+    return 0;
+}
+
 std::string macroname(std::string_view name, boolean local) {
     std::string stored = (local ? "_" : "") + std::string(name);
     if (version < 700 && stored.size() > 8) stored.resize(8);

@@ -9,6 +9,7 @@
 #include "base/platform.h"
 #include "base/state.h"
 #include "base/text.h"
+#include "core/events.h"
 #include "core/guard.h"
 #include "core/objects.h"
 #include "core/rectangle.h"
@@ -197,8 +198,10 @@ Int4 setmemory(std::uint64_t bytes) {
     }
     freeblock(blockstart, blocksize);
     memory = bytes;
-    if (Int4 rc = enterblock(p, bytes)) return rc;
-    return loadobjects(name);
+    Int4 rc = enterblock(p, bytes);
+    if (!rc) rc = loadobjects(name);
+    if (!rc) tellsized(sized_memory);
+    return rc;
 }
 
 Int4 setmaxvar(Int4 n) {
@@ -207,6 +210,7 @@ Int4 setmaxvar(Int4 n) {
     setlengths(n);
     width = 0;
     if (rectangle_relayout(200)) mvar = std::min(lrecl, maxvar);
+    tellsized(sized_maxvar);
     return 0;
 }
 
@@ -215,6 +219,7 @@ Int4 setmatsize(Int4 n) {
     if (!trial) return 909;
     memfree(trial);
     matsize = n;
+    tellsized(sized_matsize);
     return 0;
 }
 

@@ -97,6 +97,8 @@ boolean prefs_save() {
     return fine;
 }
 
+void prefs_ended() { prefs_save(); }
+
 boolean prefs_get(std::string_view section, std::string_view key, std::string& value) {
     preference* p = find(prefs, section, key);
     if (p) value = p->value;

@@ -16,8 +16,8 @@ struct quoted {
 
 // Reads the quoted text that `text` begins with; false when none begins there.
 boolean readquoted(std::string_view text, quoted& out);
-// The next item of a list, taken off its front: a quoted text, without its quotes, or a run up to a blank (`atquotes`: or
-// up to a quoted text). False when only blanks are left.
+// The next item of a list, taken off its front: a quoted text, without its quotes, or a run up to a blank (`atquotes`:
+// or up to a quoted text). False when only blanks are left.
 boolean nextitem(std::string_view& list, std::string_view& item, boolean atquotes = false);
 // A text without blanks around it and, if it is quoted as a whole, without its quotes.
 std::string_view unquoted(std::string_view text);

@@ -49,8 +49,8 @@ Int4 addobsroom(Int4 n);
 Int4 addwidthroom(Int4 n);
 Int4 repart(Int4 dwidth, Int4 dobs);
 // For a reader that has made its variables and has no rows yet: rows only as long as the variables need and a fifth
-// as much again (24 bytes at least), so that a pass over a narrow dataset moves fewer lines of cache. Nothing happens when
-// rows are shorter already, or with observations.
+// as much again (24 bytes at least), so that a pass over a narrow dataset moves fewer lines of cache. Nothing happens
+// when rows are shorter already, or with observations.
 void tightenrows();
 // Shrinks lrecl to give the object store n bytes more: 901, 902, 9994.
 Int4 freedyn(std::uint64_t n);

@@ -132,6 +132,8 @@ void settokpos(char* p) {
     tokrepeated = 0;
 }
 
+void tokenizer_started() { settokpos(cmdbuf); }
+
 void savetokpos(tokenpos* p) { *p = {tokpos, tokstart}; }
 
 void restoretokpos(const tokenpos* p) {

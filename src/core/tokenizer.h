@@ -62,7 +62,8 @@ struct elsewhere {
     saved<char*> pos, start;
     saved<UByte> repeat, repeated;
     explicit elsewhere(std::string_view t)
-        : text(t), pos(tokpos, text.data()), start(tokstart, text.data()), repeat(tokrepeat, 0), repeated(tokrepeated, 0) {}
+        : text(t), pos(tokpos, text.data()), start(tokstart, text.data()), repeat(tokrepeat, 0),
+          repeated(tokrepeated, 0) {}
 };
 
 }  // namespace velmo

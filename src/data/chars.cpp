@@ -87,4 +87,6 @@ void char_dropall(std::string_view owner) {
     endbatch();
 }
 
+void chars_cleared(boolean) { objdeltype(obj_char); }
+
 }  // namespace velmo

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 #include "base/text.h"
+#include "core/events.h"
 #include "core/objects.h"
 #include "data/cells.h"
 #include "data/chars.h"
@@ -215,10 +216,9 @@ void markchanged(Int4 var) {
 void cleardata(boolean keeplabels) {
     beginbatch();
     objdeltype(obj_varlabel);
-    objdeltype(obj_char);
     objdel("S_FN", obj_global);
     objdel("S_FNDATE", obj_global);
-    if (!keeplabels) vl_dropall();
+    tellcleared(keeplabels);
     endbatch();
     nvar = visnvar = nobs = width = 0;
     resetptrs();
@@ -227,6 +227,12 @@ void cleardata(boolean keeplabels) {
     tempfailure = 0;
     datalabel[0] = 0;
     namesmoved();
+}
+
+void dataset_started() { cleardata(false); }
+// A variable that its command did not finish stands beyond visnvar.
+void dataset_commandended() {
+    if (nvar != visnvar) shrinkvars(visnvar);
 }
 
 boolean issample(Int4 var) { return varlist[var - 1][0] == '('; }

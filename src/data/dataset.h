@@ -69,12 +69,12 @@ Int4 renamevar(Int4 var, std::string_view newname);
 void dropobs(const UByte* flags, Int4 kept);
 void setsortnone(const Int4* vars, Int4 n);        // cuts srt at the first of these variables
 void markchanged(Int4 var);
-void cleardata(boolean keeplabels);
+void cleardata(boolean keeplabels);         // empties the dataset, and tells it
 // Raises nobs to n >= nobs, new cells missing or ""; 0, 901 (not printed). (e) is 0 in new observations. With new
 // observations the data are marked changed and srt is emptied.
 Int4 growobs(Int4 n);
 Int4 obsroom(Int4 n);                       // addobsroom, with 901 for whatever refused it
-Int4 nextobsroom();                         // room for observation nobs + 1, which can then be addressed; 0 or 901, printed
+Int4 nextobsroom();                         // so that observation nobs + 1 can be addressed; 0 or 901, printed
 Int4 needscratchrow();                     // makes sure that nobs < maxobs; 0 or 901
 
 boolean issample(Int4 var);                // the variable is (e)

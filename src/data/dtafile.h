@@ -7,8 +7,9 @@
 // Nothing in a file is believed: every size, count, offset and terminator is checked before it is used, and no memory
 // is asked for on a count's word alone. A file that breaks a rule is code 610, one that ends early 692. What can be put
 // right harmlessly is: an unfit display format becomes the default one, the sort list ends ahead of an entry that
-// cannot be, an invalid value-label name is none, labels are cut at 80. Control characters are 610 in names and become blanks
-// in labels and formats, with a note: those are shown, and go into commands. Cells and characteristics keep theirs.
+// cannot be, an invalid value-label name is none, labels are cut at 80. Control characters are 610 in names and become
+// blanks in labels and formats, with a note: those are shown, and go into commands. Cells and characteristics keep
+// theirs.
 //
 // Reading goes one way: dta_open, then characteristics, rows, value labels, each as far as the caller likes; a later
 // kind passes over what is left of an earlier one. All failures have been printed, with the file's name.
@@ -120,10 +121,10 @@ struct savechoice {
     boolean all = false;                 // (e) too
     boolean unused = false;              // value labels that no variable has, too
 };
-// Writes the dataset into a new file, or with replace over an old one, and sets nothing in memory. An old one stays until
-// the new one, written beside it, is whole: links are followed, mode and owner kept. Only where the folder or its room
-// does not allow that, or the name is no regular file's, is it written straight. On a failure a file written straight
-// is removed. 602, 603, 693, 699, 909, 1.
+// Writes the dataset into a new file, or with replace over an old one, and sets nothing in memory. An old one stays
+// until the new one, written beside it, is whole: links are followed, mode and owner kept. Only where the folder or its
+// room does not allow that, or the name is no regular file's, is it written straight. On a failure a file written
+// straight is removed. 602, 603, 693, 699, 909, 1.
 Int4 dta_save(std::string_view path, boolean replace, const savechoice& choice, const std::string& stamp);
 
 // Makes the variables `keep` (ascending numbers of the file's) those of memory, which is emptied, value labels too
@@ -135,7 +136,7 @@ Int4 dta_takerows(dtafile& f, const std::vector<Int4>& keep);
 // The same row by row, for who chooses among them: room for n observations more, then runs of bytes from a row of the
 // file to one of memory; at the end dta_endrows, which tells of an order that old missing values have spoilt.
 struct dtacopy { UInt4 from, to, n; };
-void dta_addcopy(std::vector<dtacopy>& copies, UInt4 from, UInt4 to, UInt4 n);       // joined to the one before if it adjoins
+void dta_addcopy(std::vector<dtacopy>& copies, UInt4 from, UInt4 to, UInt4 n);    // joined to one that it adjoins
 std::vector<dtacopy> dta_copies(const dtafile& f, const std::vector<Int4>& keep);
 inline void dta_copyrow(const std::vector<dtacopy>& copies, const UByte* from, UByte* to) {
     for (const dtacopy& c : copies) std::memcpy(to + c.to, from + c.from, c.n);

@@ -160,7 +160,9 @@ void vl_change(vallabel& label, Int4 value, std::string_view text) {
 
 boolean vl_drop(std::string_view name) { return objdel(name, obj_vallabel); }
 
-void vl_dropall() { objdeltype(obj_vallabel); }
+void labels_cleared(boolean keeplabels) {
+    if (!keeplabels) objdeltype(obj_vallabel);
+}
 
 std::vector<std::string> vl_names() {
     std::vector<std::string> names;

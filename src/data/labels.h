@@ -48,12 +48,11 @@ struct labelinhand {
 };
 void vl_take(labelinhand& l, std::string_view name);
 Double vl_texttoval(const labelinhand& l, std::string_view text);
-// The value of a text, which is added under the next free value (one above the highest, 1 when empty) unless it is there:
+// The value of a text, which is added under the next free value (one above the highest, 1 when empty) unless there:
 // 0, 134.
 Int4 vl_nextval(labelinhand& l, std::string_view text, Double& value);
 
 boolean vl_drop(std::string_view name);
-void vl_dropall();
 std::vector<std::string> vl_names();                     // in the order in which they were made
 
 // The format of a variable widened to the longest text of its value label (variables first..last).

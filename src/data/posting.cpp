@@ -137,4 +137,6 @@ Int4 post_closeall() {
     return first;
 }
 
+void posts_close() { post_closeall(); }
+
 }  // namespace velmo

@@ -150,4 +150,11 @@ Int4 preserve_cancel() {
     return 0;
 }
 
+void preserve_started() { preserveslot = -1; }
+
+Int4 preserve_levelleft() {
+    if (preserveslot >= 0) shuttingdown ? preserve_cancel() : preserve_restore(false);
+    return 0;
+}
+
 }  // namespace velmo

@@ -13,8 +13,9 @@ extern Int4 preserveslot;      // of the present level, -1 when it has preserved
 
 // Keeps the dataset. 621, 914, 950, and what the dataset file's writer says; printed.
 Int4 preserve_data();
-// Brings it back, whatever Break says; with `keep` it stays preserved. 622 (printed). Where its room has gone, the block is
-// made larger. When the data can't be read the process ends with status 1, the reason told, and the file stays.
+// Brings it back, whatever Break says; with `keep` it stays preserved. 622 (printed). Where its room has gone, the
+// block is made larger. When the data can't be read the process ends with status 1, the reason told, and the file
+// stays.
 Int4 preserve_restore(boolean keep);
 // Forgets it: 622.
 Int4 preserve_cancel();

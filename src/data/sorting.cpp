@@ -326,7 +326,7 @@ boolean settleties(rankrecord* a, Int4 first, Int4 n, const sharedranks& shared)
     return true;
 }
 
-// Puts observations first to first + n - 1 in the order that the sorted records and their ties define. False on a break.
+// Puts observations first to first + n - 1 in the order that the sorted records and their ties define. False on Break.
 boolean settle(keyrecord* r, Int4 first, Int4 n, const std::vector<span>& ties) {
     UInt4* ptrs = obsptrs + first - 1;
     if (ties.empty()) {

@@ -10,6 +10,8 @@
 
 namespace velmo {
 
+UByte orderkept = 0;
+
 namespace {
 
 Int4 pushed = 0;
@@ -54,6 +56,7 @@ Int4 sortindex_push(std::string_view name) {
         return rc;
     }
     pushed++;
+    orderkept = 1;
     return macroset("__sortindex", index);
 }
 
@@ -71,5 +74,8 @@ Int4 sortindex_pop() {
     dropworkvar(var);
     return rc > 1 ? error(rc) : rc;
 }
+
+void order_started() { pushed = orderkept = 0; }
+Int4 order_levelleft() { return orderkept ? sortindex_pop() : 0; }
 
 }  // namespace velmo

@@ -257,13 +257,15 @@ boolean expandat(Int4 p) {
 // The next place from p on that may begin a reference or an escape, or the end of what may hold one.
 Int4 nextmark(Int4 p) {
     Int4 end = s.len - s.tail;
-    if (end - p < 8) {                    // a short value, as most are: bytes just written are slow to read in one piece
+    if (end - p < 8) {                    // a short value, as most are: bytes just written are slow to read as one
         while (p < end && !ismark(cmdbuf[p]) && cmdbuf[p] != '\\') p++;
         return p;
     }
     while (p + 64 <= end && bytes::noneof64(cmdbuf + p, '$', '`', '\\')) p += 64;
-    for (; p < end; p += 16)
-        if (UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0')) return std::min(p + std::countr_zero(bits), end);
+    for (; p < end; p += 16) {
+        UInt4 bits = bytes::anyof(cmdbuf + p, '$', '`', '\\', '\0');
+        if (bits) return std::min(p + std::countr_zero(bits), end);
+    }
     return end;
 }
 

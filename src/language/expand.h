@@ -43,14 +43,12 @@ Int4 macrodefine(Int4 mode, Int4 (*store)(std::string_view name, std::string_vie
 // The value of a macro by its stored name with the special names (S_DATE, _*, ...) as a reference sees it.
 std::string macrovalue(std::string_view name);
 
-// Temporary names "__" and six base-36 digits of a counter. The level keeps the counter at its entry and drops what was
-// named since. A name in use, from a file that was saved while it was somebody's, is passed over and never dropped.
+// Temporary names "__" and six base-36 digits of a counter. A level drops the variables, scalars and files that were
+// named since its entry. A name in use, from a file that was saved while it was somebody's, is passed over and never
+// dropped.
 extern Int4 tempnamecounter, tempfilecounter;
+extern Int4 tempnamebase, tempfilebase;      // the counters at the level's entry
 std::string newtempname();
 boolean istempname(std::string_view name, Int4 from);
-// Drops the variables and scalars (and matrices) with temporary names made since `from`.
-void droptempnames(Int4 from);
-// Deletes the temporary files of kind _ with numbers above `from`.
-void droptempfiles(Int4 from);
 
 }  // namespace velmo

@@ -6,7 +6,7 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
-#include "core/handles.h"
+#include "core/events.h"
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
@@ -37,64 +37,36 @@ Int4 dolevel = 0;
 
 namespace {
 
-// What a level puts back. It lives as long as the call.
+// What a level puts back (levels.def), and what is its own. It lives as long as the call.
 struct frame {
+#define KEPT(variable) decltype(velmo::variable) variable;
+#include "language/levels.def"
     doreader reader;
-    doreader* dofile;
-    controlstate control;
-    UByte semicolon, quiet, savedquiet, more, inprogram, rmsg, subprogram, progclass;
-    UByte wasrunning, sortpreserved;
-    Int2 version, callerversion;
-    Int4 line, tempnames, tempfiles, preserved, bydepth, byindex;
-    UByte byactive, bylast;
-    char name[namesize], home[namesize];
-    boolean stop;
+    UByte wasrunning;
+    boolean sorts;         // the program promises to leave the order as it was
+    boolean stop;          // a failing line ends the level
 };
 
+template <class T> void take(T& to, const T& from) { std::memcpy(&to, &from, sizeof to); }
+template <class T> boolean differs(const T& a, const T& b) { return std::memcmp(&a, &b, sizeof a) != 0; }
+
 void keepstate(frame& f) {
-    f.dofile = dofile;
-    f.control = control;
-    f.semicolon = semicolon;
-    f.quiet = quietlevel;
-    f.savedquiet = savedquiet;
-    f.more = more_on;
-    f.inprogram = inprogram;
-    f.rmsg = rmsg;
-    f.subprogram = subprogramlevel;
-    f.progclass = programclass;
-    f.version = version;
-    f.callerversion = callerversion;
-    f.line = programline;
-    f.tempnames = tempnamecounter;
-    f.tempfiles = tempfilecounter;
-    f.bydepth = bydepth;
-    f.byindex = by_index;
-    f.byactive = by_active;
-    f.bylast = by_last;
-    f.preserved = preserveslot;
-    copytext(f.name, namesize, programname);
-    copytext(f.home, namesize, programhome);
+#define KEPT(variable) take(f.variable, variable);
+#include "language/levels.def"
 }
 
-void putback(const frame& f) {
-    dofile = f.dofile;
-    control = f.control;
-    semicolon = f.semicolon;
-    quietlevel = f.quiet;
-    savedquiet = f.savedquiet;
-    version = f.version;
-    callerversion = f.callerversion;
-    subprogramlevel = f.subprogram;
-    programclass = f.progclass;
-    if (more_on != f.more) setmore(f.more);
-    inprogram = f.inprogram;
-    programline = f.line;
-    bydepth = f.bydepth;
-    by_index = f.byindex;
-    by_active = f.byactive;
-    by_last = f.bylast;
-    setprogramname(f.name);
-    setprogramhome(f.home);
+void beginfresh(Int4 mode) {
+#define KEPT(variable)
+#define FRESH(variable, begins) variable = begins;
+#define PROGRAMS(variable, begins) if (mode == level_program) variable = begins;
+#include "language/levels.def"
+}
+
+void putback(const frame& f, Int4 mode) {
+#define KEPT(variable) take(variable, f.variable);
+#define PROGRAMS(variable, begins) if (mode == level_program) KEPT(variable)
+#define THROUGH(variable, setter) if (differs(f.variable, variable)) setter(f.variable);
+#include "language/levels.def"
 }
 
 // Splits off the options behind the last comma of the line: nostop, delay.
@@ -175,50 +147,38 @@ Int4 openprogram(frame& f) {
     }
     keepstate(f);
     p.lastused = sysclock;
-    rmsg = 0;
     inprogram = 1;
     programline = 0;
     subprogramlevel = p.subprogram;
     programclass = p.progclass;
     setprogramhome(p.home[0] ? p.home : cmdword);
     setprogramname(cmdword);
-    f.sortpreserved = p.sortpreserve;
+    f.sorts = p.sortpreserve;
     results_enter();          // the store moves: the program's header is no longer where it was
     return 0;
 }
 
 void enter(Int4 mode) {
-    preserveslot = -1;
-    savedquiet = quietlevel;
-    callerversion = version;
+    beginfresh(mode);
     if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
-    control = {};
     dolevel++;
 }
 
-void leave(Int4 mode, frame& f) {
-    if (preserveslot >= 0) shuttingdown ? preserve_cancel() : preserve_restore(false);
-    preserveslot = f.preserved;
+void closesource(Int4 mode, frame& f) {
     if (mode == level_program) {
         object* o = runningprogram();
         if (o && !f.wasrunning) programheader(o).running = 0;
-        rmsg = f.rmsg;
     } else {
         doreader_close(f.reader);
         eofseen = 0;
     }
-    if (Int4 rc = handles_closelevel(macrolevel); rc && !lastrc) lastrc = rc;
-    if (version >= 310) droptempfiles(f.tempfiles);
-    if (f.sortpreserved) {
-        Int4 rc = sortindex_pop();
-        if (!lastrc) lastrc = rc;
-    }
-    if (version >= 310) droptempnames(f.tempnames);
-    if (mode == level_program) results_leave(macrolevel, lastrc ? 0 : programclass);
-    putback(f);
+}
+
+void leave(Int4 mode, frame& f) {
+    closesource(mode, f);
+    telllevelleft();
+    putback(f, mode);
     dolevel--;
-    objdeltype(macrolevel);
-    macrolevel--;
     if (mode != level_do) return;
     saved level(outlevel, UByte(1));
     prtreset();
@@ -247,19 +207,24 @@ void runlines(Int4 mode, const frame& f) {
 
 }  // namespace
 
+void levels_started() {
+    dolevel = 0;
+    dofile = nullptr;
+    semicolon = 0;
+    control = {};
+    bydepth = by_index = by_active = by_last = 0;
+}
+
 Int4 docall(Int4 mode) {
     if (bymode) return error(190);
     if (dolevel >= maxlevels) return error(1000);
     frame f;
-    f.sortpreserved = 0;
+    f.sorts = false;
     if (Int4 rc = mode == level_program ? openprogram(f) : opennamedfile(f)) return rc;
     enter(mode);
     lastrc = by_enter();
-    if (!lastrc && f.sortpreserved) lastrc = sortindex_push(newtempname());
-    if (lastrc)
-        f.sortpreserved = 0;
-    else
-        runlines(mode, f);
+    if (!lastrc && f.sorts) lastrc = sortindex_push(newtempname());
+    if (!lastrc) runlines(mode, f);
     leave(mode, f);
     return lastrc;
 }
@@ -268,7 +233,6 @@ Int4 runfile(const std::string& path) {
     if (dolevel >= maxlevels) return error(1000);
     frame f;
     f.stop = true;
-    f.sortpreserved = 0;
     if (Int4 rc = opendofile(f, path.c_str(), "")) return rc;
     enter(level_run);
     by_enter();               // no program's call: nothing that could fail

@@ -191,7 +191,7 @@ void partresults(const description& d, assignments& out) {
 
 // New variables that are to stay receive missing values; others exist only while they are checked.
 void settlenewvars(const listrules& rules) {
-    if (rules.kind != list_new || !rules.generate) return endcommand();
+    if (rules.kind != list_new || !rules.generate) return shrinkvars(visnvar);
     for (Int4 v = visnvar + 1; v <= nvar; v++) {
         for (Int4 obs = 1; obs <= nobs; obs++) clearcell(v, obs);
         markchanged(v);

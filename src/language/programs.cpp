@@ -5,10 +5,12 @@
 #include "base/saved.h"
 #include "base/state.h"
 #include "base/text.h"
+#include "core/macros.h"
 #include "core/tokenizer.h"
 #include "language/braces.h"
 #include "language/dofile.h"
 #include "language/turn.h"
+#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/print.h"
 
@@ -57,6 +59,20 @@ object* runningprogram() {
     if (last.moves == objmoves && last.namings == namings) return last.o;
     last = {objmoves, namings, findprogram(programname, programhome)};
     return last.o;
+}
+
+void programs_started() {
+    setprogramname("");
+    setprogramhome("");
+    inprogram = 0;
+    programline = 0;
+    subprogramlevel = programclass = 0;
+}
+
+// What the program was building becomes results, unless it failed.
+Int4 programs_levelleft() {
+    if (inprogram) results_leave(macrolevel, lastrc ? 0 : programclass);
+    return 0;
 }
 
 // ---- Reading a body.
@@ -244,5 +260,7 @@ void discardprograms(Int4 below) {
     };
     for (const programkey& key : pickprograms(loaded)) dropprogram(key.name, key.home);
 }
+
+void programs_discarded() { discardprograms(); }
 
 }  // namespace velmo

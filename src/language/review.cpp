@@ -1,6 +1,7 @@
 #include "language/review.h"
 #include <vector>
 #include "base/state.h"
+#include "core/events.h"
 #include "core/memory.h"
 
 namespace velmo {
@@ -8,7 +9,7 @@ namespace velmo {
 namespace {
 
 Int4 head = 0;      // where the mark 1 stands
-Int4 ringsize = 0;  // conslen + 1 when the ring was made
+Int4 ringsize = 0;  // conslen + 1 when the ring was made; 0: there is none
 
 Int4 before(Int4 at) { return at == 0 ? ringsize - 1 : at - 1; }
 void put(char c) {
@@ -53,7 +54,11 @@ std::string reviewget(Int4 i) {
     }
 }
 
-void review_resize() {
+void review_ended() { ringsize = 0; }
+
+// The newest 100 lines stay.
+void review_sized(sizedwhat what) {
+    if (what != sized_maxvar || !ringsize) return;
     std::vector<std::string> lines;
     for (Int4 i = 0; i < 100; i++) {
         lines.push_back(reviewget(i));

@@ -8,7 +8,6 @@
 namespace velmo {
 
 void review_init();
-void review_resize();              // after a change of conslen: the newest 100 lines stay
 void reviewpush(std::string_view line);
 std::string reviewget(Int4 i);     // line i, 0 the newest; empty when there is none
 

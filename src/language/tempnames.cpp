@@ -13,6 +13,8 @@ namespace velmo {
 
 Int4 tempnamecounter = 0;
 Int4 tempfilecounter = 0;
+Int4 tempnamebase = 0;
+Int4 tempfilebase = 0;
 
 namespace {
 
@@ -52,6 +54,8 @@ boolean istempname(std::string_view name, Int4 from) {
     return !std::binary_search(passedover.begin(), passedover.end(), Int4(n));
 }
 
+namespace {
+
 void droptempnames(Int4 from) {
     if (from == tempnamecounter) return;
     std::vector<UByte> marks(std::size_t(nvar), 0);
@@ -69,6 +73,20 @@ void droptempfiles(Int4 from) {
     char path[pathsize];
     for (Int4 n = from + 1; n <= tempfilecounter; n++)
         if (tempfilename(path, '_', n) == 0) removewithretry(path);
+}
+
+}  // namespace
+
+void tempnames_started() {
+    tempnamecounter = tempfilecounter = tempnamebase = tempfilebase = 0;
+    passedover.clear();
+}
+
+Int4 tempnames_levelleft() {
+    if (version < 310) return 0;
+    droptempfiles(tempfilebase);
+    droptempnames(tempnamebase);
+    return 0;
 }
 
 }  // namespace velmo

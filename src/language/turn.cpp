@@ -7,6 +7,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/commands.h"
+#include "core/events.h"
 #include "core/objects.h"
 #include "core/upcalls.h"
 #include "data/cells.h"
@@ -38,10 +39,10 @@ void takecmdword() {
     copytext(cmdword, sizeof cmdword, {tokbuf, std::size_t(toklen)});
 }
 
-// A variable that its command did not finish stands beyond visnvar.
-void endcommand() {
-    shrinkvars(visnvar);
-    prtflush();
+void turn_started() {
+    exitflag = hardexit = 0;
+    lastrc = rcvalue = 0;
+    execflag = 1;
 }
 
 namespace {
@@ -128,7 +129,8 @@ Int4 docmd() {
     bymode = 0;
     std::int64_t start = rmsg && !inprogram ? clockms() : 0;
     const lineinfo* line = std::exchange(currentline, nullptr);
-    linemarks marks = !line || line->cutat >= 0 ? linemarks{} : linemarks{line->length, line->firstmark, line->behindmarks};
+    linemarks marks;
+    if (line && line->cutat < 0) marks = {line->length, line->firstmark, line->behindmarks};
     boolean plain = line && line->firstmark < 0 && version >= 320;
     try {
         // A loop at a level that stores loops is expanded in each of its rounds.
@@ -144,7 +146,7 @@ Int4 docmd() {
     } catch (const std::bad_alloc&) {
         lastrc = error(909);
     }
-    endcommand();
+    tellcommandended();
     if (exitflag) {
         if (hardexit)
             shutdown(0);

@@ -24,7 +24,5 @@ void report(std::int64_t starttime);
 Int4 dispatch();
 // Takes the next token as cmdword: what prefixes do before they dispatch.
 void takecmdword();
-// Removes variables that a failed command left beyond visnvar, and other work of a command.
-void endcommand();
 
 }  // namespace velmo

@@ -144,6 +144,11 @@ Int4 prtflush() {
     return breakpending;
 }
 
+void print_commandended() { prtflush(); }
+void print_ended() {
+    if (results) vstream_flush(results);
+}
+
 void prttyped(std::string_view line, boolean seen) {
     if (results) vstream_setmuted(results, seen);
     prtquiet(line);

@@ -1,5 +1,4 @@
-// The session: how a process becomes one, and how it ends. Stages run strictly in order; a counter keeps how far the
-// start got, so that shutdown flushes and closes only what exists.
+// The session: how a process becomes one, and how it ends. What each subsystem does at both is its row of events.def.
 #pragma once
 #include <string>
 #include "base/types.h"
@@ -13,6 +12,8 @@ extern UByte noconsole;            // nobody types: a batch run
 // Reads switches and preferences and brings the session up: -1 a failed start, 0 no start-up command, 1 with one.
 // What goes wrong before there is a results stream goes to standard error.
 Int4 session_init(Int4 argc, char** argv);
+// Memory, empty, and every subsystem as at the start of a session, whatever was before: 0 or 909. Settings stay.
+Int4 session_begin();
 // profile.do, the start-up command, the read loop; returns the process's exit status.
 Int4 session_main();
 // The status that the process should leave with.

@@ -7,19 +7,15 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
-#include "data/posting.h"
 #include "core/adopath.h"
-#include "core/handles.h"
+#include "core/events.h"
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/prefs.h"
 #include "core/rectangle.h"
 #include "core/settings.h"
-#include "core/tempfiles.h"
 #include "core/upcalls.h"
-#include "core/webfile.h"
 #include "language/dofile.h"
-#include "language/review.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
 #include "output/errors.h"
@@ -31,9 +27,6 @@
 
 namespace velmo {
 
-void endlogs();           // commands/system/logs.cpp
-void colours_load();      // commands/system/settings.cpp
-
 char startcmd[1000];
 UByte noconsole = 0;
 Int4 exitstatus = 0;
@@ -41,9 +34,6 @@ UByte shuttingdown = 0;
 
 namespace {
 
-// How far the start got.
-enum startstage { stage_none, stage_results, stage_log, stage_memory, stage_files };
-startstage stage = stage_none;
 boolean nologo = false;
 boolean vtmllog = false;
 
@@ -118,16 +108,6 @@ void assemble(std::span<char*> words) {
     copytext(startcmd, sizeof startcmd, text);
 }
 
-void storedsizes() {
-    std::int64_t v;
-    if (prefs_getint("mem_xe_w", "matsize", v) && v >= 10 && v <= 11000) matsize = Int4(v);
-    if (prefs_getint("mem_xe_w", "maxvar", v) && v >= 2048 && v <= 32767) setlengths(Int4(v));
-    if (prefs_getint("mem_xe_w", "memory", v) && v > 0) memory = std::uint64_t(v);
-    std::string more;
-    if (prefs_get("set_w", "more", more)) more_on = more != "off" && more != "0";
-    colours_load();
-}
-
 // The log of a batch run is named after the do-file of the start-up command.
 std::string batchlogname() {
     const char* suffix = vtmllog ? ".vtml" : ".log";
@@ -154,7 +134,7 @@ boolean openbatchlog(std::string& failure) {
     return batchlog_open(name.c_str(), vtmllog);
 }
 
-// ---- Banner, notes, macros.
+// ---- Banner, notes.
 
 void logo() {
     saved level(outlevel, UByte(0));
@@ -174,17 +154,6 @@ void notes() {
     std::snprintf(line, sizeof line, "(/v# option or -set maxvar-) %d maximum variables", maxvar);
     note(line);
     if (batchmode) note("Velmo running in batch mode");
-}
-
-void systemmacros() {
-    static constexpr const char* pairs[][2] = {
-        {"S_level", "95"},      {"S_MACH", "PC"}, {"S_OS", "Unix"},      {"S_FLAVOR", "Midscale"}, {"S_VelmoXE", "XE"},
-        {"F1", "help "},        {"F2", "#review;"}, {"F3", "describe;"}, {"F7", "save "},          {"F8", "use "},
-    };
-    for (const auto& pair : pairs) macroset(pair[0], pair[1]);
-    std::string path = environmenttext("S_ADO");
-    macroset("S_ADO", path.empty() ? defaultadopath : path);
-    adopath_init();
 }
 
 // The sizes asked for could not be had, and the start went on with the defaults.
@@ -258,15 +227,31 @@ void runstartcmd() {
 
 }  // namespace
 
+void sysmacros_started() {
+    static constexpr const char* pairs[][2] = {
+        {"S_level", "95"},      {"S_MACH", "PC"}, {"S_OS", "Unix"},      {"S_FLAVOR", "Midscale"}, {"S_VelmoXE", "XE"},
+        {"F1", "help "},        {"F2", "#review;"}, {"F3", "describe;"}, {"F7", "save "},          {"F8", "use "},
+    };
+    for (const auto& pair : pairs) macroset(pair[0], pair[1]);
+    std::string path = environmenttext("S_ADO");
+    macroset("S_ADO", path.empty() ? defaultadopath : path);
+}
+
+Int4 session_begin() {
+    memory_stop();
+    if (Int4 rc = memory_start()) return rc;
+    shuttingdown = 0;
+    tellstarted();
+    return 0;
+}
+
 Int4 session_init(Int4 argc, char** argv) {
     Int4 next;
     prefs_load();
-    storedsizes();
-    network_load();
+    tellconfigured();
     installsignals();
     if (!switches(argc, argv, next)) return failedstart("Invalid option in File-Properties");
     if (!results_open()) return failedstart(nullptr);
-    stage = stage_results;
     assemble({argv + next, std::size_t(argc - next)});
     if (Int4 missed = findinstallation()) {
         collect("cannot find Velmo directory");
@@ -274,17 +259,9 @@ Int4 session_init(Int4 argc, char** argv) {
     }
     std::string failure;
     if (batchmode && !openbatchlog(failure)) return failedstart(failure.c_str());
-    stage = stage_log;
     if (!nologo) logo();
-    if (memory_start()) return failedstart("Allocation failure.");
-    stage = stage_memory;
-    review_init();
-    tempfile_init();
-    settokpos(cmdbuf);
+    if (session_begin()) return failedstart("Allocation failure.");
     if (!nologo) notes();
-    systemmacros();
-    webfile_init();
-    stage = stage_files;
     outlevel = 0;
     memorynote();
     return trimmed(startcmd).empty() ? 0 : 1;
@@ -307,21 +284,9 @@ Int4 session_main() {
 }
 
 void shutdown(Int4 code) {
-    if (stage >= stage_files) {
-        post_closeall();
-        endlogs();
-        handles_closelevel(0);
-        webfile_closeall();
-    }
     if (shuttingdown) return;
     shuttingdown = 1;
-    prefs_save();
-    if (stage >= stage_files) tempfile_removeall();
-    if (stage >= stage_results) {
-        vstream_flush(results);
-        batchlog_close();
-        results_close();
-    }
+    tellended();
     if (code == 900) std::_Exit(1);
 }
 

@@ -2,12 +2,15 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include "base/poll.h"
 #include "base/state.h"
 #include "core/commands.h"
+#include "core/events.h"
 #include "core/settings.h"
-#include "language/expand.h"
 #include "core/tempfiles.h"
+#include "language/expand.h"
 #include "output/results.h"
 
 namespace velmo {
@@ -132,5 +135,55 @@ static constexpr extfunction extfunctionrows[] = {
 
 extern const extfunction* const extfunctions = extfunctionrows;
 extern const Int4 nextfunctions = Int4(std::size(extfunctionrows));
+
+// ---- Events.
+
+#define SUBSYSTEM(word, ...) __VA_ARGS__
+#define ON(event, function) decltype(subsystem::event)::call function;
+#include "session/events.def"
+#undef SUBSYSTEM
+#undef ON
+
+#define SUBSYSTEM(word, ...) {__VA_ARGS__},
+#define ON(event, function) .event = {function, true},
+constexpr subsystem subsystemrows[] = {
+#include "session/events.def"
+};
+#undef SUBSYSTEM
+#undef ON
+
+namespace {
+
+constexpr std::size_t nrows = std::size(subsystemrows);
+
+// Calls the handlers of an event one after the other, with no look at rows that have none. A code counts when nothing
+// has failed before it.
+template <auto event, std::size_t row, class... arguments> void tell(arguments... told) {
+    constexpr auto h = subsystemrows[row].*event;
+    if constexpr (!h.wanted) return;
+    else if constexpr (std::is_void_v<decltype(h.run(told...))>) h.run(told...);
+    else if (Int4 rc = h.run(told...); rc && !lastrc) lastrc = rc;
+}
+template <auto event, class... arguments> void telldown(arguments... told) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+        (tell<event, i>(told...), ...);
+    }(std::make_index_sequence<nrows>());
+}
+template <auto event, class... arguments> void tellup(arguments... told) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+        (tell<event, nrows - 1 - i>(told...), ...);
+    }(std::make_index_sequence<nrows>());
+}
+
+}  // namespace
+
+void tellconfigured() { telldown<&subsystem::configured>(); }
+void tellstarted() { telldown<&subsystem::started>(); }
+void tellsized(sizedwhat what) { telldown<&subsystem::sized>(what); }
+void tellcommandended() { tellup<&subsystem::commandended>(); }
+void telllevelleft() { tellup<&subsystem::levelleft>(); }
+void tellcleared(boolean keeplabels) { tellup<&subsystem::cleared>(keeplabels); }
+void telldiscarded() { tellup<&subsystem::discarded>(); }
+void tellended() { tellup<&subsystem::ended>(); }
 
 }  // namespace velmo

@@ -214,16 +214,6 @@ TEST_F(dtafiles, full_disk_leaves_no_file) {
     EXPECT_EQ(dta_save(path, true, {}, ""), 0);
 }
 
-TEST_F(dtafiles, what_cannot_be_read) {
-    EXPECT_EQ(read(folder + "/none"), 601);
-    makedir((folder + "/sub.dta").c_str(), false);
-    EXPECT_EQ(read(folder + "/sub"), 603);
-    writebytes(path, "");
-    EXPECT_EQ(read(path), 610);
-    writebytes(path, "pVelmo .dta file");
-    EXPECT_EQ(read(path), 610);
-}
-
 // ---- Damage.
 
 struct damagedfiles : dtafiles {

@@ -101,11 +101,9 @@ TEST(formats, decimalimage) {
 
 TEST(formats, derived) {
     char out[fmtsize];
-    const struct { const char *own, *usual, *result; } cut[] = {{"%10.2f", "%9.0g", "%9.2f"},
-        {"%12.3fc", "%9.0g", "%9.3fc"},
-                                                                {"%10.3e", "%9.0g", "%9.0g"}, {"%d", "%8.0g", "%8.0g"},
-                                                                {"%20.15f", "%9.0g", "%9.0g"},
-                                                                {"%12s", "%9.0g", "%9.0g"}};
+    const struct { const char *own, *usual, *result; } cut[] = {
+        {"%10.2f", "%9.0g", "%9.2f"}, {"%12.3fc", "%9.0g", "%9.3fc"}, {"%10.3e", "%9.0g", "%9.0g"},
+        {"%d", "%8.0g", "%8.0g"}, {"%20.15f", "%9.0g", "%9.0g"}, {"%12s", "%9.0g", "%9.0g"}};
     for (const auto& c : cut) {
         cutformat(c.own, c.usual, out);
         EXPECT_STREQ(out, c.result) << c.own;
@@ -164,14 +162,12 @@ TEST(dates, reading) {
 
 TEST(dates, readingperiods) {
     const struct { char kind; const char *text, *mask; Double top, want; } cases[] = {
-        {'q', "1960q2", "yq", missing, 1},    {'q', "2 1961", "qy", missing, 5},
-          {'q', "1960q5", "yq", missing, missing},
-        {'m', "1961m1", "ym", missing, 12},   {'m', "jan1961", "my", missing, 12},
-        {'m', "1960 december", "ym", missing, 11},
-        {'m', "1960x3", "ym", missing, 2},    {'w', "1959w52", "yw", missing, -1}, {'h', "1960-2", "yh", missing, 1},
-        {'y', "1984", "y", missing, 1984},    {'y', "84", "y", 1990, 1984},        {'y', "99", "y", missing, missing},
-        {'q', "60q1", "yq", 1990, 0},         {'q', "1960q2 x", "yq", missing, missing},
-        {'y', "1984", "yq", missing, missing},
+        {'q', "1960q2", "yq", missing, 1}, {'q', "2 1961", "qy", missing, 5}, {'q', "1960q5", "yq", missing, missing},
+        {'m', "1961m1", "ym", missing, 12}, {'m', "jan1961", "my", missing, 12},
+        {'m', "1960 december", "ym", missing, 11}, {'m', "1960x3", "ym", missing, 2},
+        {'w', "1959w52", "yw", missing, -1}, {'h', "1960-2", "yh", missing, 1}, {'y', "1984", "y", missing, 1984},
+        {'y', "84", "y", 1990, 1984}, {'y', "99", "y", missing, missing}, {'q', "60q1", "yq", 1990, 0},
+        {'q', "1960q2 x", "yq", missing, missing}, {'y', "1984", "yq", missing, missing},
     };
     for (const auto& c : cases) EXPECT_EQ(readperiod(c.kind, c.text, c.mask, c.top), c.want) << c.text << " " << c.mask;
     EXPECT_EQ(periodstart('m', 2147483647), baddate);

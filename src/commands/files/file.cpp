@@ -121,7 +121,9 @@ void readresults(const char* status, boolean eof) {
 }
 
 // A text without room for zero bytes: it ends at the first.
-Int4 setlocal(const std::string& name, const std::string& text) { return macroset(macroname(name, true), text.c_str()); }
+Int4 setlocal(const std::string& name, const std::string& text) {
+    return macroset(macroname(name, true), text.c_str());
+}
 
 // Takes a line and tells how it ended; null after a failure.
 const char* textline(filehandle& h, std::string& line) {

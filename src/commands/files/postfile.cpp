@@ -98,7 +98,8 @@ Int4 postedvalues(Int4 columns, std::vector<Double>& values) {
     while (tokpeeknonblank()) {
         Double value = missing;
         if (Int4(values.size()) == columns)
-            return errorf(198, "post:  %d %s expected and more than %d found\n", columns, expressions(columns), columns);
+            return errorf(198, "post:  %d %s expected and more than %d found\n", columns, expressions(columns),
+                          columns);
         if (Int4 rc = postedvalue(value)) return rc;
         values.push_back(value);
     }

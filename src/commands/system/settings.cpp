@@ -253,8 +253,9 @@ constexpr keyword colourwords[] = {
 
 }  // namespace
 
-void colours_load() {
+void display_configured() {
     std::string word;
+    if (prefs_get("set_w", "more", word)) setmore(word != "off" && word != "0");
     Int4 value = prefs_get("set_w", "colors", word) ? lookup(colourwords, word) : -1;
     if (value >= 0) colours = value;
 }

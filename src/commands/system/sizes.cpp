@@ -6,12 +6,11 @@
 #include <vector>
 #include "base/text.h"
 #include "commands/system/arguments.h"
-#include "commands/system/discard.h"
+#include "core/events.h"
 #include "core/keywords.h"
 #include "core/objects.h"
 #include "core/prefs.h"
 #include "data/dataset.h"
-#include "language/review.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -78,6 +77,14 @@ Int4 readmemory(std::uint64_t& bytes) {
 
 }  // namespace
 
+// The sizes of the next start, as `permanent` has kept them.
+void sizes_configured() {
+    std::int64_t v;
+    if (prefs_getint(section, "matsize", v) && v >= 10 && v <= 11000) matsize = Int4(v);
+    if (prefs_getint(section, "maxvar", v) && v >= 2048 && v <= 32767) setlengths(Int4(v));
+    if (prefs_getint(section, "memory", v) && v > 0) memory = std::uint64_t(v);
+}
+
 // set memory [+|-]#[k|m|g] [, permanent]
 Int4 setting_memory() {
     std::uint64_t bytes = 0;
@@ -99,13 +106,6 @@ std::string shown_memory() {
 
 namespace {
 
-// Estimates name variables by their places in tables that are made anew.
-void dropresults() {
-    discard();
-    for (Int4 type = obj_escalar; type < obj_ematrix + 3; type++) objdeltype(type);
-    objdeltype(obj_estimate);
-}
-
 // Preserved data must find room for their variables again.
 boolean spoilspreserved(Int4 n) { return n < maxvar && objcount(obj_estpreserve) > 0; }
 
@@ -119,9 +119,8 @@ Int4 setting_maxvar() {
     if (Int4 rc = permanentoption(permanent)) return rc;
     if (datainmemory() || spoilspreserved(n)) return error(4);
     if (n != maxvar) {
-        dropresults();
+        telldiscarded();
         if (Int4 rc = setmaxvar(n)) return sizeerror(rc);
-        review_resize();
     }
     return record(permanent, "maxvar", n);
 }

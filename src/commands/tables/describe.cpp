@@ -52,7 +52,7 @@ void storeresults(const dataview& d) {
     rstore("changed", d.changed);
 }
 
-// Text at the right of a line, broken at 31 when it is 33 or more long; later pieces stand below the first, in column 47.
+// Text at the right of a line, broken at 31 when it is 33 or more long; later pieces stand below, in column 47.
 Int4 brokentext(std::string text) {
     if (textcolumns(text) < 33) {
         tabtext(text);
@@ -182,8 +182,8 @@ Int4 readoptions(describeoptions& o) {
 // The dataset in memory, with the variables of the varlist unless `brief`.
 dataview memoryview(boolean all, boolean brief) {
     Int4 hidden = findvar("(e)") && !all ? 1 : 0;
-    dataview d{true, std::string(macrotext("S_FN")), datalabel, std::string(macrotext("S_FNDATE")), nobs, nvar - hidden, width - hidden,
-               char_exists("_dta", "note0"), datachanged != 0, {}, {}};
+    dataview d{true, std::string(macrotext("S_FN")), datalabel, std::string(macrotext("S_FNDATE")), nobs,
+               nvar - hidden, width - hidden, char_exists("_dta", "note0"), datachanged != 0, {}, {}};
     for (Int4 i = 0; i < vl_n && !brief; i++) {
         Int4 v = vl_vr[i] - 1;
         d.vars.push_back({v + 1, varlist[v], typ[v], fmt[v], lbl[v], getvarlabel(varlist[v]),

@@ -2,7 +2,6 @@
 // knows the language's levels but neither stacks nor code words, functions against worked values, and the limits.
 #include <gtest/gtest.h>
 #include <bit>
-#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -498,7 +497,6 @@ TEST_F(evaluator, limits) {
     EXPECT_EQ(compile("\"" + a + "\"+\"" + b + "\"+\"" + c + "\"", mode_str), 0);     // 245 + 245 + 10 and zeros
     EXPECT_EQ(compile("\"" + a + "\"+\"" + b + "\"+\"" + c + c + "\"", mode_str), 130);
     std::string open(10000, '('), close(10000, ')');
-    auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(value(open + "3" + close), 3);
     for (const char* opener : {"(", "-(", "1+(", "abs(", "dd[", "scalar(", "!", "-", "max(1,"}) {
         std::string s, t;
@@ -511,5 +509,4 @@ TEST_F(evaluator, limits) {
         EXPECT_EQ(rc, *opener == '(' ? 0 : 130) << opener;
     }
     EXPECT_EQ(compile(terms(16000, [](Int4) { return "1"; }, "+")), 130);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }

@@ -182,7 +182,7 @@ def fit(t, v):
     if v == math.inf or t == 255: return v
     if abs(v) > 1e30: return None
     if t == 254: return 0.0 if abs(v) < 2.0 ** -120 else struct.unpack("f", struct.pack("f", v))[0]
-    return math.inf if abs(v) > CELLS[t][1] or int(v) == CELLS[t][1] else int(v)
+    return math.inf if abs(int(v)) > CELLS[t][1] or int(v) == CELLS[t][1] else int(v)
 
 class session:
     def __init__(self, program, seed, work):

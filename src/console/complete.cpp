@@ -8,6 +8,7 @@
 #include "core/memory.h"
 #include "core/objects.h"
 #include "data/dataset.h"
+#include "language/commandnames.h"
 
 namespace velmo {
 
@@ -61,31 +62,6 @@ std::vector<std::string_view> commandwords(std::string_view head) {
     return words;
 }
 
-// Names of ado-files in one folder.
-void addadofiles(const std::string& folder, std::string_view word, completion& c) {
-    std::vector<std::string> names;
-    listdir(folder.c_str(), names);
-    for (const std::string& name : names)
-        if (begins(name, word) && name.size() > 4 && name.substr(name.size() - 4) == ".ado")
-            c.words.push_back(name.substr(0, name.size() - 4));
-}
-
-void addcommands(std::string_view word, completion& c) {
-    if (word.empty()) return;
-    for (Int4 i = 0; i < ncommands; i++) {
-        const command& row = commands[i];
-        if (row.handler && row.from <= version && version <= row.until && begins(row.word, word))
-            c.words.emplace_back(row.word);
-    }
-    char name[36];
-    for (object* o = objnext(nullptr, name, obj_program); o; o = objnext(o, name, obj_program))
-        if (begins(name, word)) c.words.emplace_back(name);
-    for (const sysdirrow& row : sysdirs) {
-        addadofiles(row.path, word, c);
-        addadofiles(std::string(row.path) + word[0], word, c);
-    }
-}
-
 // Names that begin with two underscores are temporary or the system's own.
 void addvariables(std::string_view word, completion& c) {
     for (Int4 v = 0; v < nvar; v++) {
@@ -134,7 +110,7 @@ void completionsof(std::string_view before, completion& c) {
         c.from = wordfrom;
         addfiles(before.substr(wordfrom), c);
     } else if (c.from = namefrom; commandwords(before.substr(0, namefrom)).empty()) {
-        addcommands(before.substr(namefrom), c);
+        if (namefrom < before.size()) commandnames(before.substr(namefrom), c.words);
     } else {
         addvariables(before.substr(namefrom), c);
     }

@@ -1,4 +1,5 @@
 #include "core/adopath.h"
+#include <algorithm>
 #include <string>
 #include "base/platform.h"
 #include "base/text.h"
@@ -72,24 +73,51 @@ void adopath_init() {
     setsysdir(6, "OLDPLACE", home + "ado/");
 }
 
-boolean pathsearch(std::string_view name, std::string_view suffix, Int4 nth) {
+namespace {
+
+// The directories of the ado-path, each ending in /.
+std::vector<std::string> pathdirs() {
     const char* value = macroget("S_ADO");
     std::string path = value ? value : defaultadopath;
-    std::string file = std::string(name) + std::string(suffix);
+    std::vector<std::string> dirs;
     for (std::size_t at = 0; at <= path.size();) {
-        std::size_t end = path.find(';', at);
-        if (end == std::string::npos) end = path.size();
+        std::size_t end = std::min(path.find(';', at), path.size());
         std::string_view item = trimmed(std::string_view(path).substr(at, end - at));
         at = end + 1;
-        if (item.empty()) continue;
-        std::string dir = directoryof(item);
+        if (!item.empty()) dirs.push_back(directoryof(item));
+    }
+    return dirs;
+}
+
+void dirnames(const std::string& dir, std::string_view beginning, std::string_view suffix,
+              std::vector<std::string>& names) {
+    std::vector<std::string> files;
+    listdir(dir.c_str(), files);
+    for (const std::string& file : files)
+        if (file.starts_with(beginning) && file.ends_with(suffix) && file.size() > suffix.size())
+            names.push_back(file.substr(0, file.size() - suffix.size()));
+}
+
+}  // namespace
+
+boolean pathsearch(std::string_view name, std::string_view suffix, Int4 nth) {
+    std::string file = std::string(name) + std::string(suffix);
+    for (const std::string& dir : pathdirs())
         for (const std::string& candidate : {dir + file, dir + file.substr(0, 1) + "/" + file}) {
             if (!isfile(candidate) || --nth > 0) continue;
             copytext(usingname, sizeof usingname, candidate);
             return true;
         }
-    }
     return false;
+}
+
+void pathnames(std::string_view beginning, std::string_view suffix, std::vector<std::string>& names) {
+    static constexpr std::string_view letters = "_abcdefghijklmnopqrstuvwxyz";
+    for (const std::string& dir : pathdirs()) {
+        dirnames(dir, beginning, suffix, names);
+        for (char letter : beginning.empty() ? letters : beginning.substr(0, 1))
+            dirnames(dir + letter + "/", beginning, suffix, names);
+    }
 }
 
 }  // namespace velmo

@@ -3,6 +3,7 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <vector>
 #include "base/types.h"
 
 namespace velmo {
@@ -21,5 +22,7 @@ void adopath_init();                   // builds the table of directories
 // The nth (from 1) file name+suffix along the ado-path (each directory itself, then its one-letter subfolder), its
 // path in usingname; false when there is none.
 boolean pathsearch(std::string_view name, std::string_view suffix, Int4 nth);
+// Adds the names, without the suffix, of all files along the ado-path that begin and end so; a name may come twice.
+void pathnames(std::string_view beginning, std::string_view suffix, std::vector<std::string>& names);
 
 }  // namespace velmo

@@ -9,6 +9,7 @@
 #include "core/settings.h"
 #include "core/tokenizer.h"
 #include "core/upcalls.h"
+#include "language/commandnames.h"
 #include "language/levels.h"
 #include "language/programs.h"
 #include "output/errors.h"
@@ -140,7 +141,10 @@ Int4 autoload(const char* suffix, boolean required) {
     boolean ado = std::string_view(suffix) == ".ado";
     if (!validname(name))
         return ado ? errorf(199, "unrecognized command:  %s invalid command name\n", cmdword) : 199;
-    if (!pathsearch(name, suffix, 1)) return errorf(199, "unrecognized command:  %s\n", cmdword);
+    if (!pathsearch(name, suffix, 1)) {
+        copytext(unknownword, namesize, name);
+        return errorf(199, "unrecognized command:  %s\n", cmdword);
+    }
     std::string path = usingname;
     Int4 id = ++lastid;
     if (Int4 rc = loadfile(name, path, id)) return rc;

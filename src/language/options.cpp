@@ -1,6 +1,8 @@
 // The option table: each word behind the comma with the text of its parentheses, and whether a getter took it.
 #include <cmath>
+#include <set>
 #include "base/text.h"
+#include "core/commands.h"
 #include "core/quotes.h"
 #include "core/settings.h"
 #include "data/dataset.h"
@@ -38,7 +40,17 @@ Int4 recordoption() {
     return 0;
 }
 
+// What has been asked for under `set debug on`: the command's word, the option, its fewest characters, `()` when it has
+// an argument.
+std::set<std::string> asked;
+
+void noteasked(const char* name, Int4 min, boolean witharg) {
+    const command* row = commandrow_any(cmdword);
+    if (row) asked.insert(std::string(row->word) + " " + name + " " + std::to_string(min) + (witharg ? " ()" : ""));
+}
+
 optionrow* findoption(const char* name, Int4 min, boolean witharg) {
+    if (set_debug) noteasked(name, min, witharg);
     for (Int4 i = 0; i < noptions; i++) {
         optionrow& row = options[i];
         if (row.consumed || row.hasargument != witharg || !abbrev(row.word, name, min)) continue;
@@ -164,6 +176,8 @@ Int4 getopt_level(Int4 min, Int4& level) {
     if (Int4 rc = getopt_int("level", min, &level, 1, n)) return rc;
     return boundscheck("level()", level, 10, 99);
 }
+
+const std::set<std::string>& optionsasked() { return asked; }
 
 std::vector<typedoption> typedoptions() {
     std::vector<typedoption> typed;

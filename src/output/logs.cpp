@@ -16,6 +16,12 @@ namespace {
 Int4 batchlog = -1;
 boolean batchvtml = false;
 std::string batchname;         // full path
+
+// how: as of vstream_lograw.
+boolean attachbatch(Int4 how) {
+    if (!console) return true;
+    return batchvtml ? vstream_lograw(console, batchlog, how) : vstream_logline(console, batchlog, how);
+}
 }  // namespace
 
 boolean batchlog_open(const char* name, boolean vtml) {
@@ -25,8 +31,7 @@ boolean batchlog_open(const char* name, boolean vtml) {
     filetoend(batchlog);
     batchname = fullpath(name);
     batchvtml = vtml;
-    boolean refused = vtml ? vstream_lograw(console, batchlog, 1) : vstream_logline(console, batchlog, 1);
-    if (!refused) return true;
+    if (!attachbatch(1)) return true;
     fileclose(batchlog);
     batchlog = -1;
     return false;
@@ -34,7 +39,7 @@ boolean batchlog_open(const char* name, boolean vtml) {
 
 void batchlog_close() {
     if (batchlog < 0) return;
-    if (console) batchvtml ? vstream_lograw(console, batchlog, 2) : vstream_logline(console, batchlog, 2);
+    attachbatch(2);
     fileclose(batchlog);
     batchlog = -1;
 }
@@ -49,7 +54,6 @@ boolean islogfile(const char* path) {
 
 namespace {
 
-// how: as of vstream_lograw.
 boolean attach(Int4 how) {
     if (!console) return true;
     return sessionlog.vtml ? vstream_lograw(console, sessionlog.file, how)
@@ -95,6 +99,11 @@ boolean log_resume() {
 void log_pause() {
     if (sessionlog.on) attach(2);
     sessionlog.on = false;
+}
+
+void logs_hold(boolean hold) {
+    if (sessionlog.on) attach(hold ? 2 : 1);
+    if (batchlog >= 0) attachbatch(hold ? 2 : 1);
 }
 
 Int4 log_end() {

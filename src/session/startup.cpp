@@ -8,6 +8,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
+#include "core/commands.h"
 #include "core/events.h"
 #include "core/macros.h"
 #include "core/objects.h"
@@ -15,7 +16,9 @@
 #include "core/rectangle.h"
 #include "core/settings.h"
 #include "core/upcalls.h"
+#include "language/commandnames.h"
 #include "language/dofile.h"
+#include "language/programs.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
 #include "output/errors.h"
@@ -139,7 +142,8 @@ boolean openbatchlog(std::string& failure) {
 void logo() {
     saved level(outlevel, UByte(0));
     prtraw("\n{res}Velmo{txt} 7.0   {hline 2} Midscale, for the console\n");
-    prtraw("{txt}Statistics and data management\n");
+    prtraw("{txt}Statistics and data management\n\n");
+    prtraw("Type {velmo help} for help, {velmo exit} to leave.\n");
 }
 
 void notes() {
@@ -216,6 +220,33 @@ void runprofile() {
     runline("run \"" + profile + "\"");
 }
 
+// What newcomers type at a terminal's prompt, as what they mean. A program or an ado-file of that name goes first.
+void understand() {
+    unknownword[0] = 0;
+    if (!typedlineshows()) return;
+    std::string line(trimmed(cmdbuf));
+    if (line[0] == '?')
+        line.replace(0, 1, "help ");
+    else if (!classsystem && (line == ".help" || line.starts_with(".help ")))
+        line.erase(0, 1);
+    else if (line == "quit" && !findprogram("quit", "") && !pathsearch("quit", ".ado", 1))
+        line = "exit";
+    else
+        return;
+    copytext(cmdbuf, std::size_t(conslen), line);
+    settokpos(cmdbuf);
+}
+
+// Behind the code of a typed command that is none: what may have been meant.
+void propose() {
+    if (lastrc != 199 || !unknownword[0] || !typedlineshows()) return;
+    std::vector<std::string> names;
+    commandnames("", names);
+    std::string line;
+    for (const std::string& name : nearest(unknownword, names, 5)) line += " {help " + name + "}";
+    if (!line.empty()) prtraw("{txt}near to it:" + line + "\n");
+}
+
 void runstartcmd() {
     if (batchmode != 2) {
         saved level(outlevel, UByte(4));
@@ -276,7 +307,9 @@ Int4 session_main() {
             Int4 ended = nextline(0);
             if (ended && breakpending) continue;         // Break at the prompt: another prompt
             if (ended && eofseen != source_endtyped) break;
+            understand();
             if (!(ended ? runline("exit") : docmd())) break;
+            propose();
         }
     if (lastrc && !isterminal(0)) exitstatus = 1;
     shutdown(0);

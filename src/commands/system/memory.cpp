@@ -13,6 +13,7 @@
 #include "core/tokenizer.h"
 #include "data/dataset.h"
 #include "data/run.h"
+#include "language/stdparse.h"
 #include "language/turn.h"
 #include "matrix/results.h"
 #include "output/errors.h"
@@ -189,6 +190,12 @@ Int4 debugobstest() {
     return rc ? error(rc) : 0;
 }
 
+Int4 debugoptions() {
+    for (const std::string& line : optionsasked())
+        if (Int4 rc = prtf("%s\n", line.c_str())) return rc;
+    return 0;
+}
+
 constexpr struct { const char* word; Int4 (*show)(); } aspects[] = {
     {"basics", debugbasics}, {"sizes", debugsizes}, {"term", debugterm}, {"memory", debugmemory},
     {"map", debugmap},       {"obstest", debugobstest}, {"os", debugos}, {"retvals", debugretvals},
@@ -196,12 +203,14 @@ constexpr struct { const char* word; Int4 (*show)(); } aspects[] = {
 
 }  // namespace
 
-// debug [aspect | all];  debug refuse #: the #th request for work space from here on fails, to see what then happens.
+// debug [aspect | all];  debug refuse #: the #th request for work space from here on fails, to see what then happens;
+// debug options: those that commands have asked for since `set debug on`.
 Int4 cmd_debug() {
     std::string word = nexttoken();
     if (word == "refuse") return readinteger(nexttoken(breaknum), refusedcall) ? nothingelse() : error(198);
     if (Int4 rc = nothingelse()) return rc;
     saved level(outlevel, UByte(1));
+    if (word == "options") return debugoptions();
     if (word.empty()) return prt("all basics sizes term memory map obstest os\nretvals\n");
     boolean found = false;
     for (const auto& aspect : aspects) {

@@ -140,16 +140,15 @@ std::vector<std::string> helpnames() {
 
 boolean ismarkup(std::string_view text) { return takeline(text) == marker.substr(0, marker.size() - 1); }
 
-// What nobody is to read, and the empty lines ahead of it, stay behind.
-static std::string rtrimmedlines(std::string text) {
-    while (text.ends_with('\n')) text.pop_back();
-    return text + "\n";
-}
-
 Int4 helptext(const helpplace& place, std::string& text) {
     if (Int4 rc = readpage(place.path, text)) return rc;
-    if (ismarkup(text)) text = rtrimmedlines(text.substr(0, text.rfind(keywordsmark)));
-    if (!place.entry.empty()) text = std::string(marker) + std::string(entrytext(text, place.entry));
+    if (!ismarkup(text)) return 0;
+    if (place.entry.empty())
+        text.resize(std::min(text.size(), text.rfind(keywordsmark)));
+    else
+        text = std::string(marker) + std::string(entrytext(text, place.entry));
+    while (text.ends_with('\n')) text.pop_back();
+    text += '\n';
     return 0;
 }
 

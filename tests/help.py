@@ -158,7 +158,7 @@ def main():
             if shared.get(word) not in pages: fault(word, "has no page")
         linked = set(re.findall(r"\{help (\w+)[:}]", "".join(p for n, p in pages.items() if n == "velmo" or "{* index}" in p)))
         for name in {*pages} - {*commands} - ados - linked - {"velmo"}: fault(name, "is neither a command's page nor on a page of contents")
-        entries = {e.strip() for p in pages.values() for line in re.findall(r"^\{\* entry: (.*)\}$", p, flags=re.M) for e in line.split(", ")}
+        entries = {e.strip() for p in pages.values() for line in re.findall(r"^\{\* entry: ([^}]*)\}", p, flags=re.M) for e in line.split(", ")}
         for entry in entriesneeded():
             if entry not in entries: fault(entry, "has no entry")
     checkshown(program, {n: p for n, p in pages.items() if not only or n in only})

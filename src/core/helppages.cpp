@@ -50,7 +50,7 @@ boolean entrynames(std::string_view line, std::vector<std::string_view>& names) 
     names.clear();
     if (!line.starts_with(entrymark)) return false;
     line.remove_prefix(entrymark.size());
-    line = line.substr(0, line.rfind('}'));
+    line = line.substr(0, line.find('}'));
     while (!line.empty()) {
         std::size_t comma = std::min(line.find(", "), line.size());
         names.push_back(trimmed(line.substr(0, comma)));
@@ -74,7 +74,7 @@ std::string_view entrytext(std::string_view page, std::string_view entry) {
     while (!page.empty()) {
         std::string_view line = takeline(page);
         boolean isentry = entrynames(line, names);
-        if (begin && (isentry || line == endmark)) return {begin, std::size_t(line.data() - begin)};
+        if (begin && (isentry || line.starts_with(endmark))) return {begin, std::size_t(line.data() - begin)};
         if (isentry && std::find(names.begin(), names.end(), entry) != names.end()) begin = page.data();
     }
     return begin ? std::string_view(begin, std::size_t(page.data() - begin)) : std::string_view();

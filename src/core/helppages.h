@@ -1,6 +1,7 @@
 // Where help on a name stands: NAME.hlp along the ado-path, or an entry of a page that holds many (functions, settings,
 // return codes). A page that begins with the marker line {vtml} is markup, any other is old help text. Only markup has
-// entries: each begins behind a line `{* entry: NAME, NAME}` and ends at the next one or at `{* end}`.
+// entries: each begins behind a line `{* entry: NAME, NAME}{...}` and ends at the next one or at
+// `{* end}{...}`.
 //
 // To add one: a page in an ado folder is found by its name. A command that shares another's page is a row of `shared`,
 // a page with entries one of `entrypages`, both in helppages.cpp.

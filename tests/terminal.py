@@ -133,6 +133,15 @@ def hangup(work):
         same(open(work + "/h.txt").read(), "kept"); assert "closed on:" in open(work + "/l.log").read()
         same([n for n in os.listdir(work) if n.startswith(("VM", "velmo"))], [])
 
+def newcomer(work):
+    """what newcomers type is understood at a prompt; a command that is none has near ones proposed; q ends a page"""
+    s = session(work)
+    s.ask(b"?", b"what there is help on"); s.wait(b"\xe2\x94\x80more"); s.send(b"q"); s.wait(b"\n\\. ")
+    s.ask(b"set more off", b"\n\\. "); s.ask(b"?count", b"how many observations"); s.ask(b".help exit", b"leave: the session")
+    s.ask(b"sumarize", b"r\\(199\\);\nnear to it: summarize"); s.ask(b"codebok", b"near to it: codebook")
+    s.ask(b"capture sumarize", b"\n\\. "); s.ask(b"display 1", b"\n1\n"); s.send(b"quit\r"); same(s.end(), 0)
+    assert b"near" not in s.shown().split(b"capture")[1]
+
 def ends(work):
     """the exit status; closed descriptors, full devices and readers that go away"""
     files = {"bad.do": "display 1\nerror 9\n", "long.do": "forvalues i = 1/1000000000 {\ndisplay \"`i'\"\n}\n",
@@ -149,7 +158,7 @@ def ends(work):
         same((line, p.returncode), (line, status))
 
 def main():
-    cases = [c for c in (pause, typing, window, colours, control, hangup, ends) if sys.argv[2:3] in ([], [c.__name__])]
+    cases = [c for c in (pause, typing, window, colours, control, hangup, newcomer, ends) if sys.argv[2:3] in ([], [c.__name__])]
     for case in cases:
         work = tempfile.mkdtemp(prefix="vterm")
         try: case(work)

@@ -7,10 +7,9 @@
 #include "base/text.h"
 #include "core/macros.h"
 #include "data/cells.h"
-#include "data/run.h"
 #include "data/timeseries.h"
 #include "expr/compile.h"
-#include "expr/evaluate.h"
+#include "expr/walk.h"
 #include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/words.h"
@@ -42,16 +41,13 @@ Int4 weighted(Int4 obs, boolean keepzero, UByte& flag) {
 }
 
 Int4 selectflags(boolean keepzero, UByte* flags) {
-    for (Int4 first = firstobs; first <= lastobs; first += blocksize) {
-        Int4 n = std::min(blocksize, lastobs - first + 1);
+    return overblocks([&](Int4 first, Int4 n) {
         exp_ifblock(first, n, flags + first - 1);
         for (Int4 obs = first; weighttype && obs < first + n; obs++)
             if (flags[obs - 1])
                 if (Int4 rc = weighted(obs, keepzero, flags[obs - 1])) return rc;
-        if (tick()) return 1;
-        if (lastobs - first < blocksize) break;
-    }
-    return 0;
+        return 0;
+    });
 }
 
 // mark, from its arguments at the cursor. The variable is made once all its values are known.

@@ -5,8 +5,5 @@ program define _gcount
 	syntax newvarname =/exp [if] [in] [, BY(varlist)]
 	tempvar x sample
 	_egby `x' `sample' = `exp' `if' `in', by(`by') strings
-	quietly {
-		`s(by)' generate long `varlist' = sum(!missing(`x'))
-		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-	}
+	_bystats long `varlist' = count(`x') if `sample', by(`by')
 end

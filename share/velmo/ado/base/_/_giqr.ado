@@ -2,9 +2,8 @@
 * egen's iqr(): the interquartile range of a group
 program define _giqr
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(passthru)]
-	tempvar low high
-	_gpctile double `low' = `exp' `if' `in', `by' p(25)
-	_gpctile double `high' = `exp' `if' `in', `by' p(75)
-	quietly generate `typlist' `varlist' = `high' - `low'
+	syntax newvarname =/exp [if] [in] [, BY(varlist)]
+	tempvar x sample
+	_egby `x' `sample' = `exp' `if' `in', by(`by')
+	_bystats `typlist' `varlist' = iqr(`x') if `sample', by(`by')
 end

@@ -5,9 +5,5 @@ program define _gmax
 	syntax newvarname =/exp [if] [in] [, BY(varlist)]
 	tempvar x sample
 	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	quietly {
-		generate `typlist' `varlist' = `x'
-		`s(by)' replace `varlist' = max(`varlist'[_n-1], `x')
-		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-	}
+	_bystats `typlist' `varlist' = max(`x') if `sample', by(`by')
 end

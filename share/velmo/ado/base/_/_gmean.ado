@@ -5,8 +5,5 @@ program define _gmean
 	syntax newvarname =/exp [if] [in] [, BY(varlist)]
 	tempvar x sample
 	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	quietly {
-		`s(by)' generate `typlist' `varlist' = sum(`x') / sum(`x' < .)
-		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-	}
+	_bystats `typlist' `varlist' = mean(`x') if `sample', by(`by')
 end

@@ -1,6 +1,6 @@
 // Groups are split by one key after the other: a number is one key, a string one for every 8 bytes. Pairs of (group, key)
-// are numbered anew: where they are few against the observations by a table of all that could be, else by hashing those
-// that occur and sorting them.
+// are numbered anew: where all that could be are few against the observations by a table of them, else by hashing those
+// that occur and sorting them, or, where these turn out to be many, by sorting all.
 #include "estimate/groups.h"
 #include <algorithm>
 #include <limits>
@@ -110,18 +110,38 @@ Int4 orderpairs(pairtable& pairs, Int4 groups) {
     return 0;
 }
 
+// Every observation's pair is a record of its own.
+Int4 splitsorted(grouping& g, const key64* key, pairtable& pairs) {
+    UInt4* code = g.code.get<UInt4>();
+    pairrecord* r = pairs.all();
+    for (Int4 i = 0; i < g.n; i++) r[i] = {key[i], code[i], UInt4(i)};
+    pairs.n = g.n;
+    if (Int4 rc = orderpairs(pairs, g.groups)) return rc;
+    r = pairs.all();
+    UInt4 last = 0;
+    for (Int4 i = 0; i < g.n; i++) {
+        last += i > 0 && (r[i].key != r[i - 1].key || r[i].code != r[i - 1].code);
+        code[r[i].id] = last;
+    }
+    g.groups = Int4(last) + 1;
+    return tick();
+}
+
 Int4 splithashed(grouping& g, const key64* key) {
+    const Int4 most = std::max(g.n / 16, 4096);        // beyond, a look into the table costs more than sorting
     pairtable pairs(g.n);
     if (!pairs.all() || !pairs.grow()) return error(909);
     UInt4* code = g.code.get<UInt4>();
-    boolean room = true;
-    Int4 rc = overindices(g.n, [&](Int4 i) {
-        if (pairs.full() && room) room = pairs.grow();
-        if (room) code[i] = pairs.number(key[i], code[i]);
-    });
-    if (!room) return error(909);
-    if (rc) return rc;
-    if (Int4 failed = orderpairs(pairs, g.groups)) return failed;
+    for (Int4 i = 0; i < g.n; i++) {
+        if (pairs.full() && !pairs.grow()) return error(909);
+        if (pairs.n > most) {
+            while (i-- > 0) code[i] = pairs.all()[code[i]].code;
+            return splitsorted(g, key, pairs);
+        }
+        code[i] = pairs.number(key[i], code[i]);
+        if (i % stretch == 0 && tick()) return 1;
+    }
+    if (Int4 rc = orderpairs(pairs, g.groups)) return rc;
     workspace ranks(std::size_t(pairs.n) * sizeof(UInt4));
     UInt4* rank = ranks.get<UInt4>();
     if (!rank) return error(909);
@@ -144,7 +164,8 @@ Int4 split(grouping& g, const key64* key) {
 }
 
 // Numbers that are all whole are keys as they are: those of a small range can be counted. Else their ordered bits are.
-Int4 splitnumbers(grouping& g, const Double* x, key64* key) {
+// The keys take the place of the numbers, by bytes, as the types differ.
+Int4 splitnumbers(grouping& g, Double* x) {
     constexpr Double limit = 9007199254740992.0;
     Double least = missing, greatest = -missing;
     boolean whole = true;
@@ -156,13 +177,19 @@ Int4 splitnumbers(grouping& g, const Double* x, key64* key) {
     }
     std::int64_t base = whole && least < missing ? std::int64_t(least) : 0;
     std::int64_t last = whole && least < missing ? std::int64_t(greatest) + 1 : 0;
-    for (Int4 i = 0; i < g.n; i++)
-        key[i] = whole ? key64((x[i] == missing ? last : std::int64_t(x[i])) - base) : orderedbits(x[i]);
-    return split(g, key);
+    key64* keys = reinterpret_cast<key64*>(x);
+    for (Int4 i = 0; i < g.n; i++) {
+        key64 key = whole ? key64((x[i] == missing ? last : std::int64_t(x[i])) - base) : orderedbits(x[i]);
+        std::memcpy(static_cast<void*>(keys + i), &key, sizeof key);
+    }
+    return split(g, keys);
 }
 
-Int4 splittexts(grouping& g, Int4 var, const Int4* obs, key64* key) {
+Int4 splittexts(grouping& g, Int4 var, const Int4* obs) {
     column c(var);
+    workspace keys(std::size_t(g.n) * sizeof(key64));
+    key64* key = keys.get<key64>();
+    if (!key) return error(909);
     constexpr Int4 ahead = 16;
     for (Int4 piece = 0; piece < stringpieces(c.type); piece++) {
         boolean more = false;
@@ -183,13 +210,11 @@ Int4 groupsample(const drawnsample& s, const std::vector<source>& sources, std::
     g.n = s.n;
     g.groups = s.n > 0;
     g.code = workspace(std::size_t(std::max(s.n, 1)) * sizeof(UInt4));
-    workspace keys(from < sources.size() ? std::size_t(std::max(s.n, 1)) * sizeof(key64) : 0);
-    if (!g.code.p || (from < sources.size() && !keys.p)) return error(909);
+    if (!g.code.p) return error(909);
     std::fill_n(g.code.get<UInt4>(), s.n, 0u);
     for (std::size_t j = from; j < sources.size() && g.groups < g.n; j++) {
         Int4 var = sources[j].var;
-        Int4 rc = isstring(var) ? splittexts(g, var, s.numbers(), keys.get<key64>())
-                                : splitnumbers(g, s.values(Int4(j)), keys.get<key64>());
+        Int4 rc = isstring(var) ? splittexts(g, var, s.numbers()) : splitnumbers(g, s.values(Int4(j)));
         if (rc) return rc;
         if (tick()) return 1;
     }

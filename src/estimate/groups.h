@@ -12,8 +12,8 @@ struct grouping {
     workspace code{0};                    // of each observation of the sample
     const UInt4* codes() const { return code.get<UInt4>(); }
 };
-// Groups the sample by its sources from number `from` on; without any it is one group. Empty, it has none. 0, 1 on a
-// Break, 909 (printed).
+// Groups the sample by its sources from number `from` on, whose buffers are used up; without any it is one group. Empty,
+// it has none. 0, 1 on a Break, 909 (printed).
 Int4 groupsample(const drawnsample& s, const std::vector<source>& sources, std::size_t from, grouping& g);
 
 // The observation that stands first in each group, and how many there are. 0 or 909 (printed).

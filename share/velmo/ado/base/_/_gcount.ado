@@ -2,8 +2,6 @@
 * egen's count(): the number of nonmissing values of a group, of strings too
 program define _gcount
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by') strings
-	_bystats long `varlist' = count(`x') if `sample', by(`by')
+	syntax newvarname =/exp [if] [in] [, BY(passthru)]
+	_egstat count long `varlist' = `exp' `if' `in', `by' strings
 end

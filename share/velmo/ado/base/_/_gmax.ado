@@ -2,8 +2,5 @@
 * egen's max(): the largest value of a group
 program define _gmax
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	_bystats `typlist' `varlist' = max(`x') if `sample', by(`by')
+	_egstat max `0'
 end

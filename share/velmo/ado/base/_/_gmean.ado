@@ -2,8 +2,5 @@
 * egen's mean(): the mean of a group
 program define _gmean
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	_bystats `typlist' `varlist' = mean(`x') if `sample', by(`by')
+	_egstat mean `0'
 end

@@ -2,12 +2,10 @@
 * egen's pctile(): the p()th percentile of a group (the median unless told otherwise), as summarize, detail has it
 program define _gpctile
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist) P(real 50)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
+	syntax newvarname =/exp [if] [in] [, BY(passthru) P(real 50)]
 	if !(`p' > 0 & `p' < 100) {
 		display as error "p() must be between 0 and 100"
 		exit 198
 	}
-	_bystats `typlist' `varlist' = p`p'(`x') if `sample', by(`by')
+	_egstat p`p' `typlist' `varlist' = `exp' `if' `in', `by'
 end

@@ -2,8 +2,5 @@
 * egen's skew(): the skewness of a group, as summarize, detail has it
 program define _gskew
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	_bystats `typlist' `varlist' = skewness(`x') if `sample', by(`by')
+	_egstat skewness `0'
 end

@@ -2,6 +2,7 @@
 // a null result is a return code (909) of the caller.
 #pragma once
 #include <cstddef>
+#include <utility>
 #include "base/types.h"
 
 namespace velmo {
@@ -23,6 +24,10 @@ struct workspace {
     ~workspace() { memfree(p); }
     workspace(workspace&& other) : p(other.p) { other.p = nullptr; }
     workspace(const workspace&) = delete;
+    workspace& operator=(workspace&& other) {
+        std::swap(p, other.p);
+        return *this;
+    }
     workspace& operator=(const workspace&) = delete;
     template <class T> T* get() const { return static_cast<T*>(p); }
 };

@@ -7,13 +7,13 @@
 // the smaller one is recursed on first; the result is the same and the stack stays shallow.
 #include "data/sorting.h"
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <vector>
 #include "base/memalloc.h"
 #include "base/poll.h"
 #include "data/cells.h"
+#include "data/sortkeys.h"
 
 namespace velmo {
 
@@ -25,28 +25,7 @@ struct keyrecord { std::uint64_t key; Int4 obs; UInt4 work; };
 struct rankrecord { UInt4 rank, row; };
 struct span { Int4 lo, hi; };      // records lo to hi - 1
 
-// Doubles as unsigned numbers in the same order; both zeros are one.
-std::uint64_t orderedbits(Double v) {
-    std::uint64_t bits = std::bit_cast<std::uint64_t>(v + 0.0);
-    return bits >> 63 ? ~bits : bits | (std::uint64_t(1) << 63);
-}
-
-// Bytes 8*piece to 8*piece + 7 of a string as a big-endian number, with zeros behind the string's end.
-std::uint64_t stringpiece(const UByte* cell, Int4 size, Int4 piece) {
-    constexpr std::uint64_t ones = 0x0101010101010101u;
-    std::uint64_t word = 0;
-    Int4 n = size - 8 * piece;
-    if (n >= 8)
-        std::memcpy(&word, cell + 8 * piece, 8);
-    else
-        for (Int4 i = n - 1; i >= 0; i--) word = word << 8 | cell[8 * piece + i];
-    // The lowest byte that is zero, if any, has its highest bit set here; what stands above it goes.
-    std::uint64_t zero = (word - ones) & ~word & ones << 7;
-    if (zero) word &= (zero & -zero) / 128 - 1;
-    return __builtin_bswap64(word);
-}
-
-Int4 pieces(Int4 var) { return isstring(var) ? (typ[var - 1] + 7) / 8 : 1; }
+Int4 pieces(Int4 var) { return isstring(var) ? stringpieces(typ[var - 1]) : 1; }
 
 std::uint64_t keyof(const UByte* cell, UByte type, Int4 piece) {
     return isstringtype(type) ? stringpiece(cell, type, piece) : orderedbits(readcell(cell, type));
@@ -81,49 +60,6 @@ void gatherkeys(keyrecord* r, const std::vector<span>& spans, Int4 var, Int4 pie
         if (keyrecord* y = later.next()) __builtin_prefetch(c.at(y->obs));
         x->key = keyof(c.at(x->obs), c.type, piece);
     }
-}
-
-void insertionsort(keyrecord* r, Int4 n) {
-    for (Int4 i = 1; i < n; i++) {
-        keyrecord x = r[i];
-        Int4 j = i;
-        for (; j > 0 && r[j - 1].key > x.key; j--) r[j] = r[j - 1];
-        r[j] = x;
-    }
-}
-
-// Sorts by key in place: buckets of equal width between the least and the greatest key, each sorted likewise. A
-// pass leaves at most 1/buckets of the range, so the depth is small whatever the keys are.
-void bucketsort(keyrecord* r, Int4 n) {
-    if (n <= 24) return insertionsort(r, n);
-    constexpr Int4 most = 2048;
-    Int4 bits = n > 60000 ? 11 : n > 2000 ? 8 : 5;
-    std::uint64_t least = r[0].key, greatest = r[0].key;
-    for (Int4 i = 1; i < n; i++) {
-        least = std::min(least, r[i].key);
-        greatest = std::max(greatest, r[i].key);
-    }
-    if (least == greatest) return;
-    Int4 shift = std::max(0, 64 - std::countl_zero(greatest - least) - bits);
-    Int4 nbuckets = Int4((greatest - least) >> shift) + 1;
-    Int4 next[most + 1], end[most + 1];
-    std::fill(end, end + nbuckets, 0);
-    for (Int4 i = 0; i < n; i++) end[(r[i].key - least) >> shift]++;
-    for (Int4 b = 0, at = 0; b < nbuckets; b++) {
-        next[b] = at;
-        end[b] = at += end[b];
-    }
-    for (Int4 b = 0; b < nbuckets; b++) {
-        while (next[b] < end[b]) {
-            keyrecord x = r[next[b]];
-            for (Int4 to = Int4((x.key - least) >> shift); to != b; to = Int4((x.key - least) >> shift))
-                std::swap(x, r[next[to]++]);
-            r[next[b]++] = x;
-        }
-    }
-    if (shift == 0) return;
-    for (Int4 b = 0, from = 0; b < nbuckets; from = end[b++])
-        if (end[b] - from > 1) bucketsort(r + from, end[b] - from);
 }
 
 // Sorts the records of the open runs by all pieces of all variables; what is left open are the runs that agree on

@@ -256,6 +256,8 @@ boolean exp_blockable(const exp& e, Int4 var) {
     return true;
 }
 
+boolean exp_maskable(Int4 var) { return !ifgiven || exp_blockable(ifexp, var); }
+
 void exp_getblock(exp& e, Int4 first, Int4 n, Double* out) {
     if (first + n - 1 > nobs || !hasblockform(e)) {
         for (Int4 i = 0; i < n; i++) out[i] = exp_getnum(e, first + i);

@@ -18,6 +18,8 @@ boolean exp_iftest(Int4 obs);
 // depends on which ones were evaluated or written before it: no subscripted or time-series load of `var`; no running
 // sum under an `if`, nor where `var` may be promoted in mid-block and rows are evaluated again.
 boolean exp_blockable(const exp& e, Int4 var);
+// The same of the `if`; true without one.
+boolean exp_maskable(Int4 var);
 // Values at observations first..first+n-1, 1 <= n <= blocksize, into out; e must be numeric and blockable. A program
 // that touches strings runs one observation at a time behind this call.
 void exp_getblock(exp& e, Int4 first, Int4 n, Double* out);

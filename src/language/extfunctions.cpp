@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 #include <vector>
+#include "base/columns.h"
 #include "base/platform.h"
 #include "base/text.h"
 #include "core/adopath.h"
@@ -375,6 +376,14 @@ Int4 ext_length(std::string& out) {
     std::string name;
     if (Int4 rc = macroreference(name)) return rc;
     out = std::to_string(macrotext(name).size());
+    return 0;
+}
+
+// columns {local|global} name: how wide the macro's text stands on a screen.
+Int4 ext_columns(std::string& out) {
+    std::string name;
+    if (Int4 rc = macroreference(name)) return rc;
+    out = std::to_string(textcolumns(macrotext(name)));
     return 0;
 }
 

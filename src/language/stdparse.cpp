@@ -1,6 +1,5 @@
 // The main loop reads the parts in any order through a table; what may stand, and what must, is told by the controls.
 #include "language/stdparse.h"
-#include <cmath>
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
@@ -10,7 +9,6 @@
 #include "data/run.h"
 #include "data/timeseries.h"
 #include "expr/compile.h"
-#include "expr/evaluate.h"
 #include "language/varlist.h"
 #include "output/errors.h"
 #include "output/print.h"
@@ -293,20 +291,6 @@ std::string entryname(Int4 i) {
     if (!vl_rcp[i].op) return name;
     char ops[24];
     return std::string(ts_text(vl_rcp[i].op, ops)) + "." + name;
-}
-
-Int4 weightat(Int4 obs, Double& w, boolean& use) {
-    use = true;
-    w = 1;
-    if (!weighttype) return 0;
-    w = exp_getnum(eqexp, obs);
-    if (w == missing || w == 0) {
-        use = false;
-        return 0;
-    }
-    if (w < 0) return error(402);
-    if (weighttype == weight_f && w != std::floor(w)) return error(401);
-    return 0;
 }
 
 }  // namespace velmo

@@ -108,7 +108,4 @@ Int4 entryop(Int4 i);
 // "L2.x" or the plain name, abbreviated by the caller.
 std::string entryname(Int4 i);
 
-// The weight of an observation: missing or zero excludes it (false in `use`). 0, 402 negative, 401 noninteger fweight.
-Int4 weightat(Int4 obs, Double& w, boolean& use);
-
 }  // namespace velmo

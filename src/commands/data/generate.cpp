@@ -3,12 +3,10 @@
 #include <cmath>
 #include <cstring>
 #include <string>
-#include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
 #include "data/cells.h"
-#include "data/run.h"
-#include "expr/evaluate.h"
+#include "expr/walk.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"
@@ -25,19 +23,19 @@ struct valueblock {
     UByte mask[blocksize];
     Double values[blocksize];
     explicit valueblock(Int4 written)
-        : maskblocks(!ifgiven || exp_blockable(ifexp, written)), valueblocks(exp_blockable(eqexp, written)) {}
+        : maskblocks(exp_maskable(written)), valueblocks(exp_blockable(eqexp, written)) {}
     boolean whole() const { return maskblocks && valueblocks; }
+    void start(Int4 from, Int4 count) {
+        first = from;
+        n = count;
+        if (maskblocks) exp_ifblock(first, n, mask);
+    }
 };
-
-void selectblock(valueblock& b) {
-    if (b.maskblocks) exp_ifblock(b.first, b.n, b.mask);
-}
 
 boolean selected(valueblock& b, Int4 i) { return b.maskblocks ? b.mask[i] : exp_iftest(b.first + i); }
 
 // All of a block at once: right when nothing is stored meanwhile that the expressions read.
 void computeblock(valueblock& b) {
-    selectblock(b);
     if (b.whole()) {
         if (std::memchr(b.mask, 1, std::size_t(b.n))) exp_getblock(eqexp, b.first, b.n, b.values);
         return;
@@ -48,21 +46,12 @@ void computeblock(valueblock& b) {
     }
 }
 
-template <class F> Int4 overblocks(valueblock& b, F one) {
-    for (b.first = firstobs; b.first <= lastobs; b.first += blocksize) {
-        b.n = std::min(blocksize, lastobs - b.first + 1);
-        one();
-        if (tick()) return 1;
-        if (lastobs - b.first < blocksize) break;
-    }
-    return 0;
-}
-
 Int4 generated = 0;      // missing values made, over all groups
 
 Int4 fillnumeric(Int4 var) {
     valueblock b(0);
-    return overblocks(b, [&] {
+    return overblocks([&](Int4 first, Int4 n) {
+        b.start(first, n);
         computeblock(b);
         for (Int4 i = 0; i < b.n; i++) {
             boolean kept = b.mask[i] && b.values[i] < missing;
@@ -74,14 +63,16 @@ Int4 fillnumeric(Int4 var) {
 }
 
 Int4 fillstring(Int4 var) {
+    valueblock b(0);
     char text[strbufsize];
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        Int4 n = exp_iftest(obs) ? exp_getstr(eqexp, obs, text) : 0;
-        if (n == 0) generated++;
-        putstr(var, obs, {text, std::size_t(n)});
-        if (tick()) return 1;
-    }
-    return 0;
+    return overblocks([&](Int4 first, Int4 n) {
+        b.start(first, n);
+        for (Int4 i = 0; i < n; i++) {
+            Int4 length = selected(b, i) ? exp_getstr(eqexp, first + i, text) : 0;
+            generated += length == 0;
+            putstr(var, first + i, {text, std::size_t(length)});
+        }
+    });
 }
 
 // Outside the range everything is missing, and counts.
@@ -148,11 +139,9 @@ void replacecell(Int4 var, column& cells, Int4 obs, Double v, boolean& promote) 
 Int4 replacenumeric(Int4 var, boolean promote) {
     column cells(var);
     valueblock b(var);
-    return overblocks(b, [&] {
-        if (b.whole())
-            computeblock(b);
-        else
-            selectblock(b);
+    return overblocks([&](Int4 first, Int4 n) {
+        b.start(first, n);
+        if (b.whole()) computeblock(b);
         for (Int4 i = 0; i < b.n; i++)
             if (selected(b, i))
                 replacecell(var, cells, b.first + i, b.whole() ? b.values[i] : exp_getnum(eqexp, b.first + i), promote);
@@ -161,11 +150,9 @@ Int4 replacenumeric(Int4 var, boolean promote) {
 
 Int4 replacestring(Int4 var, boolean promote) {
     char text[strbufsize];
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        if (tick()) return 1;
-        if (!exp_iftest(obs)) continue;
+    return overobs([&](Int4 obs) {
         std::string_view value(text, std::size_t(exp_getstr(eqexp, obs, text)));
-        if (strcell(var, obs) == value) continue;
+        if (strcell(var, obs) == value) return;
         if (promote && value.size() > typ[var - 1]) {
             promoted(var, UByte(std::min<std::size_t>(value.size(), maxstrtype)), promote);
             if (value.size() > maxstrtype) promote = false;
@@ -173,8 +160,7 @@ Int4 replacestring(Int4 var, boolean promote) {
         putstr(var, obs, value);
         counts.real++;
         if (value.size() > typ[var - 1]) counts.truncated++;
-    }
-    return 0;
+    }, var);
 }
 
 void replacereport(Int4 var) {

@@ -15,10 +15,9 @@
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/labels.h"
-#include "data/run.h"
 #include "data/sorting.h"
-#include "expr/evaluate.h"
 #include "expr/value.h"
+#include "expr/walk.h"
 #include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
@@ -421,11 +420,10 @@ namespace {
 
 // Observations of the run with a text, in the order of their texts.
 Int4 textorder(Int4 source, std::vector<Int4>& list) {
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        if (exp_iftest(obs) && !strcell(source, obs).empty()) list.push_back(obs);
-        if (tick()) return 1;
-    }
-    Int4 rc = list.empty() ? 0 : sortlist(list.data(), Int4(list.size()), source);
+    Int4 rc = overobs([&](Int4 obs) {
+        if (!strcell(source, obs).empty()) list.push_back(obs);
+    });
+    if (!rc && !list.empty()) rc = sortlist(list.data(), Int4(list.size()), source);
     return rc > 1 ? error(rc) : rc;
 }
 
@@ -510,12 +508,11 @@ Int4 cmd_decode() {
     if (!label.exists) return errorf(111, "value label %s not found\n", lbl[source - 1]);
     if (Int4 rc = addvar(name, UByte(std::min(longesttext(label), maxlength)))) return rc;
     Int4 var = nvar;
-    for (Int4 obs = 1; obs <= nobs; obs++) {
-        boolean selected = obs >= firstobs && obs <= lastobs && exp_iftest(obs);
-        const char* text = selected ? label.find(getobs(source, obs)) : nullptr;
-        putstr(var, obs, text ? text : "");
-        if (tick()) return 1;
-    }
+    for (Int4 obs = 1; obs <= nobs; obs++) clearcell(var, obs);
+    Int4 rc = overobs([&](Int4 obs) {
+        if (const char* text = label.find(getobs(source, obs))) putstr(var, obs, text);
+    });
+    if (rc) return rc;
     if (Int4 rc = putvarlabel(varlist[var - 1], getvarlabel(varlist[source - 1]))) return rc;
     visnvar = nvar;
     datachanged = 1;

@@ -1,5 +1,4 @@
 // mark, markout, marksample: 0/1 variables that tell which observations a program works on.
-#include <cmath>
 #include <string>
 #include <vector>
 #include "base/memalloc.h"
@@ -7,10 +6,9 @@
 #include "base/text.h"
 #include "core/macros.h"
 #include "data/cells.h"
-#include "data/run.h"
 #include "data/timeseries.h"
+#include "estimate/sample.h"
 #include "expr/compile.h"
-#include "expr/evaluate.h"
 #include "language/expand.h"
 #include "language/stdparse.h"
 #include "language/words.h"
@@ -32,26 +30,12 @@ Int4 narrowtogroup(UByte* flags) {
     return 0;
 }
 
-// Clears the flag of an observation whose weight excludes it.
-Int4 weighted(Int4 obs, boolean keepzero, UByte& flag) {
-    Double w = exp_getnum(eqexp, obs);
-    if (w == missing || (w == 0 && !keepzero)) flag = 0;
-    if (w == missing) return 0;
-    if (w < 0) return error(402);
-    return weighttype == weight_f && w != std::floor(w) ? error(401) : 0;
-}
-
 Int4 selectflags(boolean keepzero, UByte* flags) {
-    for (Int4 first = firstobs; first <= lastobs; first += blocksize) {
-        Int4 n = std::min(blocksize, lastobs - first + 1);
+    Double weight[blocksize];
+    return overblocks([&](Int4 first, Int4 n) {
         exp_ifblock(first, n, flags + first - 1);
-        for (Int4 obs = first; weighttype && obs < first + n; obs++)
-            if (flags[obs - 1])
-                if (Int4 rc = weighted(obs, keepzero, flags[obs - 1])) return rc;
-        if (tick()) return 1;
-        if (lastobs - first < blocksize) break;
-    }
-    return 0;
+        return weighttype ? weighblock(first, n, flags + first - 1, weight, keepzero) : 0;
+    });
 }
 
 // mark, from its arguments at the cursor. The variable is made once all its values are known.

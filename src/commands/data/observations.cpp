@@ -8,9 +8,8 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "data/cells.h"
-#include "data/run.h"
 #include "data/sorting.h"
-#include "expr/evaluate.h"
+#include "expr/walk.h"
 #include "language/stdparse.h"
 #include "matrix/results.h"
 #include "output/errors.h"
@@ -19,19 +18,6 @@
 namespace velmo {
 
 namespace {
-
-// Calls block(first, n, mask) for the run in pieces of up to 256 observations.
-template <class F> Int4 overblocks(F block) {
-    UByte mask[blocksize];
-    for (Int4 first = firstobs; first <= lastobs; first += blocksize) {
-        Int4 n = std::min(blocksize, lastobs - first + 1);
-        exp_ifblock(first, n, mask);
-        block(first, n, mask);
-        if (tick()) return 1;
-        if (lastobs - first < blocksize) break;
-    }
-    return 0;
-}
 
 Int4 dropvariables(boolean keep) {
     std::vector<UByte> marks(std::size_t(nvar), keep ? 1 : 0);
@@ -47,7 +33,7 @@ std::vector<UByte> flags;
 Int4 dropobservations(boolean keep) {
     if (nobs == 0) return notef("(0 observations deleted)\n");
     if (bymode <= 1) flags.assign(std::size_t(nobs), keep ? 1 : 0);
-    Int4 rc = overblocks([&](Int4 first, Int4 n, const UByte* mask) {
+    Int4 rc = overmasks([&](Int4 first, Int4 n, const UByte* mask) {
         for (Int4 i = 0; i < n; i++) flags[std::size_t(first - 1 + i)] = mask[i] != keep;
     });
     if (rc || (bymode && !bylastgroup)) return rc;
@@ -105,14 +91,13 @@ Int4 copyobservation(Int4 obs, Int4 copies) {
 // expand [=]exp [if] [in]: copies behind the data, one fewer than the value.
 Int4 cmd_expand() {
     if (Int4 rc = stdparse({.varlist = never, .exp = must, .bareexp = true, .options = never})) return rc;
-    Int4 before = nobs, rc = 0;
+    Int4 before = nobs;
     // The run's end was fixed when the command was parsed: the copies don't take part.
-    for (Int4 obs = firstobs; obs <= lastobs && !rc; obs++) {
-        if (!exp_iftest(obs)) continue;
+    Int4 rc = overobs([](Int4 obs) {
         Double v = exp_getnum(eqexp, obs);
-        if (v >= missing || v < 2) continue;
-        rc = copyobservation(obs, v > 2147483647.0 ? 2147483646 : Int4(v) - 1);
-    }
+        if (v >= missing || v < 2) return 0;
+        return copyobservation(obs, v > 2147483647.0 ? 2147483646 : Int4(v) - 1);
+    });
     Int4 created = nobs - before;
     if (created) {
         srt[0] = 0;
@@ -126,7 +111,7 @@ Int4 cmd_expand() {
 Int4 cmd_count() {
     if (Int4 rc = parseif(never)) return rc;
     Int4 n = 0;
-    Int4 rc = overblocks([&](Int4, Int4 count, const UByte* mask) { n += Int4(std::count(mask, mask + count, 1)); });
+    Int4 rc = overmasks([&](Int4, Int4 count, const UByte* mask) { n += Int4(std::count(mask, mask + count, 1)); });
     if (rc) return rc;
     rclear();
     rstore("N", n);
@@ -139,7 +124,7 @@ namespace {
 Int4 tested = 0, contradicted = 0;     // observations over all groups
 Int4 groups = 0;                       // that had one to test
 
-Int4 assertblock(Int4 first, Int4 n, const UByte* mask) {
+void assertblock(Int4 first, Int4 n, const UByte* mask) {
     Double values[blocksize];
     boolean blocks = exp_blockable(eqexp, 0);
     if (blocks) exp_getblock(eqexp, first, n, values);
@@ -148,7 +133,6 @@ Int4 assertblock(Int4 first, Int4 n, const UByte* mask) {
         tested++;
         if ((blocks ? values[i] : exp_getnum(eqexp, first + i)) == 0) contradicted++;
     }
-    return 0;
 }
 
 }  // namespace
@@ -160,7 +144,7 @@ Int4 cmd_assert() {
     if (Int4 rc = getopt_done()) return rc;
     if (bymode <= 1) tested = contradicted = groups = 0;
     Int4 before = tested;
-    if (Int4 rc = overblocks([](Int4 first, Int4 n, const UByte* mask) { assertblock(first, n, mask); })) return rc;
+    if (Int4 rc = overmasks(assertblock)) return rc;
     groups += tested > before;
     if (bymode && !bylastgroup) return 0;
     if (tested == 0) notef("(null assertion)\n");

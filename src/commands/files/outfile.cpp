@@ -1,10 +1,8 @@
 // outfile: the dataset as text in columns or with commas, with a dictionary of its own, or the strings run together.
 #include <cstring>
-#include "base/poll.h"
 #include "base/text.h"
 #include "commands/files/celltext.h"
-#include "data/run.h"
-#include "expr/evaluate.h"
+#include "expr/walk.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 
@@ -143,16 +141,13 @@ Int4 writeobservations(bytewriter& w, const outfileoptions& o) {
     writing s{o, {}, std::vector<UByte>(std::size_t(vl_n)), {&w, 0, 0, 0}};
     cells_start(s.cells, vl_vr, vl_n, o.cells);
     if (o.dictionary) writedictionary(w, s.cells, s.breaks);
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        if (tick()) return 1;
-        if (ifgiven && !exp_iftest(obs)) continue;
+    return overobs([&](Int4 obs) {
         if (o.runtogether)
             writestrings(s, rowptr(obs));
         else
             writerow(s, rowptr(obs));
-        if (w.failed) return 699;
-    }
-    return 0;
+        return w.failed ? 699 : 0;
+    });
 }
 
 // ---- The command.

@@ -1,10 +1,8 @@
 // outsheet: the dataset as delimited text.
-#include "base/poll.h"
 #include "commands/files/celltext.h"
 #include "core/webfile.h"
 #include "data/dataset.h"
-#include "data/run.h"
-#include "expr/evaluate.h"
+#include "expr/walk.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 
@@ -39,13 +37,10 @@ Int4 writerows(bytewriter& w, const outsheetoptions& o) {
     cells_start(cells, vl_vr, vl_n, o.cells);
     char separator = o.comma ? ',' : '\t';
     if (o.names) writenames(w, separator);
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        if (tick()) return 1;
-        if (ifgiven && !exp_iftest(obs)) continue;
+    return overobs([&](Int4 obs) {
         writerow(w, cells, o.cells, rowptr(obs), separator);
-        if (w.failed) return 699;
-    }
-    return 0;
+        return w.failed ? 699 : 0;
+    });
 }
 
 }  // namespace

@@ -4,13 +4,11 @@
 #include <cstring>
 #include <string>
 #include "base/columns.h"
-#include "base/poll.h"
 #include "base/text.h"
 #include "commands/tables/tabletext.h"
 #include "data/cells.h"
 #include "data/labels.h"
-#include "data/run.h"
-#include "expr/evaluate.h"
+#include "expr/walk.h"
 #include "language/stdparse.h"
 #include "matrix/results.h"
 #include "output/errors.h"
@@ -51,13 +49,11 @@ struct inspection {
 boolean iswhole(Double x) { return x > -2147483649.0 && x < 2147483648.0 && x == Double(Int4(x)); }
 
 Int4 gather(Int4 var, inspection& out) {
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        if (tick()) return 1;
-        if (ifgiven && !exp_iftest(obs)) continue;
+    return overobs([&](Int4 obs) {
         Double x = getobs(var, obs);
         if (x == missing) {
             out.missings++;
-            continue;
+            return;
         }
         Int4 row = x < 0 ? row_negative : x > 0 ? row_positive : row_zero;
         out.count[row]++;
@@ -65,8 +61,7 @@ Int4 gather(Int4 var, inspection& out) {
         if (x < out.min) out.min = x;
         if (x > out.max) out.max = x;
         out.unique.add(Float(x + 0.0));
-    }
-    return 0;
+    });
 }
 
 // Heights 0 to 6 of up to five bars. 0, or 1 on a break.
@@ -76,15 +71,14 @@ Int4 histogram(Int4 var, const inspection& x, Int4 bars, Int4 (&height)[5]) {
     if (bars < 2) return 0;
     Int4 count[5] = {}, largest = 0;
     Double range = x.max - x.min;
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        if (tick()) return 1;
-        if (ifgiven && !exp_iftest(obs)) continue;
+    Int4 rc = overobs([&](Int4 obs) {
         Double v = getobs(var, obs);
-        if (v == missing) continue;
+        if (v == missing) return;
         Double place = (v - x.min) / range * bars;
         Int4 bin = place >= bars ? bars - 1 : Int4(place);
         largest = std::max(largest, ++count[bin]);
-    }
+    });
+    if (rc) return rc;
     for (Int4 b = 0; b < bars; b++) height[b] = Int4((6.0 * count[b] + 0.5) / largest);
     return 0;
 }

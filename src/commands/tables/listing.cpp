@@ -3,13 +3,11 @@
 #include <string>
 #include <vector>
 #include "base/columns.h"
-#include "base/poll.h"
 #include "base/text.h"
 #include "commands/tables/tabletext.h"
 #include "data/cells.h"
 #include "data/labels.h"
-#include "data/run.h"
-#include "expr/evaluate.h"
+#include "expr/walk.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -165,12 +163,10 @@ Int4 cmd_list() {
     if (Int4 rc = getopt_done()) return rc;
     if (columns.empty()) return 0;
     if (!display && o.header) tablehead(columns, o);
-    for (Int4 obs = firstobs; obs <= lastobs; obs++) {
-        if (tick()) return 1;
-        if (ifgiven && !exp_iftest(obs)) continue;
-        if (Int4 rc = display ? displayobservation(columns, o, obs) : tablerow(columns, o, obs)) return rc;
-    }
-    return breakpending;
+    Int4 rc = overobs([&](Int4 obs) {
+        return display ? displayobservation(columns, o, obs) : tablerow(columns, o, obs);
+    });
+    return rc ? rc : breakpending;
 }
 
 }  // namespace velmo

@@ -2,11 +2,6 @@
 * egen's count(): the number of nonmissing values of a group, of strings too
 program define _gcount
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by') strings
-	quietly {
-		`s(by)' generate long `varlist' = sum(!missing(`x'))
-		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-	}
+	syntax newvarname =/exp [if] [in] [, BY(passthru)]
+	_egstat count long `varlist' = `exp' `if' `in', `by' strings
 end

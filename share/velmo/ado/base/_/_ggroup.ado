@@ -4,18 +4,17 @@ program define _ggroup
 	version 7.0
 	_egvars `0'
 	syntax varlist [if] [in] [, BY(varlist) Missing Label]
-	tempvar use first
+	tempvar use number first least
 	mark `use' `if' `in'
 	if "`missing'" == "" {
 		markout `use' `varlist', strok
 	}
 	quietly {
-		sort `use' `by' `varlist'
-		generate byte `first' = .
-		generate long `new' = .
-		by `use' `by' `varlist': replace `first' = _n == 1
-		by `use' `by': replace `new' = sum(`first')
-		replace `new' = . if !`use'
+		_bygroup `new' = `by' `varlist' if `use', missing number(`number') first(`first')
+		if "`by'" != "" {
+			_bystats `least' = min(`new') if `use', by(`by')
+			replace `new' = `new' - `least' + 1
+		}
 	}
 	label variable `new' "group(`varlist')"
 	if "`label'" != "" {
@@ -24,24 +23,22 @@ program define _ggroup
 			exit 190
 		}
 		_egfree `s(newvar)'
-		Label `new' `first' `use' `varlist'
+		quietly Label `new' `number' `first' `varlist'
 	}
 end
 
 * A value label, named as the variable will be, from the values of the first observation of each group.
 program define Label
 	gettoken new 0 : 0
+	gettoken number 0 : 0
 	gettoken first 0 : 0
-	gettoken use 0 : 0
 	tempvar text
-	_gconcat str1 `text' = (`0') if `first' & `use', decode punct(" ")
-	quietly replace `first' = !(`first' & `use')
-	sort `first' `new'
-	quietly count if !`first'
+	_gconcat str1 `text' = (`0') if `number' == 1, decode punct(" ")
+	count if `first' < .
 	local name `s(newvar)'
 	forvalues i = 1/`r(N)' {
-		if `text'[`i'] != "" {
-			label define `name' `i' = `text'[`i'], add
+		if `text'[`first'[`i']] != "" {
+			label define `name' `i' = `text'[`first'[`i']], add
 		}
 	}
 	label values `new' `name'

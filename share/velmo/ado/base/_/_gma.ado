@@ -4,7 +4,7 @@ program define _gma
 	version 7.0
 	syntax newvarname =/exp [if] [in] [, BY(varlist) T(integer 3) NOMISS]
 	tempvar x sample total n
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
+	_egby `x' `sample' = `exp' `if' `in', by(`by') sorted
 	if `t' < 1 | mod(`t', 2) != 1 {
 		display as error "t() must be odd and positive"
 		exit 198

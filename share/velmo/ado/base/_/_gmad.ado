@@ -3,12 +3,9 @@
 program define _gmad
 	version 7.0
 	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample median deviation
+	tempvar x sample median
 	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	if "`by'" != "" {
-		local by , by(`by')
-	}
-	_gmedian double `median' = `x' if `sample' `by'
-	quietly generate double `deviation' = abs(`x' - `median')
-	_gmedian `typlist' `varlist' = `deviation' if `sample' `by'
+	_bystats double `median' = median(`x') if `sample', by(`by')
+	quietly replace `x' = abs(`x' - `median')
+	_bystats `typlist' `varlist' = median(`x') if `sample', by(`by')
 end

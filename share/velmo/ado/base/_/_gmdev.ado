@@ -5,10 +5,7 @@ program define _gmdev
 	syntax newvarname =/exp [if] [in] [, BY(varlist)]
 	tempvar x sample mean
 	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	quietly {
-		`s(by)' generate double `mean' = sum(`x') / sum(`x' < .)
-		`s(by)' replace `mean' = `mean'[_N]
-		`s(by)' generate `typlist' `varlist' = sum(abs(`x' - `mean')) / sum(`x' < .)
-		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-	}
+	_bystats double `mean' = mean(`x') if `sample', by(`by')
+	quietly replace `x' = abs(`x' - `mean')
+	_bystats `typlist' `varlist' = mean(`x') if `sample', by(`by')
 end

@@ -2,11 +2,5 @@
 * egen's mean(): the mean of a group
 program define _gmean
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	quietly {
-		`s(by)' generate `typlist' `varlist' = sum(`x') / sum(`x' < .)
-		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-	}
+	_egstat mean `0'
 end

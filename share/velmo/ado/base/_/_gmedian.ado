@@ -2,6 +2,5 @@
 * egen's median(): the median of a group
 program define _gmedian
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(passthru)]
-	_gpctile `typlist' `varlist' = `exp' `if' `in', `by' p(50)
+	_egstat median `0'
 end

@@ -2,12 +2,5 @@
 * egen's min(): the smallest value of a group
 program define _gmin
 	version 7.0
-	syntax newvarname =/exp [if] [in] [, BY(varlist)]
-	tempvar x sample
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	quietly {
-		generate `typlist' `varlist' = `x'
-		`s(by)' replace `varlist' = min(`varlist'[_n-1], `x')
-		`s(by)' replace `varlist' = cond(`sample', `varlist'[_N], .)
-	}
+	_egstat min `0'
 end

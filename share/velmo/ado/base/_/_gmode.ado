@@ -3,7 +3,7 @@
 program define _gmode
 	version 7.0
 	syntax newvarname =/exp [if] [in] [, BY(varlist) MINmode MAXmode NUMmode(integer 0) Missing]
-	tempvar x sample use times most first which modes
+	tempvar x sample use value times most mode first low high
 	_egby `x' `sample' = `exp' `if' `in', by(`by') strings
 	if ("`minmode'" != "") + ("`maxmode'" != "") + (`nummode' > 0) > 1 {
 		display as error "only one of minmode, maxmode and nummode() may be specified"
@@ -18,26 +18,25 @@ program define _gmode
 		if "`missing'" == "" {
 			markout `use' `x', strok
 		}
-		sort `s(key)' `use' `x'
-		generate long `times' = .
-		by `s(key)' `use' `x': replace `times' = cond(`use', _N, 0)
-		generate long `most' = `times'
-		`s(by)' replace `most' = max(`most'[_n-1], `times')
-		`s(by)' replace `most' = `most'[_N]
-		generate byte `first' = .
-		by `s(key)' `use' `x': replace `first' = _n == 1 & `use' & `times' == `most'
-		`s(by)' generate long `which' = sum(`first')
-		`s(by)' generate long `modes' = `which'[_N]
-		local choice = cond(`nummode' > 0, "`nummode'", cond("`minmode'" != "", "1", "`modes'"))
-		if "`minmode'`maxmode'" == "" & `nummode' == 0 {
-			count if `modes' > 1 & `sample'
+		_bygroup `value' = `by' `x' if `use', missing count(`times')
+		_bystats `most' = max(`times') if `use', by(`by')
+		* the modes of a group have numbers one after the other
+		_bygroup `mode' = `value' if `times' == `most', first(`first')
+		_bystats `low' = min(`mode') `high' = max(`mode') if `sample', by(`by')
+		local choice `low'
+		if "`maxmode'" != "" {
+			local choice `high'
+		}
+		else if `nummode' > 0 {
+			replace `low' = cond(`low' + `nummode' - 1 <= `high', `low' + `nummode' - 1, .)
+		}
+		else if "`minmode'" == "" {
+			count if `low' < `high'
 			if r(N) {
 				noisily display as text "(some groups have several modes: minmode, maxmode or nummode() choose)"
 			}
-			replace `first' = 0 if `modes' > 1
+			replace `low' = . if `low' < `high'
 		}
-		replace `first' = 0 if `which' != `choice'
-		sort `s(key)' `first'
-		`s(by)' generate `type' `varlist' = `x'[_N] if `sample' & `first'[_N]
+		generate `type' `varlist' = `x'[`first'[`choice']] if `choice' < .
 	}
 end

@@ -6,8 +6,6 @@ program define _gpc
 	tempvar x sample total
 	_egby `x' `sample' = `exp' `if' `in', by(`by')
 	local whole = cond("`prop'" == "", 100, 1)
-	quietly {
-		`s(by)' generate double `total' = sum(`x')
-		`s(by)' generate `typlist' `varlist' = `whole' * (`x' / `total'[_N])
-	}
+	_bystats double `total' = sum(`x') if `sample', by(`by')
+	quietly generate `typlist' `varlist' = `whole' * (`x' / `total')
 end

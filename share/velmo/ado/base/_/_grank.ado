@@ -4,7 +4,7 @@ program define _grank
 	version 7.0
 	syntax newvarname =/exp [if] [in] [, BY(varlist) Field Track Unique]
 	tempvar x sample order place n
-	_egby `x' `sample' = `exp' `if' `in', by(`by')
+	_egby `x' `sample' = `exp' `if' `in', by(`by') sorted
 	if ("`field'" != "") + ("`track'" != "") + ("`unique'" != "") > 1 {
 		display as error "only one of field, track and unique may be specified"
 		exit 198

@@ -9,10 +9,6 @@ program define _gstd
 		display as error "std() must be positive"
 		exit 198
 	}
-	quietly {
-		`s(by)' generate double `m' = sum(`x') / sum(`x' < .)
-		`s(by)' replace `m' = `m'[_N]
-		`s(by)' generate double `s' = sqrt(sum((`x' - `m')^2) / cond(sum(`x' < .) > 1, sum(`x' < .) - 1, .))
-		`s(by)' generate `typlist' `varlist' = (`x' - `m') / `s'[_N] * (`std') + (`mean') if `s'[_N] > 0 & `s'[_N] < .
-	}
+	_bystats `m' = mean(`x') `s' = sd(`x') if `sample', by(`by')
+	quietly generate `typlist' `varlist' = (`x' - `m') / `s' * (`std') + (`mean') if `s' > 0 & `s' < .
 end

@@ -3,14 +3,10 @@
 program define _gsum
 	version 7.0
 	syntax newvarname =/exp [if] [in] [, BY(varlist) Missing]
-	tempvar x sample some
+	tempvar x sample n
 	_egby `x' `sample' = `exp' `if' `in', by(`by')
-	quietly {
-		generate byte `some' = 1
-		if "`missing'" != "" {
-			`s(by)' replace `some' = sum(`x' < .) > 0
-		}
-		`s(by)' generate `typlist' `varlist' = sum(`x')
-		`s(by)' replace `varlist' = cond(`sample' & `some'[_N], `varlist'[_N], .)
+	_bystats `typlist' `varlist' = sum(`x') `n' = count(`x') if `sample', by(`by')
+	if "`missing'" != "" {
+		quietly replace `varlist' = . if !`n'
 	}
 end

@@ -4,15 +4,13 @@ program define _gtag
 	version 7.0
 	_egvars `0'
 	syntax varlist [if] [in] [, BY(varlist) Missing]
-	tempvar use order
+	tempvar use group number
 	mark `use' `if' `in'
 	if "`missing'" == "" {
 		markout `use' `varlist', strok
 	}
 	quietly {
-		generate long `order' = _n
-		sort `use' `by' `varlist' `order'
-		generate byte `new' = .
-		by `use' `by' `varlist': replace `new' = _n == 1 & `use'
+		_bygroup `group' = `by' `varlist' if `use', missing number(`number')
+		generate byte `new' = `number' == 1
 	}
 end

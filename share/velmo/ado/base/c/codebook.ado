@@ -1,6 +1,6 @@
 *! version 1.0.0  21nov2026
 * codebook: what is in each variable: type, label, range, units, how many values and missing ones, the values themselves
-program define codebook, sortpreserve
+program define codebook
 	version 7.0
 	syntax [varlist] [if] [in] [, Tabulate(integer 9) Notes]
 	if "`if'`in'" != "" {
@@ -32,12 +32,13 @@ program define Title
 	if _local(label) == "" {
 		local label "(unlabeled)"
 	}
-	local gap = 79 - length("`v'") - length(_local(label))
+	local wide : columns local label
+	local gap = 79 - length("`v'") - `wide'
 	display
 	display as text "{hline 79}"
 	if `gap' < 2 {
 		display as result "`v'"
-		local gap = max(0, 79 - length(_local(label)))
+		local gap = max(0, 79 - `wide')
 		display _skip(`gap') as text _asis _text(label)
 	}
 	else {
@@ -59,19 +60,15 @@ program define Item
 	}
 end
 
-* Sorts by the variable and counts: the observations with a value, the distinct values, and how often each occurs.
+* Counts: the observations with a value, the distinct values, and how often each occurs; first tells an observation with
+* each distinct value, missing ones too, in their order.
 program define Distinct
-	args v often n unique
-	tempvar first
-	quietly {
-		sort `v'
-		by `v': generate byte `first' = _n == 1 & !missing(`v')
-		by `v': generate long `often' = _N
-		count if `first'
-		c_local `unique' `r(N)'
-		count if !missing(`v')
-		c_local `n' `r(N)'
-	}
+	args v often first n unique
+	tempvar group all
+	_bygroup `group' = `v'
+	c_local `unique' `r(N_groups)'
+	c_local `n' `r(N)'
+	_bygroup `all' = `v', missing count(`often') first(`first')
 end
 
 * How values are written: f is a number's format, empty for strings; dated tells of dates.
@@ -92,12 +89,12 @@ end
 
 program define Numeric
 	args v most
-	tempvar often
+	tempvar often first
 	local type : type `v'
 	local label : value label `v'
 	Shown `v'
 	local kind = cond(`dated', "numeric date", "numeric")
-	Distinct `v' `often' n unique
+	Distinct `v' `often' `first' n unique
 	Item type "`kind' (`type')"
 	if "`label'" != "" {
 		Gaps `v' `label' `n' `unique'
@@ -119,7 +116,7 @@ program define Numeric
 	}
 	display
 	if `unique' <= `most' {
-		Table `v' `often'
+		Table `v' `often' `first'
 	}
 	else if "`label'" != "" {
 		Examples `v' `n'
@@ -130,14 +127,14 @@ program define Numeric
 			Item "std. dev." "`sd'"
 			display
 		}
-		Percentiles `v' `n'
+		Percentiles `v'
 	}
 end
 
 * The value label, and how many of the distinct values it leaves out.
 program define Gaps
 	args v label n unique
-	tempvar text first
+	tempvar text group
 	quietly {
 		capture decode `v', generate(`text')
 		error _rc == 1
@@ -145,12 +142,11 @@ program define Gaps
 			noisily Item label "`label', which does not exist"
 			exit
 		}
-		by `v': generate byte `first' = _n == 1 & !missing(`v') & `text' == ""
-		count if `first'
+		_bygroup `group' = `v' if `text' == ""
 	}
 	local gap
-	if r(N) {
-		local gap ", but `r(N)' of `unique' values are not labeled"
+	if r(N_groups) {
+		local gap ", but `r(N_groups)' of `unique' values are not labeled"
 	}
 	Item label "`label'`gap'"
 end
@@ -191,9 +187,9 @@ end
 
 program define String
 	args v most
-	tempvar often length
+	tempvar often first length
 	local type : type `v'
-	Distinct `v' `often' n unique
+	Distinct `v' `often' `first' n unique
 	quietly generate int `length' = length(`v')
 	quietly summarize `length', meanonly
 	local longest
@@ -209,7 +205,7 @@ program define String
 	}
 	display
 	if `unique' <= `most' {
-		Table `v' `often'
+		Table `v' `often' `first'
 	}
 	else {
 		Examples `v' `n'
@@ -242,26 +238,27 @@ program define Blanks
 	}
 end
 
-* The data are sorted by the variable: a step for each value, missing ones last for numbers and first for strings.
+* A step for each value, missing ones last for numbers and first for strings.
 program define Table
-	args v often
+	args v often first
 	local label : value label `v'
 	Shown `v'
-	local i 1
 	local string = _local(f) == ""
 	local head = cond(`string', "Value", cond("`label'" == "", "Value", "Value  Label"))
 	display as text %22s "tabulation" ":  " %10s "Freq." _skip(cond(`string', 2, 7)) "`head'"
-	while `i' <= _N {
-		display as text _skip(25) as result %10.0f `often'[`i'] "  " _continue
-		Value `v' `i'
-		local i = `i' + `often'[`i']
+	quietly count if `first' < .
+	forvalues i = 1/`r(N)' {
+		local at = `first'[`i']
+		display as text _skip(25) as result %10.0f `often'[`at'] "  " _continue
+		Value `v' `at'
 	}
 end
 
 * Four values, each a fifth of the observations further on.
-program define Examples
+program define Examples, sortpreserve
 	args v n
 	Shown `v'
+	sort `v'
 	local empty = cond(_local(f) == "", _N - `n', 0)
 	forvalues i = 1/4 {
 		local at = `empty' + int(`n' * `i' / 5) + 1
@@ -275,18 +272,14 @@ program define Examples
 	}
 end
 
-* Percentiles as summarize, detail has them, from the sorted variable.
 program define Percentiles
-	args v n
+	args v
 	Shown `v'
+	quietly summarize `v', detail
 	display as text %22s "percentiles" ":  " %10s "10%" %10s "25%" %10s "50%" %10s "75%" %10s "90%"
 	display _skip(25) _continue
 	foreach p in 10 25 50 75 90 {
-		local k = int((`n' * `p') / 100)
-		local value = string(`v'[`k' + 1], _local(f))
-		if `k' * 100 == `n' * `p' {
-			local value = string((`v'[`k'] + `v'[`k' + 1]) / 2, _local(f))
-		}
+		local value = string(r(p`p'), _local(f))
 		display as result %10s trim(_local(value)) _continue
 	}
 	display
@@ -310,7 +303,8 @@ program define Value
 		}
 	}
 	local value = trim(string(`v'[`i'], _local(f)))
-	local gap = max(0, 10 - length(_local(value)))
+	local wide : columns local value
+	local gap = max(0, 10 - `wide')
 	display as result _asis _skip(`gap') _text(value) cond(_local(text) == "", "", "  ") _text(text)
 end
 

@@ -16,24 +16,14 @@ program define contract
 	if "`miss'" != "" {
 		markout `touse' `varlist', strok
 	}
+	if "`weight'" != "" {
+		local exp [`weight' `exp']
+	}
 	preserve
 	quietly {
-		tempvar w count
-		keep if `touse'
-		if _N == 0 {
-			noisily error 2000
-		}
-		if "`weight'" != "" {
-			generate double `w' `exp'
-		}
-		else {
-			generate byte `w' = 1
-		}
-		keep `varlist' `w'
-		sort `varlist'
-		by `varlist': generate double `count' = sum(`w')
-		by `varlist': keep if _n == _N
-		drop `w'
+		tempvar count
+		noisily _bystats double `count' = count() `exp' if `touse', by(`varlist') reduce
+		keep `varlist' `count'
 		if "`zero'" != "" {
 			fillin `varlist'
 			replace `count' = 0 if _fillin

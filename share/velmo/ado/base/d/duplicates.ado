@@ -26,23 +26,14 @@ program define duplicates, rclass
 	return add
 end
 
-* Sorts, and makes copies, how many observations of the sample agree, and which of them this one is; both are missing
-* outside the sample.
+* Makes copies, how many observations of the sample agree, and which of them this one is; both are missing outside the
+* sample.
 program define Copies
 	gettoken sample 0 : 0
 	gettoken copies 0 : 0
 	gettoken which 0 : 0
-	tempvar order
-	quietly {
-		generate long `order' = _n
-		sort `sample' `0' `order'
-		* nothing has no groups, in which a variable could be made
-		if _N {
-			local by by `sample' `0':
-		}
-		`by' generate long `copies' = _N if `sample'
-		`by' generate long `which' = _n if `sample'
-	}
+	tempvar group
+	_bygroup `group' = `0' if `sample', missing count(`copies') number(`which')
 end
 
 program define Heading
@@ -64,36 +55,26 @@ program define Typed
 	c_local typed `first'
 end
 
-program define Report, rclass sortpreserve
+program define Report, rclass
 	version 7.0
 	Typed `0'
 	syntax [varlist] [if] [in]
 	marksample sample, novarlist
-	tempvar copies which first
+	tempvar copies which group total first
 	Copies `sample' `copies' `which' `varlist'
 	Heading "`varlist'" `typed'
-	quietly {
-		sort `copies' `which'
-		tempvar total
-		if _N {
-			local by by `copies':
-		}
-		`by' generate byte `first' = _n != 1 | `copies' >= .
-		`by' generate long `total' = _N
-		count if `which' == 1
-		return scalar unique_value = r(N)
-		count if `sample'
-		return scalar N = r(N)
-		sort `first' `copies'
-		count if !`first'
-	}
+	quietly count if `which' == 1
+	return scalar unique_value = r(N)
+	_bygroup `group' = `copies', count(`total') first(`first')
+	return scalar N = r(N)
 	display
 	display as text "{hline 10}{c TT}{hline 29}"
 	display as text "   copies {c |} observations        surplus"
 	display as text "{hline 10}{c +}{hline 29}"
-	forvalues i = 1/`r(N)' {
-		display as result %9.0f `copies'[`i'] as text " {c |} " as result %12.0f `total'[`i'] /*
-			*/ "   " %12.0f `total'[`i'] - `total'[`i'] / `copies'[`i']
+	forvalues i = 1/`r(N_groups)' {
+		local at = `first'[`i']
+		display as result %9.0f `copies'[`at'] as text " {c |} " as result %12.0f `total'[`at'] /*
+			*/ "   " %12.0f `total'[`at'] - `total'[`at'] / `copies'[`at']
 	}
 	display as text "{hline 10}{c BT}{hline 29}"
 end
@@ -150,14 +131,14 @@ program define Groups
 		generate long _obs = _n
 		Copies `sample' `copies' `which' `0'
 		keep if `copies' > 1 & `copies' < .
-		generate long _group = sum(`which' == 1)
+		_bygroup _group = `0', missing
 		sort _group _obs
 		compress _group _obs
 		format _group _obs %8.0g
 	}
 end
 
-program define Tag, rclass sortpreserve
+program define Tag, rclass
 	version 7.0
 	syntax [varlist] [if] [in], Generate(string)
 	confirm new variable `generate'
@@ -176,7 +157,7 @@ program define Tag, rclass sortpreserve
 end
 
 * Keeps the first of each group, the order, and what the data were sorted by.
-program define Drop, rclass sortpreserve
+program define Drop, rclass
 	version 7.0
 	Typed `0'
 	syntax [varlist] [if] [in] [, force]

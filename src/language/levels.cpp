@@ -26,10 +26,10 @@
 #include "language/programs.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -17,10 +17,10 @@
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "expr/functions.h"
-#include "matrix/results.h"
 #include "output/dates.h"
 #include "putlabel.h"
 #include "matrix/random.h"
+#include "stored/families.h"
 
 using namespace velmo;
 

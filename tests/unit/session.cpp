@@ -12,7 +12,7 @@
 #include "data/preserve.h"
 #include "language/expand.h"
 #include "language/turn.h"
-#include "matrix/results.h"
+#include "stored/families.h"
 
 using namespace velmo;
 namespace fs = std::filesystem;
@@ -54,7 +54,8 @@ TEST(session, beginsanew) {
     Double n;
     EXPECT_EQ(objects(), atstart);
     EXPECT_EQ(nobs + nvar + visnvar + tempfilecounter + datachanged + lastrc, 0);
-    EXPECT_FALSE(rscalar("N", n));
+    std::string text;
+    EXPECT_EQ(stored_get(r_results, "N", n, text), result_none);
     EXPECT_EQ(preserveslot, -1);
     tellended();
     memory_stop();

@@ -12,9 +12,9 @@
 #include "data/sorting.h"
 #include "expr/evaluate.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 

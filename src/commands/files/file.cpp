@@ -18,10 +18,11 @@
 #include "data/run.h"
 #include "expr/value.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
+#include "stored/scalars.h"
 
 namespace velmo {
 

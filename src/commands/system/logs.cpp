@@ -9,10 +9,10 @@
 #include "core/webfile.h"
 #include "data/run.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/logs.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -14,11 +14,11 @@
 #include "data/dataset.h"
 #include "data/run.h"
 #include "language/turn.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -169,16 +169,16 @@ Int4 debugmap() {
 }
 
 Int4 debugretvals() {
-    for (const std::string& name : rscalarnames()) {
-        Double value = missing;
-        rscalar(name, value);
+    Double value;
+    std::string text;
+    for (const std::string& name : stored_names(r_results, result_scalar)) {
+        stored_get(r_results, name, value, text);
         prtf("r(%s) = ", name.c_str());
         prtnum("%10.0g", value);
         if (Int4 rc = prtnl()) return rc;
     }
-    for (const std::string& name : rmacronames()) {
-        std::string text;
-        rmacrotext(name, text);
+    for (const std::string& name : stored_names(r_results, result_macro)) {
+        stored_get(r_results, name, value, text);
         if (Int4 rc = prtf("r(%s) : %s\n", name.c_str(), text.c_str())) return rc;
     }
     return 0;

@@ -11,11 +11,11 @@
 #include "commands/system/arguments.h"
 #include "core/settings.h"
 #include "core/tokenizer.h"
-#include "matrix/results.h"
 #include "output/dates.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -13,10 +13,10 @@
 #include "data/labels.h"
 #include "data/run.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -12,10 +12,10 @@
 #include "data/run.h"
 #include "expr/evaluate.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -17,10 +17,10 @@
 #include "expr/evaluate.h"
 #include "language/stdparse.h"
 #include "matrix/compadd.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -152,7 +152,7 @@ std::string numbertext(Double value) {
 // =exp: a failing expression is empty, and says nothing.
 std::string expressionvalue(const std::string& text) {
     textvalue value;
-    saved quiet(quietlevel, UByte(5));
+    saved quiet(quietlevel, shows_nothing);
     if (exp_valueof(text, mode_any, value)) return {};
     return value.isstring ? value.text : numbertext(value.number);
 }
@@ -176,7 +176,7 @@ std::string resultvalue(std::string_view word, std::string_view name) {
 
 std::string charvalue(std::string_view owner, std::string_view name) {
     if (owner != "_dta" && !findvar(owner)) {
-        saved quiet(quietlevel, UByte(5));
+        saved quiet(quietlevel, shows_nothing);
         Int4 var = lookupvar(owner, lookup_quiet);
         if (var < 1 || var > nvar) return "";
         return char_get(varlist[var - 1], trimmed(name));

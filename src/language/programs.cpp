@@ -110,8 +110,8 @@ Int4 takeline(body& b) {
 }
 
 void numberprompt(Int4 line) {
-    if (quietlevel >= 3) return;
-    saved level(outlevel, UByte(1));
+    if (quietlevel >= shows_errors) return;
+    printing as(out_text);
     prtf("%3d", line);
 }
 

@@ -29,7 +29,7 @@ boolean log_start(Int4 file, std::string_view name, boolean vtml);
 boolean log_resume();          // true when the stream refuses
 void log_pause();              // what the stream holds for it is written out first
 Int4 log_end();                // the descriptor, to be closed
-// The rule, the file, the type and, with a label ("opened"), date and time; nothing at quietlevel 3 and above.
+// The rule, the file, the type and, with a label ("opened"), date and time; nothing under quietly.
 void log_header(const char* label);
 void log_closingrule();
 

@@ -137,13 +137,13 @@ boolean openbatchlog(std::string& failure) {
 // ---- Banner, notes.
 
 void logo() {
-    saved level(outlevel, UByte(0));
+    printing as(out_result);
     prtraw("\n{res}Velmo{txt} 7.0   {hline 2} Midscale, for the console\n");
     prtraw("{txt}Statistics and data management\n");
 }
 
 void notes() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     Int4 n = 0;
     prt("\nNotes:\n");
     auto note = [&n](const char* text) { prtf("     %2d.  %s\n", ++n, text); };
@@ -159,7 +159,7 @@ void notes() {
 // The sizes asked for could not be had, and the start went on with the defaults.
 void memorynote() {
     if (!memory_fellback) return;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     auto row = [](const char* name, std::uint64_t now, std::uint64_t asked) {
         prtrawf("    set %s %llu{col 45}%llu\n", name, static_cast<unsigned long long>(now),
                 static_cast<unsigned long long>(asked));
@@ -210,7 +210,7 @@ void runprofile() {
     std::string profile = findprofile();
     if (profile.empty()) return;
     {
-        saved level(outlevel, UByte(1));
+        printing as(out_text);
         prtf("running %s ...\n", profile.c_str());
     }
     runline("run \"" + profile + "\"");
@@ -218,7 +218,7 @@ void runprofile() {
 
 void runstartcmd() {
     if (batchmode != 2) {
-        saved level(outlevel, UByte(4));
+        printing as(out_prompt);
         prt(std::string(". ") + startcmd + "\n");
     }
     runline(startcmd);
@@ -262,7 +262,6 @@ Int4 session_init(Int4 argc, char** argv) {
     if (!nologo) logo();
     if (session_begin()) return failedstart("Allocation failure.");
     if (!nologo) notes();
-    outlevel = 0;
     memorynote();
     return trimmed(startcmd).empty() ? 0 : 1;
 }

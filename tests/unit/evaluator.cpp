@@ -139,7 +139,7 @@ struct evaluator : testing::Test {
     std::mt19937 random{20};
 
     void SetUp() override {
-        quietlevel = 5;
+        quietlevel = shows_nothing;
         memory_stop();
         setlengths(2048);
         memory = 1 << 20;

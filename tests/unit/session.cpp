@@ -35,7 +35,7 @@ Int4 objects() {
 }  // namespace
 
 TEST(session, beginsanew) {
-    saved quiet(quietlevel, UByte(5));
+    saved quiet(quietlevel, shows_nothing);
     ASSERT_EQ(session_begin(), 0);
     Int4 atstart = objects();
     for (const char* line :

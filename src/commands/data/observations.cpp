@@ -165,7 +165,7 @@ Int4 cmd_assert() {
     if (bymode && !bylastgroup) return 0;
     if (tested == 0) notef("(null assertion)\n");
     if (contradicted == 0) return 0;
-    if (quietlevel < 3) {
+    if (quietlevel < shows_errors) {
         notef("%d contradiction%s in %d %s\n", contradicted, plural(contradicted), bymode ? groups : tested,
               bymode ? "by-groups" : "observations");
         errorf(9, "assertion is false\n");

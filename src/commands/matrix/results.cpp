@@ -2,7 +2,6 @@
 #include <string>
 #include <vector>
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"
 #include "data/run.h"
@@ -45,15 +44,12 @@ std::string numberfor(Double value) {
 
 // family(name) = value
 Int4 showresult(const char* family, const std::string& name, const std::string& value) {
-    outlevel = 1;
-    prtf("%s(%s) = ", family, name.c_str());
-    outlevel = 0;
-    prt(value);
+    prttextf("%s(%s) = ", family, name.c_str());
+    prtresult(value);
     return prtnl();
 }
 
 Int4 listfamily(family f) {
-    saved level(outlevel);
     Double value;
     std::string text;
     for (resultkind kind : {result_scalar, result_macro})
@@ -66,7 +62,7 @@ Int4 listfamily(family f) {
 }
 
 Int4 dirfamily(family f) {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     for (resultkind kind : {result_scalar, result_macro})
         for (const std::string& name : stored_names(f, kind))
             if (prtf("%s(%s)\n", family_word(f), name.c_str())) return breakpending;
@@ -156,16 +152,13 @@ Int4 scalarlist(std::vector<std::string>& names) {
 Int4 listscalars() {
     std::vector<std::string> names;
     if (Int4 rc = scalarlist(names)) return rc;
-    saved level(outlevel);
     Double value;
     std::string text;
     for (const std::string& name : names) {
         scalarkind kind = scalarget(name, value, text);
-        outlevel = 1;
-        prtf("%10s = ", name.c_str());
-        outlevel = 0;
-        if (kind == scalar_text) prt(text);
-        else prtnum(defaultfmt, value);
+        prttextf("%10s = ", name.c_str());
+        if (kind == scalar_text) prtresult(text);
+        else prtnumber(defaultfmt, value);
         if (prtnl()) return breakpending;
     }
     return 0;

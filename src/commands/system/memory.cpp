@@ -38,15 +38,11 @@ Int4 usagerow(const char* label, Double bytes, Double total) {
     char size[40];
     fmtnum("%16.0fc", bytes);
     copytext(size, sizeof size, dbuf);
-    prtf("    %-32s", label);
-    saved level(outlevel, UByte(0));
-    prt(size);
-    outlevel = 1;
-    prt(" bytes  ");
-    outlevel = 0;
-    prtnum("%10.2f", 100 * bytes / total);
-    outlevel = 1;
-    return prt("%\n");
+    prttextf("    %-32s", label);
+    prtresult(size);
+    prttext(" bytes  ");
+    prtnumber("%10.2f", 100 * bytes / total);
+    return prttext("%\n");
 }
 
 void storeusage(const usage& u) {
@@ -65,12 +61,11 @@ void storeusage(const usage& u) {
 // memory: how much of the block is used for what.
 Int4 cmd_memory() {
     if (Int4 rc = nothingelse()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     rclear();
     usage u = presentusage();
     Double used = u.pointers + u.rows + u.objects;
-    prtcolour();
-    prtraw("(see {velmo \"query memory\":query memory} for total usage)\n");
+    prtmarkup("(see {velmo \"query memory\":query memory} for total usage)\n");
     prtraw("{title:Details of -set memory- usage}\n");
     usagerow("Allocated", u.total, u.total);
     prtnl();
@@ -201,7 +196,7 @@ Int4 cmd_debug() {
     std::string word = nexttoken();
     if (word == "refuse") return readinteger(nexttoken(breaknum), refusedcall) ? nothingelse() : error(198);
     if (Int4 rc = nothingelse()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     if (word.empty()) return prt("all basics sizes term memory map obstest os\nretvals\n");
     boolean found = false;
     for (const auto& aspect : aspects) {
@@ -215,7 +210,7 @@ Int4 cmd_debug() {
 // showpoint: the order, where runs of it break.
 Int4 cmd_showpoint() {
     if (Int4 rc = nothingelse()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     showpointers();
     return breakpending;
 }

@@ -4,7 +4,6 @@
 #include <string>
 #include "base/platform.h"
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
 #include "core/commands.h"
@@ -56,7 +55,7 @@ Int4 cmd_which() {
     if (Int4 rc = parseoptions()) return rc;
     boolean all = getopt_flag("all", 1);
     if (Int4 rc = getopt_done()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     const char* builtin = builtinname(word.c_str());
     if (builtin) {
         prtf("built-in command:  %s\n", builtin);
@@ -140,7 +139,7 @@ Int4 cmd_more() {
 Int4 cmd_about() {
     if (Int4 rc = parseoptions()) return rc;
     if (Int4 rc = getopt_done()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     char total[40];
     memtext(total, sizeof total, Double(memorylimit()));
     prtraw("\n{res}Velmo{txt} 7.0 Midscale for the console\n");

@@ -1,10 +1,10 @@
 #include "language/dofile.h"
 #include <algorithm>
 #include <cstring>
+#include "base/frontend.h"
 #include "base/platform.h"
 #include "base/poll.h"
 #include "base/text.h"
-#include "core/upcalls.h"
 #include "core/webfile.h"
 #include "language/review.h"
 #include "output/errors.h"
@@ -249,7 +249,7 @@ void readtypedline() {
     if (levelshows()) cmdlog_line({cmdbuf, std::size_t(n)});
     std::string_view line = rtrimmed({cmdbuf, std::size_t(n)});
     if (!line.empty()) reviewpush(line);
-    prttyped(line, typedlineshows());
+    prttyped(line, front->echoes());
     breakpending = broken;
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include "base/frontend.h"
 #include "base/memalloc.h"
 #include "base/poll.h"
 #include "base/saved.h"
@@ -202,6 +203,7 @@ Int4 prtpage(std::string_view text) {
 }
 
 Int4 prtstatus(std::string_view text) {
+    front->status(text);
     if (!batchmode) return breakpending;
     printing as(out_text);
     prt(text);

@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <string>
 #include "base/columns.h"
+#include "base/frontend.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/macros.h"
-#include "core/upcalls.h"
 #include "data/dataset.h"
 #include "data/run.h"
 #include "expr/value.h"
@@ -197,7 +197,7 @@ Int4 takerequest() {
     prtflush();
     std::string line(std::size_t(macrolen), 0);
     Int4 n = typedline(line.data(), macrolen, true);
-    if (n >= 0) prttyped("", typedlineshows());
+    if (n >= 0) prttyped("", front->echoes());
     return macroset(name, {line.data(), std::size_t(n < 0 ? 0 : n)});
 }
 

@@ -111,7 +111,7 @@ std::string shownvalue(Int4 var, Int4 obs) {
 }
 
 void heading(Int4 obs) {
-    if (printrole() < quietlevel) return;
+    if (printing::role() < quietlevel) return;
     std::string line = "-> ";
     for (Int4 i = 0; i < nby; i++)
         line += (i ? ", " : "") + std::string(varlist[by[i] - 1]) + " = " + shownvalue(by[i], obs);

@@ -219,7 +219,7 @@ void readdoline(doreader& r) {
 
 // The prompt, when what is read shows. A new command begins a new page.
 void prompt() {
-    if (printrole() < quietlevel) return;
+    if (printing::role() < quietlevel) return;
     vstream_clearpage(results);
     printing as(out_prompt);
     prtreset();

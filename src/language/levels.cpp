@@ -154,7 +154,6 @@ Int4 openprogram(frame& f) {
     setprogramhome(p.home[0] ? p.home : cmdword);
     setprogramname(cmdword);
     f.sorts = p.sortpreserve;
-    results_enter();          // the store moves: the program's header is no longer where it was
     return 0;
 }
 

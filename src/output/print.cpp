@@ -12,8 +12,6 @@ namespace velmo {
 
 namespace {
 
-outrole role = out_result;
-
 constexpr Int4 quietpolls = 5;         // suppressed prints between polls
 
 // The printf form, given to `print` at whatever length it has. Without memory for a long one it is cut.
@@ -34,18 +32,13 @@ Int4 formatted(Int4 (*print)(std::string_view), const char* form, va_list args) 
 
 void setcolour() {
     static constexpr UByte colours[] = {style_result, style_text, style_text, style_error, style_input};
-    vstream_setcolor(results, colours[role]);
+    vstream_setcolor(results, colours[printing::role()]);
 }
 
 }  // namespace
 
-printing::printing(outrole r) : before(role) { role = r; }
-printing::~printing() { role = before; }
-void printing::now(outrole r) { role = r; }
-outrole printrole() { return role; }
-
 boolean levelshows() {
-    if (role >= quietlevel) return results != nullptr;
+    if (printing::role() >= quietlevel) return results != nullptr;
     if (++printcount >= quietpolls) {
         printcount = 0;
         poll();

@@ -22,16 +22,17 @@ enum outrole : UByte {
 };
 
 struct printing {
-    explicit printing(outrole role);
-    ~printing();
-    void now(outrole role);                    // another one for the rest of the scope
+    explicit printing(outrole role) : before(present) { present = role; }
+    ~printing() { present = before; }
+    void now(outrole role) { present = role; }          // another one for the rest of the scope
+    static outrole role() { return present; }           // the present scope's
     printing(const printing&) = delete;
     printing& operator=(const printing&) = delete;
 
 private:
     outrole before;
+    static inline outrole present = out_result;
 };
-outrole printrole();                           // the present scope's
 
 // In a role of their own.
 Int4 prttext(std::string_view text);

@@ -44,7 +44,7 @@ fixedscalars rscalars;
 // A row for each family: what it holds is what has a type. To add a function: its name in the family's list.
 struct row {
     const char* word;            // null: nobody writes it with a parenthesis
-    Int4 scalar, macro, matrix;  // types, 0 for kinds that it hasn't
+    Int4 type[3];                // of scalars, macros, matrices; 0 for kinds that it hasn't
     Int4 own;                    // type of objects that belong to it but aren't its results
     const char* function;        // a result that is computed when it is read
     fixedscalars* fixed;
@@ -52,13 +52,15 @@ struct row {
     UByte keepsplace;            // a scalar posted again stays where it is in the order
 };
 constexpr row rows[] = {
-    {"r", obj_rscalar, obj_rmacro, obj_rmatrix, 0, nullptr, &rscalars, 0, 1},
-    {"e", obj_escalar, obj_emacro, obj_ematrix, obj_estimate, "sample", nullptr, 0, 1},
-    {"s", 0, obj_smacro, 0, 0, nullptr, nullptr, 0, 0},
-    {"return", obj_retscalar, obj_retmacro, obj_retmatrix, 0, nullptr, nullptr, 1, 0},
-    {nullptr, obj_scalar, 0, obj_matrix, 0, nullptr, nullptr, 0, 0},
+    {"r", {obj_rscalar, obj_rmacro, obj_rmatrix}, 0, nullptr, &rscalars, 0, 1},
+    {"e", {obj_escalar, obj_emacro, obj_ematrix}, obj_estimate, "sample", nullptr, 0, 1},
+    {"s", {0, obj_smacro, 0}, 0, nullptr, nullptr, 0, 0},
+    {"return", {obj_retscalar, obj_retmacro, obj_retmatrix}, 0, nullptr, nullptr, 1, 0},
+    {nullptr, {obj_scalar, 0, obj_matrix}, 0, nullptr, nullptr, 0, 0},
 };
 static_assert(std::size(rows) == named_results + 1);
+
+Int4 levelshift(const row& r) { return r.bylevel ? macrolevel - obj_local : 0; }
 
 constexpr resultkind objectkinds[] = {result_scalar, result_macro, result_matrix};
 
@@ -85,9 +87,8 @@ boolean family_find(std::string_view word, family& f) {
 const char* family_word(family f) { return rows[f].word; }
 
 Int4 family_type(family f, resultkind kind) {
-    const row& r = rows[f];
-    Int4 type = kind == result_scalar ? r.scalar : kind == result_macro ? r.macro : kind == result_matrix ? r.matrix : 0;
-    return type && r.bylevel ? type + macrolevel - obj_local : type;
+    Int4 type = kind <= result_matrix ? rows[f].type[kind] : 0;
+    return type ? type + levelshift(rows[f]) : 0;
 }
 
 Int4 family_types(family f, Int4 (&types)[mostfamilytypes]) {
@@ -166,10 +167,14 @@ std::vector<std::string> stored_names(family f, resultkind kind) {
     return names;
 }
 
+// Most often, at the end of every program, there is nothing.
 void stored_clear(family f) {
-    if (rows[f].fixed) rows[f].fixed->n = 0;
+    const row& r = rows[f];
+    if (r.fixed) r.fixed->n = 0;
+    boolean any = r.own && objcount(r.own);
+    for (Int4 type : r.type) any |= type && objcount(type + levelshift(r));
+    if (!any) return;
     Int4 types[mostfamilytypes], n = family_types(f, types);
-    if (std::none_of(types, types + n, [](Int4 type) { return objcount(type) > 0; })) return;
     beginbatch();
     for (Int4 i = 0; i < n; i++) objdeltype(types[i]);
     endbatch();
@@ -200,8 +205,6 @@ boolean stored_movematrix(family from, std::string_view name, family to, std::st
 
 void stored_started() { rclear(); }
 void stored_discarded() { rclear(); }
-
-void results_enter() { stored_clear(return_results); }
 
 // What was built is the caller's from here on, objects as they lie.
 void results_leave(UByte progclass) {

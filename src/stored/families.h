@@ -51,9 +51,8 @@ inline void rclear() { stored_clear(r_results); }
 inline void rstore(std::string_view name, Double value) { stored_put(r_results, name, value); }
 inline void rmacro(std::string_view name, std::string_view text) { stored_put(r_results, name, text); }
 
-// A program's level begins with nothing built; at its end, still its own, what an r-class program (progclass 1) built
-// becomes r(), and anything else is dropped. A level that failed leaves with class 0.
-void results_enter();
+// At the end of a program's level, still its own: what an r-class program (progclass 1) built becomes r(), and anything
+// else is dropped, so that the next one begins with nothing built. A level that failed leaves with class 0.
 void results_leave(UByte progclass);
 
 }  // namespace velmo

@@ -25,7 +25,7 @@ struct Errors : testing::Test {
         vstream_setcallback(console, consume, &got);
     }
     void TearDown() override {
-        EXPECT_EQ(printrole(), out_result) << "put back";
+        EXPECT_EQ(printing::role(), out_result) << "put back";
         results_close();
     }
     string take() {

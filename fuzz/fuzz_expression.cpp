@@ -10,7 +10,7 @@
 using namespace velmo;
 
 static void setup() {
-    quietlevel = 5;
+    quietlevel = shows_nothing;
     memory = 1 << 20;
     if (memory_start() || addvar("x", typefloat) || addvar("y", typedouble) || addvar("s", 6)) std::abort();
     growobs(40);

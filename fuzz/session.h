@@ -15,8 +15,6 @@
 #include "output/results.h"
 #include "session/session.h"
 
-inline velmo::Int4 swallow(void*, const velmo::UByte*, velmo::Int4) { return ' '; }
-
 inline void startsession() {
     static bool started = false;
     if (started) return;
@@ -29,8 +27,7 @@ inline void startsession() {
     setenv("VELMO", VELMO_SOURCE "/share/velmo", 1);
     struct sigaction onabort;
     sigaction(SIGABRT, nullptr, &onabort);      // the fuzzer's own, which the session takes
-    if (!velmo::results_open()) std::abort();
-    velmo::vstream_setcallback(velmo::console, swallow, nullptr);
+    if (!velmo::session_attach(velmo::nofrontend)) std::abort();
     if (velmo::session_init(3, arguments) < 0) std::abort();
     sigaction(SIGABRT, &onabort, nullptr);
     velmo::setpagesize(0);

@@ -1,4 +1,5 @@
 #include "base/poll.h"
+#include "base/frontend.h"
 #include "base/platform.h"
 
 namespace velmo {
@@ -9,7 +10,6 @@ volatile std::sig_atomic_t breakswitch = 1;
 Int4 pollrate = 100;
 Int4 polltime = 10;
 Int4 pollticks = 0;
-void (*platformturn)() = nullptr;
 
 namespace {
 std::int64_t lastturn = 0;
@@ -17,15 +17,15 @@ boolean inturn = false;    // a poll inside a poll does nothing
 }  // namespace
 
 void pollnow() {
-    if (!platformturn || inturn) return;
+    if (!front->events || inturn) return;
     inturn = true;
-    platformturn();
+    front->events();
     inturn = false;
     lastturn = clockms();
 }
 
 void poll() {
-    if (platformturn && clockms() - lastturn >= polltime) pollnow();
+    if (front->events && clockms() - lastturn >= polltime) pollnow();
 }
 
 }  // namespace velmo

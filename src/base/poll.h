@@ -11,11 +11,10 @@ extern volatile std::sig_atomic_t breakpending;   // nonzero once Break is honou
 extern volatile std::sig_atomic_t endpending;     // the signal that ends the session, SIGPIPE: nobody reads it
 extern volatile std::sig_atomic_t breakswitch;    // what Break stores: 1, or 0 under nobreak
 extern Int4 pollrate;                             // loop rounds between polls, default 100
-extern Int4 polltime;                             // least milliseconds between looks at the platform, default 10
+extern Int4 polltime;                             // least milliseconds between looks at events, default 10
 extern Int4 pollticks;                            // rounds since the last poll
-extern void (*platformturn)();                    // the platform's turn, run by the poll; null on a plain console
 
-// Gives the platform a turn if polltime milliseconds have passed since the last one.
+// Gives the front end's events a turn if polltime milliseconds have passed since the last one.
 void poll();
 // The same at once.
 void pollnow();

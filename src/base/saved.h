@@ -1,5 +1,5 @@
 // Guards: what is changed for a time is put back on every way out of the scope.
-//   saved quiet(quietlevel, UByte(3));   changes quietlevel now, puts the old value back at the end of the scope
+//   saved quiet(quietlevel, shows_errors); changes quietlevel now, puts the old value back at the end of the scope
 //   onexit free([&] { memfree(p); });    runs at the end of the scope
 #pragma once
 

@@ -9,7 +9,6 @@ Int4 macrolen = 5000 * 33 + 200;
 Int2 version = 700;
 Int2 callerversion = 0;
 UByte execflag = 1;
-UByte outlevel = 0;
 UByte quietlevel = 0;
 UByte savedquiet = 0;
 Int4 batchmode = 0;

@@ -13,8 +13,7 @@ extern Int4 macrolen;       // longest macro value in bytes, maxvar*33 + 200
 extern Int2 version;        // 100 times the version obeyed, 100 to 700; restored at the end of each level
 extern Int2 callerversion;  // that of the caller of this do-file or program; 0 at the console
 extern UByte execflag;      // 1: commands run; 0: lines are only skipped
-extern UByte outlevel;      // what is being printed: 0 result, 1 text and notes, 2 do-file echo, 3 error, 4 prompt
-extern UByte quietlevel;    // text shows when outlevel >= quietlevel: 0 all, 3 errors and prompts, 5 nothing
+extern UByte quietlevel;    // what shows, of the roles in output/print.h: those from this one on
 extern UByte savedquiet;    // quietlevel of the caller of this do-file or program; noisily goes back to it
 extern Int4 batchmode;      // 0 interactive, 1 batch, 2 batch that does not echo the start-up command
 extern Int4 lastrc;         // return code of the last command turn
@@ -22,6 +21,9 @@ extern Int4 rcvalue;        // what the language sees as _rc; written by capture
 extern UByte rmsg;          // set rmsg: report time and clock after each command
 extern UByte tracing;       // set trace
 extern UByte inprogram;     // 1 while the line source is a stored program
+
+// Values of quietlevel.
+constexpr UByte shows_all = 0, shows_errors = 3, shows_nothing = 5;
 
 // Sets maxvar and the two lengths that follow from it.
 void setlengths(Int4 newmaxvar);

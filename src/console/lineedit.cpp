@@ -21,12 +21,12 @@ Int4 lineedit_read(const std::string&, boolean, std::string&) { return -1; }
 #include <string_view>
 #include <unistd.h>
 #include "base/columns.h"
+#include "base/frontend.h"
 #include "base/platform.h"
 #include "base/poll.h"
 #include "console/complete.h"
 #include "console/keys.h"
 #include "console/style.h"
-#include "core/upcalls.h"
 
 namespace velmo {
 

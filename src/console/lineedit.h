@@ -9,7 +9,7 @@ namespace velmo {
 // Starts the editor when first asked; false when there is none, and lines must be read plainly.
 boolean lineedit_ready();
 // A line, without its end, typed behind `prompt`: what stands on the screen's last line, with its colour codes. `text`:
-// not a command, Tab is a Tab. 0, or a typedend (core/upcalls.h). Break gives an empty line and leaves breakpending.
+// not a command, Tab is a Tab. 0, or a typedend (base/frontend.h). Break gives an empty line and leaves breakpending.
 Int4 lineedit_read(const std::string& prompt, boolean text, std::string& line);
 
 }  // namespace velmo

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string_view>
 #include "base/platform.h"
+#include "console/pipe.h"
+#include "console/standard.h"
 #include "console/terminal.h"
 #include "output/results.h"
 #include "session/session.h"
@@ -22,12 +24,11 @@ int main(int argc, char** argv) {
     velmo::openstandardfiles();
     if (argc > 1 && std::string_view(argv[1]) == "--help") return std::fputs(usage, stdout) < 0;
     if (argc > 1 && std::string_view(argv[1]) == "--version") return std::puts("Velmo 7.0") < 0;
-    if (!velmo::results_open()) return 1;
-    velmo::terminal_attach();
+    if (!velmo::session_attach(velmo::isterminal(1) ? velmo::terminalfront : velmo::pipefront)) return 1;
     if (velmo::session_init(argc, argv) < 0) {
         velmo::results_close();
         return 1;
     }
     velmo::Int4 status = velmo::session_main();
-    return velmo::terminal_failed() ? std::max(status, 1) : status;
+    return velmo::output_failed() ? std::max(status, 1) : status;
 }

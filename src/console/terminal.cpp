@@ -1,47 +1,24 @@
 #include "console/terminal.h"
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include "base/poll.h"
-#include "base/saved.h"
-#include "base/state.h"
 #include "console/keys.h"
 #include "console/lineedit.h"
+#include "console/standard.h"
 #include "console/style.h"
-#include "core/upcalls.h"
-#include "language/dofile.h"
 #include "output/results.h"
 
 namespace velmo {
 
 namespace {
 
-boolean istty = false;         // standard output is a terminal
 boolean partialshown = false;  // an unfinished line stands on the screen
 std::string partial;           // as it stands there
-boolean writefailed = false;
-
-// A reader that has gone away ends the session; a full disk may have room again.
-void outputfailed() {
-    writefailed = true;
-    if (errno != EPIPE && errno != EIO) return;
-    if (!endpending) endpending = SIGPIPE;
-    breakpending = breakswitch;
-}
-
-void putall(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) outputfailed();
-}
-
-void flushall() {
-    if (std::fflush(stdout) != 0) outputfailed();
-}
 
 // ---- Lines.
 
@@ -60,13 +37,8 @@ void clearline(std::string& text) {
 
 void showline(const UByte* record) {
     static std::string text;
-    vlineview line = vline_view(record);
-    if (istty) {
-        screentext(line, text);
-        clearline(text);
-    } else {
-        plaintext(line, text);
-    }
+    screentext(vline_view(record), text);
+    clearline(text);
     text += '\n';
     putall(text);
     partialshown = false;
@@ -74,26 +46,23 @@ void showline(const UByte* record) {
 
 void showpartial(const UByte* record) {
     static std::string text;
-    vlineview line = vline_view(record);
-    if (!istty) {
-        plaintext(line, partial);
-    } else {
-        screentext(line, text);
-        std::string whole = text;
-        clearline(text);
-        putall(text);
-        flushall();
-        partial = whole;
-    }
+    screentext(vline_view(record), text);
+    std::string whole = text;
+    clearline(text);
+    putall(text);
+    flushall();
+    partial = whole;
     partialshown = true;
 }
 
 // ---- The window.
 
-void followwindow() {
+boolean window(Int4& columns, Int4& rows) {
     winsize size{};
-    if (istty && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0)
-        setwindow(size.ws_col, size.ws_row);
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) return false;
+    columns = size.ws_col;
+    rows = size.ws_row;
+    return true;
 }
 
 void watchwindow() {
@@ -142,80 +111,37 @@ Int4 answerkey(const UByte* record) {
     }
 }
 
-Int4 waitmore(const UByte* record) {
-    if (!istty || batchmode || dofile || endpending || !keys_possible()) return ' ';
-    boolean before = keys_taken();
-    if (!keys_open()) return ' ';
-    onexit giveback([before] { if (!before && !lineedit_ready()) keys_close(); });
-    if (keys_commandsahead(true)) return ' ';
+// The keyboard for a time: taken unless it is, and then given back, but not where lines are edited.
+struct keyboard {
+    boolean before = keys_taken(), had = keys_possible() && keys_open();
+    ~keyboard() {
+        if (had && !before && !lineedit_ready()) keys_close();
+    }
+};
+
+boolean waits() {
+    keyboard keys;
+    return keys.had && keys_commandsahead(true);
+}
+
+Int4 pause(const UByte* record) {
+    keyboard keys;
+    if (!keys.had) return ' ';
     showpartial(record);
     keys_marks(true);
     Int4 key = answerkey(record);
     keys_marks(false);
     putall("\r\033[K");
     partialshown = false;
-    followwindow();
     return key;
 }
 
-Int4 consume(void*, const UByte* record, Int4 code) {
-    switch (code) {
-    case vcode_line: showline(record); return 0;
-    case vcode_partial: showpartial(record); return 0;
-    case vcode_more: return waitmore(record);
-    case vcode_closing:
-        if (!istty && partialshown) putall(partial);
-        flushall();
-        keys_close();
-        return 0;
-    case vcode_flush: flushall(); return 0;
-    default: return 0;
-    }
-}
+// ---- Typed lines.
 
-}  // namespace
+// Where both ends are the terminal.
+boolean echoes() { return isatty(STDIN_FILENO); }
 
-void terminal_attach() {
-    istty = isatty(STDOUT_FILENO);
-    followwindow();
-    if (istty) watchwindow();
-    vstream_setunderline(console, codesallowed());
-    vstream_setcallback(console, consume, nullptr);
-}
-
-boolean terminal_failed() { return writefailed; }
-
-boolean typedlineshows() { return istty && isatty(STDIN_FILENO); }
-
-void terminal_lend(boolean toprogram) { keys_lend(toprogram); }
-
-namespace {
-
-// Standard input by the line: its length without the line end. What doesn't fit is dropped.
-Int4 plainline(char* buf, Int4 n) {
-    static Int4 ends = 0;              // one behind the other: a terminal that gives nothing else has gone
-    Int4 len = 0;
-    for (boolean any = false;; any = true) {
-        int c = keys_queued();
-        if (c < 0) c = std::getc(stdin);
-        if (c != EOF) ends = 0;
-        if (c == '\n') return len;
-        if (c != EOF) {
-            if (c != '\r' && len < n - 1) buf[len++] = char(c);
-            continue;
-        }
-        boolean broken = std::ferror(stdin) && errno == EINTR && !endpending;
-        boolean typed = !std::ferror(stdin) && typedlineshows() && ++ends < 10;
-        if (broken || typed) std::clearerr(stdin);
-        if (broken) {                  // Break at the prompt: an empty line
-            if (typedlineshows()) putall("\n");
-            return 0;
-        }
-        return any ? len : typed ? typed_end : typed_over;
-    }
-}
-
-// The same through the line editor, whose prompt is the unfinished line on the screen.
+// Through the line editor, whose prompt is the unfinished line on the screen.
 Int4 editedline(char* buf, Int4 n, boolean text) {
     std::string line;
     if (Int4 ended = lineedit_read(partialshown ? partial : "", text, line)) return ended;
@@ -224,17 +150,30 @@ Int4 editedline(char* buf, Int4 n, boolean text) {
     return len;
 }
 
-}  // namespace
-
-Int4 typedline(char* buf, Int4 n, boolean text) {
+Int4 readtyped(char* buf, Int4 n, boolean text) {
     flushall();
     if (endpending) return typed_over;
-    boolean edited = typedlineshows() && keys_possible() && lineedit_ready();
-    Int4 len = edited ? editedline(buf, n, text) : plainline(buf, n);
+    boolean edited = echoes() && keys_possible() && lineedit_ready();
+    Int4 len = edited ? editedline(buf, n, text) : readline(buf, n, echoes());
     buf[len < 0 ? 0 : len] = 0;
-    if (len >= 0 && typedlineshows()) partialshown = false;
-    followwindow();
+    if (len >= 0 && echoes()) partialshown = false;
     return len;
 }
+
+void begin() {
+    watchwindow();
+    vstream_setunderline(console, codesallowed());
+}
+
+void end() {
+    flushall();
+    keys_close();
+}
+
+}  // namespace
+
+extern constexpr frontend terminalfront{
+    .begin = begin, .end = end, .typedline = readtyped, .waits = waits, .echoes = echoes, .line = showline,
+    .partial = showpartial, .flush = flushall, .pause = pause, .bell = ringbell, .window = window, .lend = keys_lend};
 
 }  // namespace velmo

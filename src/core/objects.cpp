@@ -413,6 +413,31 @@ Int4 objrename(object* o, std::string_view newname) {
     return 0;
 }
 
+namespace {
+
+void movekey(UInt4 e, const key& k) {
+    removefromorder(e);
+    typecount[typeslot(entries[e].type)]--;
+    typecount[typeslot(k.type)]++;
+    object* o = objectof(e);
+    o->type = entries[e].type = k.type;
+    std::memcpy(o->name, k.name, sizeof o->name);
+    entries[e].hash = k.hash;
+    makenewest(e);
+}
+
+}  // namespace
+
+void objmove(object* o, std::string_view newname, Int4 newtype) {
+    movekey(entryof(o), key(newname, newtype));
+    memory_stress();
+}
+
+void objmovetype(Int4 from, Int4 to) {
+    while (UInt4 e = bytype[typeslot(from)].oldest) movekey(e, key(objectof(e)->name, to));
+    memory_stress();
+}
+
 void objdeltype(Int4 type) {
     while (UInt4 e = bytype[typeslot(type)].newest) remove(e);
     memory_stress();

@@ -6,18 +6,6 @@
 
 namespace velmo {
 
-// One typed line into buf (n bytes, without its line end): its length, or one of these. `text`: not a command, so that
-// Tab is a Tab. Defined by the console.
-enum typedend : Int4 {
-    typed_over = -1,       // the input has ended
-    typed_end = -2,        // the user has ended what reads here, and may type on
-};
-Int4 typedline(char* buf, Int4 n, boolean text);
-// True when the user sees what is typed (a terminal), so that the echo must not be shown twice.
-boolean typedlineshows();
-// Gives the terminal to a program that the session runs, and takes it back.
-void terminal_lend(boolean toprogram);
-
 // Ends the session: handles closed, output flushed, preferences written, temporary files removed. Code 900 ends
 // the process at once. Defined in session/startup.cpp.
 void shutdown(Int4 code);

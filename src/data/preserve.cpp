@@ -82,7 +82,7 @@ std::uint64_t largerblock(const kept& k) {
 Int4 refillsomewhere(const kept& k) {
     Int4 rc;
     {
-        saved quiet(quietlevel, UByte(5));
+        saved quiet(quietlevel, shows_nothing);
         rc = refill(k);
     }
     if (!rc) return 0;
@@ -107,7 +107,7 @@ Int4 bringback(const kept& k) {
 
 // Without the user's data there is no session to go on with; they are still in the file.
 [[noreturn]] void giveup(const kept& k) {
-    saved loud(quietlevel, UByte(0));
+    saved loud(quietlevel, shows_all);
     prterr("preserved data could not be restored; they remain in " + k.file + "\n");
     prtflush();
     tempfile_keep(k.file);

@@ -11,8 +11,8 @@
 #include "data/timeseries.h"
 #include "expr/compiler.h"
 #include "expr/functions.h"
-#include "matrix/results.h"
 #include "output/errors.h"
+#include "stored/scalars.h"
 
 namespace velmo {
 

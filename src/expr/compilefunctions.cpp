@@ -13,9 +13,9 @@
 #include "data/dataset.h"
 #include "expr/compiler.h"
 #include "expr/functions.h"
-#include "matrix/results.h"
 #include "output/dates.h"
 #include "output/errors.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -156,38 +156,28 @@ void compilecaller(const call& c) {
 
 // ---- Stored results: read now.
 
-void compileresult(const call& c) {
+void compilestored(family f, const call& c) {
     std::string_view name = spantext(c.text);
     Double value;
     std::string text;
     if (name.empty()) fail(198);
-    if (rscalar(name, value)) emitliteral(value);
-    else if (rmacrotext(name, text)) emittext(text);
-    else emitliteral(missing);
+    switch (stored_get(f, name, value, text)) {
+    case result_scalar: return emitliteral(value);
+    case result_macro: return emittext(text);
+    case result_function: return emitliteral(0);     // e(sample), without estimates
+    default: return emitliteral(missing);
+    }
 }
 
-// return(name): what the running program is building.
-void compilereturn(const call& c) {
-    std::string_view name = spantext(c.text);
-    Double value;
-    std::string text;
-    if (name.empty()) fail(198);
-    if (retscalar(name, value)) emitliteral(value);
-    else if (retmacrotext(name, text)) emittext(text);
-    else emitliteral(missing);
-}
+void compileresult(const call& c) { compilestored(r_results, c); }
+void compilereturn(const call& c) { compilestored(return_results, c); }
+void compileestimate(const call& c) { compilestored(e_results, c); }
 
 // _local(name): the text of a local macro as it is, read now; a reference would expand what stands in it.
 void compilelocal(const call& c) {
     std::string name = "_" + std::string(spantext(c.text));
     if (name.size() == 1 || !validname(name)) failon(badname(name.substr(1)));
     emittext(macrotext(name));
-}
-
-// No estimates can exist yet.
-void compileestimate(const call& c) {
-    if (c.text.b == c.text.e) fail(198);
-    emitliteral(spantext(c.text) == "sample" ? 0 : missing);
 }
 
 // ---- Dates

@@ -5,7 +5,6 @@
 #include "data/run.h"
 #include "expr/arithmetic.h"
 #include "expr/bodies.h"
-#include "matrix/results.h"
 
 namespace velmo {
 
@@ -124,7 +123,7 @@ Double groupnum(Double n, Int4 obs) {
     return std::floor((Double(obs) - firstobs) * (n - 0.000001) / (Double(lastobs) - firstobs) + 1);
 }
 
-Double oldresult(Double k) { return k >= 0 && k <= 20 ? oldresults[Int4(k)] : missing; }
+Double oldresult(Double k) { return k >= 0 && k <= 20 ? 0 : missing; }
 
 Double replaying() {
     const char* text = macroget("_0");

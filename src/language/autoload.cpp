@@ -120,7 +120,7 @@ Int4 loadfile(const std::string& name, const std::string& path, Int4 id) {
     copytext(cmdword, namesize, word);
     setprogramhome(home);
     if (rc) {
-        saved level(outlevel, UByte(4));
+        printing as(out_prompt);
         prtf("(error occurred while loading %s.ado)\n", name.c_str());
         if (Int4 broken = dropfile(id)) return broken;
         return rc;

@@ -111,7 +111,7 @@ std::string shownvalue(Int4 var, Int4 obs) {
 }
 
 void heading(Int4 obs) {
-    if (outlevel < quietlevel) return;
+    if (printing::role() < quietlevel) return;
     std::string line = "-> ";
     for (Int4 i = 0; i < nby; i++)
         line += (i ? ", " : "") + std::string(varlist[by[i] - 1]) + " = " + shownvalue(by[i], obs);
@@ -123,7 +123,7 @@ void heading(Int4 obs) {
 Int4 groupresult(Int4 rc, boolean rc0) {
     if (rc == 0 || rc == 1) return rc;
     if (rc0) {
-        saved level(outlevel, UByte(0));
+        printing as(out_result);
         prtf("(return code was %d)\n", rc);
         return 0;
     }
@@ -145,7 +145,6 @@ Int4 grouploop(const command& row, boolean rc0) {
         settokpos(arguments);
         Int4 rc = dispatch();
         prtfresh();                   // count leaves its line open
-        outlevel = 0;
         shrinkvars(visnvar);
         if (rc && bymode == 1)
             stdparse_forget();        // the next group parses anew
@@ -249,7 +248,6 @@ Int4 callgroups(const programby& b, Int4 groups) {
         if (b.shows) heading(at);
         nextcall = {false, group, group == groups, b.vars, b.rc0 ? ", rc0" : "", b.marker};
         if (Int4 rc = groupresult(callprogram(b.word, b.line, b.arguments), b.rc0)) return rc;
-        outlevel = 0;
     }
     return 0;
 }

@@ -44,7 +44,7 @@ Int4 runwithbreak(Int4 what) {
 Int4 cmd_capture() {
     Int4 rc;
     {
-        saved quiet(quietlevel, UByte(5));
+        saved quiet(quietlevel, shows_nothing);
         rc = runprefixed();
     }
     // A Break that the command did not notice is its code all the same: who asks for _rc learns of it.
@@ -55,7 +55,7 @@ Int4 cmd_capture() {
     return 0;
 }
 
-Int4 cmd_quietly() { return runatlevel(quietlevel == 5 ? UByte(5) : UByte(3)); }
+Int4 cmd_quietly() { return runatlevel(quietlevel == shows_nothing ? shows_nothing : shows_errors); }
 Int4 cmd_noisily() { return runatlevel(version < 220 ? UByte(0) : savedquiet); }
 
 // ---- Blocks.

@@ -1,11 +1,10 @@
 #include "language/dofile.h"
 #include <algorithm>
 #include <cstring>
+#include "base/frontend.h"
 #include "base/platform.h"
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
-#include "core/upcalls.h"
 #include "core/webfile.h"
 #include "language/review.h"
 #include "output/errors.h"
@@ -209,7 +208,7 @@ void readdoline(doreader& r) {
         if (end == line_ready) break;
         if (end == line_toolong) {
             l.echo.send();
-            saved level(outlevel, UByte(3));
+            printing as(out_error);
             prtfresh();
             prt("input too long\n");
             return endofsource();
@@ -218,11 +217,11 @@ void readdoline(doreader& r) {
     cmdbuf[l.n] = 0;
 }
 
-// The prompt, at the level of the line source. A new command begins a new page.
-void prompt(UByte sourcelevel) {
-    if (sourcelevel < quietlevel) return;
+// The prompt, when what is read shows. A new command begins a new page.
+void prompt() {
+    if (printing::role() < quietlevel) return;
     vstream_clearpage(results);
-    saved level(outlevel, UByte(4));
+    printing as(out_prompt);
     prtreset();
     UByte style = vstream_style(results);
     if ((style & style_colour) != style_input) prtraw("{com}");
@@ -250,7 +249,7 @@ void readtypedline() {
     if (levelshows()) cmdlog_line({cmdbuf, std::size_t(n)});
     std::string_view line = rtrimmed({cmdbuf, std::size_t(n)});
     if (!line.empty()) reviewpush(line);
-    prttyped(line, typedlineshows());
+    prttyped(line, front->echoes());
     breakpending = broken;
 }
 
@@ -281,25 +280,24 @@ void delimitdirective() {
 }
 
 void directive() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     settokpos(cmdbuf);
     nexttoken();
     std::string_view word = nexttoken();
     if (abbrev(word, "delimit", 1) && dofile) return delimitdirective();
     if (abbrev(word, "review", 1)) return reviewdirective();
-    outlevel = 3;
+    as.now(out_error);
     prt("Unknown #command\n");
 }
 
 }  // namespace
 
 void getline() {
-    saved level(outlevel);
     if (!dofile && eofseen == source_endtyped) eofseen = 0;
     do {
         tick();
-        outlevel = dofile ? 2 : 4;
-        prompt(outlevel);
+        printing as(dofile ? out_echo : out_prompt);
+        prompt();
         if (dofile)
             readdoline(*dofile);
         else

@@ -15,9 +15,9 @@
 #include "data/run.h"
 #include "expr/value.h"
 #include "language/control.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -152,7 +152,7 @@ std::string numbertext(Double value) {
 // =exp: a failing expression is empty, and says nothing.
 std::string expressionvalue(const std::string& text) {
     textvalue value;
-    saved quiet(quietlevel, UByte(5));
+    saved quiet(quietlevel, shows_nothing);
     if (exp_valueof(text, mode_any, value)) return {};
     return value.isstring ? value.text : numbertext(value.number);
 }
@@ -164,26 +164,19 @@ std::string extendedvalue(const std::string& text) {
     return out;
 }
 
-// r(x), return(x), s(x); families that aren't kept yet are empty.
-std::string resultvalue(std::string_view family, std::string_view name) {
-    if (family == "ferest") return ferest();
+// r(x), e(x), s(x), return(x); empty for what is none of these.
+std::string resultvalue(std::string_view word, std::string_view name) {
+    if (word == "ferest") return ferest();
+    family f;
     Double value;
     std::string text;
-    if (family == "r") {
-        if (rscalar(name, value)) return numbertext(value);
-        rmacrotext(name, text);
-    } else if (family == "return") {
-        if (retscalar(name, value)) return numbertext(value);
-        retmacrotext(name, text);
-    } else if (family == "s") {
-        smacrotext(name, text);
-    }
+    if (family_find(word, f) && stored_get(f, name, value, text) == result_scalar) return numbertext(value);
     return text;
 }
 
 std::string charvalue(std::string_view owner, std::string_view name) {
     if (owner != "_dta" && !findvar(owner)) {
-        saved quiet(quietlevel, UByte(5));
+        saved quiet(quietlevel, shows_nothing);
         Int4 var = lookupvar(owner, lookup_quiet);
         if (var < 1 || var > nvar) return "";
         return char_get(varlist[var - 1], trimmed(name));

@@ -16,8 +16,8 @@
 #include "data/timeseries.h"
 #include "language/expand.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -343,20 +343,21 @@ Int4 ext_tsnorm(std::string& out) {
 namespace {
 
 // (scalars), (macros), (matrices) or (functions): the names stored in a family.
-Int4 storednames(const std::vector<std::string>& scalars, const std::vector<std::string>& macros, std::string& out) {
+Int4 storednames(family f, std::string& out) {
     if (nexttoken()[0] != '(') return error(198);
     std::string kind = nexttoken();
     if (nexttoken()[0] != ')') return error(198);
-    if (kind != "scalars" && kind != "macros" && kind != "matrices" && kind != "functions") return error(198);
-    if (kind != "scalars" && kind != "macros") return 0;
-    for (const std::string& name : kind == "scalars" ? scalars : macros) out += (out.empty() ? "" : " ") + name;
+    auto row = std::find(resultkindwords, resultkindwords + nresultkinds, kind);
+    if (row == resultkindwords + nresultkinds) return error(198);
+    for (const std::string& name : stored_names(f, resultkind(row - resultkindwords)))
+        out += (out.empty() ? "" : " ") + name;
     return 0;
 }
 
 }  // namespace
 
-Int4 ext_rresults(std::string& out) { return storednames(rscalarnames(), rmacronames(), out); }
-Int4 ext_sresults(std::string& out) { return storednames({}, smacronames(), out); }
+Int4 ext_rresults(std::string& out) { return storednames(r_results, out); }
+Int4 ext_sresults(std::string& out) { return storednames(s_results, out); }
 
 // local name: the value as it is, which a reference would expand.
 Int4 ext_local(std::string& out) {

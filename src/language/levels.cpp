@@ -26,10 +26,10 @@
 #include "language/programs.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -154,13 +154,12 @@ Int4 openprogram(frame& f) {
     setprogramhome(p.home[0] ? p.home : cmdword);
     setprogramname(cmdword);
     f.sorts = p.sortpreserve;
-    results_enter();          // the store moves: the program's header is no longer where it was
     return 0;
 }
 
 void enter(Int4 mode) {
     beginfresh(mode);
-    if (mode == level_run) quietlevel = std::max(quietlevel, UByte(3));     // under capture all stays unseen
+    if (mode == level_run) quietlevel = std::max(quietlevel, shows_errors);     // under capture all stays unseen
     dolevel++;
 }
 
@@ -180,7 +179,7 @@ void leave(Int4 mode, frame& f) {
     putback(f, mode);
     dolevel--;
     if (mode != level_do) return;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prtreset();
     prt("\nend of do-file\n");
 }
@@ -192,7 +191,7 @@ void runlines(Int4 mode, const frame& f) {
     while (true) {
         if (!succeeded) breakpending = 0;
         if (mode != level_program) {
-            saved level(outlevel, UByte(1));
+            printing as(out_text);
             prtnl();
         }
         boolean ended = nextline(1);
@@ -284,7 +283,7 @@ Int2 versionnumber(std::string_view text) {
 
 Int4 showversion() {
     rclear();
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prtf("version %d.%d\n", version / 100, version % 100);
     return 0;
 }

@@ -88,18 +88,14 @@ Int4 storeup(std::string_view name, std::string_view value) {
 
 Int4 showmacro(const std::string& name) {
     std::string value = macrovalue(name);
-    prtcolour();
-    prtraw("{p 0 16}\n");
-    prt(name);
+    prtmarkup("{p 0 16}\n");
+    prttext(name);
     if (name.size() >= 15)
         prtraw(":{break}\n");
     else
         prtrawf(":{space %d}", Int4(15 - name.size()));
-    outlevel = 0;
-    prt(value);
-    outlevel = 1;
-    prtraw("\n{p_end}\n");
-    return breakpending;
+    prtresult(value);
+    return prtraw("\n{p_end}\n");
 }
 
 // Names of the visible macros: this level's locals, then the globals, newest first.
@@ -112,7 +108,6 @@ std::vector<std::string> visiblemacros() {
 }
 
 Int4 listmacros() {
-    outlevel = 1;
     std::vector<std::string> names;
     while (nexttoken()[0]) names.push_back(tokbuf);
     if (names.empty() || names == std::vector<std::string>{"_all"}) {

@@ -10,9 +10,9 @@
 #include "language/braces.h"
 #include "language/dofile.h"
 #include "language/turn.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -71,7 +71,7 @@ void programs_started() {
 
 // What the program was building becomes results, unless it failed.
 Int4 programs_levelleft() {
-    if (inprogram) results_leave(macrolevel, lastrc ? 0 : programclass);
+    if (inprogram) results_leave(lastrc ? 0 : programclass);
     return 0;
 }
 
@@ -110,8 +110,8 @@ Int4 takeline(body& b) {
 }
 
 void numberprompt(Int4 line) {
-    if (quietlevel >= 3) return;
-    saved level(outlevel, UByte(1));
+    if (quietlevel >= shows_errors) return;
+    printing as(out_text);
     prtf("%3d", line);
 }
 

@@ -90,7 +90,7 @@ Int4 exppart(Int4 mode) {
 // An open weight takes the command's default kind and says so.
 void assumeweight() {
     weighttype = parsing.openweight;
-    if (quietlevel >= 3) return;
+    if (quietlevel >= shows_errors) return;
     for (const weightrow& row : weightrows)
         if (row.kind == weighttype) notef("(%s weights assumed)\n", row.meaning);
 }

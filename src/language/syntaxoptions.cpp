@@ -100,7 +100,7 @@ Int4 varlistvalue(const optionrule& rule, std::string_view text, std::string& va
     boolean alone;
     Int4 rc;
     {
-        saved quiet(quietlevel, UByte(5));
+        saved quiet(quietlevel, shows_nothing);
         rc = optionvars(rule, text, value, alone);
     }
     if (rc) {

@@ -80,7 +80,7 @@ Int4 dispatch() {
     }
     if (turndepth >= maxturns) return skipfailed(error(1000), openedblock(tokstart));
     saved deeper(turndepth, turndepth + 1);
-    outlevel = 0;
+    printing as(out_result);
     sysclock = sysclock >= 0x7ffffffe ? 1 : sysclock + 1;
     poll();
     if (cmdword[0] == 0 || cmdword[0] == '*') return 0;
@@ -92,13 +92,13 @@ Int4 dispatch() {
 
 void report(std::int64_t starttime) {
     if (inprogram) return;
-    saved level(outlevel, UByte(2));
+    printing as(out_echo);
     if (lastrc == 1) {
-        outlevel = 3;
+        as.now(out_error);
         prtfresh();
         prtcolour();
         prtraw("{hline 2}Break{hline 2}\n");
-        outlevel = 2;
+        as.now(out_echo);
     }
     if (lastrc) {
         prtfresh();
@@ -162,8 +162,8 @@ namespace {
 
 // The line with `-` ahead when it will run, whatever is quiet.
 void traceline() {
-    saved level(outlevel, UByte(1));
-    saved quiet(quietlevel, UByte(0));
+    printing as(out_text);
+    saved quiet(quietlevel, shows_all);
     prt(std::string(execflag ? "-" : " ") + cmdbuf + "\n");
 }
 

@@ -43,16 +43,16 @@ struct coderow {
     Int4 code;
     const char* message;
     Int4 returns;
-    UByte level;
+    outrole role;
     explanation explain;
 };
 
 constexpr coderow codes[] = {
-#define ROW(code, message) {code, message, code, 3, explain_none},
-#define ROWAS(code, message, returns) {code, message, returns, 3, explain_none},
-#define NOTE(code, message, returns) {code, message, returns, 1, explain_none},
-#define LONG(code, message, explain) {code, message, code, 3, explain},
-#define SHARED(code, msg) {code, shorttexts[msg], code, 3, explain_none},
+#define ROW(code, message) {code, message, code, out_error, explain_none},
+#define ROWAS(code, message, returns) {code, message, returns, out_error, explain_none},
+#define NOTE(code, message, returns) {code, message, returns, out_text, explain_none},
+#define LONG(code, message, explain) {code, message, code, out_error, explain},
+#define SHARED(code, msg) {code, shorttexts[msg], code, out_error, explain_none},
 #include "output/errors.def"
 #undef ROW
 #undef ROWAS
@@ -147,9 +147,9 @@ void printmessage(const coderow& row) {
     if (matsize < 11000) explaincode(row.explain);
 }
 
-// Prints the printf form as a message at a level, from the left margin.
-void message(UByte level, const char* form, va_list args) {
-    saved keep(outlevel, level);
+// Prints the printf form as a message of a role, from the left margin.
+void message(outrole role, const char* form, va_list args) {
+    printing as(role);
     if (freshline) prtfresh();
     prtvf(form, args);
 }
@@ -163,27 +163,26 @@ Int4 prefixnotfound(const char* what, std::string_view name) {
 }  // namespace
 
 Int4 error(Int4 rc) {
-    saved level(outlevel);
     if (freshline) {
-        outlevel = 3;
+        printing as(out_error);
         prtfresh();
     }
     const coderow* row = findcode(rc);
     if (!row) return rc;
-    outlevel = row->level;
+    printing as(row->role);
     printmessage(*row);
     return row->returns;
 }
 
 void errmsg(shortmsg i) {
-    saved level(outlevel, UByte(3));
+    printing as(out_error);
     prt(shorttexts[i]);
 }
 
 Int4 errorf(Int4 rc, const char* form, ...) {
     va_list args;
     va_start(args, form);
-    message(3, form, args);
+    message(out_error, form, args);
     va_end(args);
     return rc;
 }
@@ -191,7 +190,7 @@ Int4 errorf(Int4 rc, const char* form, ...) {
 Int4 notef(const char* form, ...) {
     va_list args;
     va_start(args, form);
-    message(1, form, args);
+    message(out_text, form, args);
     va_end(args);
     return 0;
 }
@@ -236,7 +235,7 @@ Int4 unmatchedquote() { return errorf(198, "unmatched quote\n"); }
 // An explanation ends the paragraph by itself.
 Int4 prefixed(std::string_view text, Int4 rc, boolean colon) {
     if (text.empty()) return error(rc);
-    saved level(outlevel, UByte(3));
+    printing as(out_error);
     prtfresh();
     prtraw("{p 0 4}\n");
     prt(text);

@@ -9,9 +9,9 @@ namespace velmo {
 // State
 extern UByte freshline;        // error starts its message at the left margin; off inside prefixed
 
-// Prints the message of rc at level 3 (some at 1), puts outlevel back, and returns rc or what its row says.
+// Prints the message of rc as an error (some as notes), and returns rc or what its row says.
 Int4 error(Int4 rc);
-// The short texts that several codes share, by name; printed at level 3.
+// The short texts that several codes share, by name; printed as errors.
 enum shortmsg : Int4 {
     msg_notonxp, msg_requiresxp, msg_wouldbelost, msg_nodataset, msg_syntax, msg_exptoolong, msg_format,
     msg_notwithby, msg_mustbeempty, msg_lastestimates, msg_notwithtest, msg_lasttest, msg_toofew, msg_toomany,
@@ -47,11 +47,11 @@ Int4 unmatchedquote();                         // 198
 Int4 prefixed(std::string_view text, Int4 rc, boolean colon);
 // "file NAME not found\n" and the like; returns rc.
 Int4 fileerror(Int4 rc, std::string_view filename);
-// "%s must be between %s and %s\n" at level 3; 0 when lo <= value <= hi, else 198.
+// "%s must be between %s and %s\n" as an error; 0 when lo <= value <= hi, else 198.
 Int4 boundscheck(std::string_view name, Int4 value, Int4 lo, Int4 hi);
-// A message at level 3 from a printf form (braces in it show), for detectors whose text is their own; returns rc.
+// An error from a printf form (braces in it show), for detectors whose text is their own; returns rc.
 Int4 errorf(Int4 rc, const char* form, ...) __attribute__((format(printf, 2, 3)));
-// The same at level 1: a note.
+// The same as a note.
 Int4 notef(const char* form, ...) __attribute__((format(printf, 1, 2)));
 
 // What the error command does with a code: prints, and returns the code given.

@@ -62,10 +62,8 @@ boolean attach(Int4 how) {
 
 // "    log:  text": the label in 11 columns.
 void headerline(std::string_view label, std::string_view text) {
-    outlevel = 1;
-    prt(rightjustified(label, 11) + "  ");
-    outlevel = 0;
-    prt(text);
+    prttext(rightjustified(label, 11) + "  ");
+    prtresult(text);
     prtnl();
 }
 
@@ -114,8 +112,9 @@ Int4 log_end() {
 }
 
 void log_header(const char* label) {
-    if (quietlevel >= 3) return;
-    saved level(outlevel, UByte(1)), quiet(quietlevel, UByte(0));
+    if (quietlevel >= shows_errors) return;
+    printing as(out_text);
+    saved quiet(quietlevel, shows_all);
     prtdash(0);
     headerline("log:", sessionlog.name);
     headerline("log type:", sessionlog.vtml ? "vtml" : "text");
@@ -123,7 +122,7 @@ void log_header(const char* label) {
 }
 
 void log_closingrule() {
-    if (quietlevel < 3) prtraw("{txt}{.-}\n");
+    if (quietlevel < shows_errors) prtraw("{txt}{.-}\n");
 }
 
 // ---- The command log

@@ -31,7 +31,7 @@ void log_pause();              // what the stream holds for it is written out fi
 Int4 log_end();                // the descriptor, to be closed
 // Nothing more goes to the session's and the batch log, from here on and until false is told.
 void logs_hold(boolean hold);
-// The rule, the file, the type and, with a label ("opened"), date and time; nothing at quietlevel 3 and above.
+// The rule, the file, the type and, with a label ("opened"), date and time; nothing under quietly.
 void log_header(const char* label);
 void log_closingrule();
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include "base/frontend.h"
 #include "base/memalloc.h"
 #include "base/poll.h"
 #include "base/saved.h"
@@ -30,14 +31,14 @@ Int4 formatted(Int4 (*print)(std::string_view), const char* form, va_list args) 
 }
 
 void setcolour() {
-    static const UByte colours[5] = {style_result, style_text, style_text, style_error, style_input};
-    if (outlevel < std::size(colours)) vstream_setcolor(results, colours[outlevel]);
+    static constexpr UByte colours[] = {style_result, style_text, style_text, style_error, style_input};
+    vstream_setcolor(results, colours[printing::role()]);
 }
 
 }  // namespace
 
 boolean levelshows() {
-    if (outlevel >= quietlevel) return results != nullptr;
+    if (printing::role() >= quietlevel) return results != nullptr;
     if (++printcount >= quietpolls) {
         printcount = 0;
         poll();
@@ -118,8 +119,38 @@ Int4 prthi(Int4 mode, std::string_view text) {
     return breakpending;
 }
 
+Int4 prttext(std::string_view text) {
+    printing as(out_text);
+    return prt(text);
+}
+
+Int4 prttextf(const char* form, ...) {
+    va_list args;
+    va_start(args, form);
+    onexit end([&] { va_end(args); });
+    return formatted(prttext, form, args);
+}
+
+Int4 prtresult(std::string_view text) {
+    printing as(out_result);
+    return prt(text);
+}
+
+Int4 prtresultf(const char* form, ...) {
+    va_list args;
+    va_start(args, form);
+    onexit end([&] { va_end(args); });
+    return formatted(prtresult, form, args);
+}
+
+Int4 prtmarkup(std::string_view vtml) {
+    printing as(out_text);
+    prtcolour();
+    return prtraw(vtml);
+}
+
 Int4 prterr(std::string_view text) {
-    outlevel = 3;
+    printing as(out_error);
     prtreset();
     return prt(text);
 }
@@ -165,8 +196,9 @@ Int4 prtpage(std::string_view text) {
 }
 
 Int4 prtstatus(std::string_view text) {
+    front->status(text);
     if (!batchmode) return breakpending;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prt(text);
     return prtnl();
 }

@@ -8,4 +8,9 @@ Int4 prtnum(const char* fmt, Double value) {
     return prt({dbuf, std::size_t(n)});
 }
 
+Int4 prtnumber(const char* fmt, Double value) {
+    printing as(out_result);
+    return prtnum(fmt, value);
+}
+
 }  // namespace velmo

@@ -1,5 +1,6 @@
 #include "output/results.h"
 #include <algorithm>
+#include "base/frontend.h"
 
 namespace velmo {
 
@@ -61,10 +62,18 @@ void unsetlinesize() {
     uselinesize(windowcolumns);
 }
 
-void setwindow(Int4 columns, Int4 rows) {
+void followwindow() {
+    Int4 columns, rows;
+    if (!front->window(columns, rows)) return;
     windowcolumns = columns;
     if (!linesizeset) uselinesize(columns);
     if (!pagesizeset) usepagesize(std::max(rows - 1, 2));
+}
+
+Int4 typedline(char* buf, Int4 n, boolean text) {
+    Int4 length = front->typedline(buf, n, text);
+    followwindow();
+    return length;
 }
 
 void setmore(boolean on) {

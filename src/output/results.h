@@ -1,6 +1,6 @@
 // The results stream: the one vstream that all commands print into, and the console stream that was made at the
-// start (they differ while output is redirected). Made before anything can print; a consumer of lines (the
-// terminal, or none) is put behind it by the console floor.
+// start (they differ while output is redirected). Made before anything can print; the session puts the front end behind
+// it.
 #pragma once
 #include "output/vtml.h"
 
@@ -26,8 +26,10 @@ void results_close();
 void setlinesize(Int4 n);      // clamps to 40..255
 void setpagesize(Int4 n);
 void unsetlinesize();          // back to the window's
-// The terminal's window, as often as it changes: the sizes of what has not been set.
-void setwindow(Int4 columns, Int4 rows);
+// Takes the sizes that have not been set from the front end's window, as often as it may have changed.
+void followwindow();
+// A line typed at the front end, during which its window may have changed (base/frontend.h says what comes back).
+Int4 typedline(char* buf, Int4 n, boolean text);
 void setmore(boolean on);
 
 }  // namespace velmo

@@ -140,14 +140,14 @@ boolean openbatchlog(std::string& failure) {
 // ---- Banner, notes.
 
 void logo() {
-    saved level(outlevel, UByte(0));
+    printing as(out_result);
     prtraw("\n{res}Velmo{txt} 7.0   {hline 2} Midscale, for the console\n");
     prtraw("{txt}Statistics and data management\n\n");
     prtraw("Type {velmo help} for help, {velmo exit} to leave.\n");
 }
 
 void notes() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     Int4 n = 0;
     prt("\nNotes:\n");
     auto note = [&n](const char* text) { prtf("     %2d.  %s\n", ++n, text); };
@@ -163,7 +163,7 @@ void notes() {
 // The sizes asked for could not be had, and the start went on with the defaults.
 void memorynote() {
     if (!memory_fellback) return;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     auto row = [](const char* name, std::uint64_t now, std::uint64_t asked) {
         prtrawf("    set %s %llu{col 45}%llu\n", name, static_cast<unsigned long long>(now),
                 static_cast<unsigned long long>(asked));
@@ -214,7 +214,7 @@ void runprofile() {
     std::string profile = findprofile();
     if (profile.empty()) return;
     {
-        saved level(outlevel, UByte(1));
+        printing as(out_text);
         prtf("running %s ...\n", profile.c_str());
     }
     runline("run \"" + profile + "\"");
@@ -223,7 +223,7 @@ void runprofile() {
 // What newcomers type at a terminal's prompt, as what they mean. A program or an ado-file of that name goes first.
 void understand() {
     unknownword[0] = 0;
-    if (!typedlineshows()) return;
+    if (!front->echoes()) return;
     std::string line(trimmed(cmdbuf));
     if (line[0] == '?')
         line.replace(0, 1, "help ");
@@ -239,7 +239,7 @@ void understand() {
 
 // Behind the code of a typed command that is none: what may have been meant.
 void propose() {
-    if (lastrc != 199 || !unknownword[0] || !typedlineshows()) return;
+    if (lastrc != 199 || !unknownword[0] || !front->echoes()) return;
     std::vector<std::string> names;
     commandnames("", names);
     std::string line;
@@ -249,7 +249,7 @@ void propose() {
 
 void runstartcmd() {
     if (batchmode != 2) {
-        saved level(outlevel, UByte(4));
+        printing as(out_prompt);
         prt(std::string(". ") + startcmd + "\n");
     }
     runline(startcmd);
@@ -293,7 +293,6 @@ Int4 session_init(Int4 argc, char** argv) {
     if (!nologo) logo();
     if (session_begin()) return failedstart("Allocation failure.");
     if (!nologo) notes();
-    outlevel = 0;
     memorynote();
     return trimmed(startcmd).empty() ? 0 : 1;
 }

@@ -15,8 +15,9 @@
 #include "data/run.h"
 #include "data/sorting.h"
 #include "data/timeseries.h"
-#include "matrix/results.h"
+#include "stored/families.h"
 #include "smallmemory.h"
+#include "stored/held.h"
 
 using namespace velmo;
 
@@ -501,12 +502,46 @@ TEST_F(dataset, stored_results) {
     for (int i : {3, 25}) rstore("s" + std::to_string(i), 11 * i);
     rmacro("m", "text");
     Double v = 0, w = 0;
-    EXPECT_TRUE(rscalar("s3", v) && v == 33 && rscalar("s25", w) && w == 275);
-    std::vector<std::string> names = rscalarnames();
+    std::string text;
+    EXPECT_TRUE(stored_get(r_results, "s3", v, text) == result_scalar && v == 33);
+    EXPECT_TRUE(stored_get(r_results, "s25", w, text) == result_scalar && w == 275);
+    std::vector<std::string> names = stored_names(r_results, result_scalar);
     EXPECT_TRUE(names.size() == 30 && names[2] == "s2" && names[29] == "s29");
     rclear();
-    EXPECT_FALSE(rscalar("s3", v) || rscalar("s25", v));
+    for (const char* name : {"s3", "s25", "m"}) EXPECT_EQ(stored_get(r_results, name, v, text), result_none);
     EXPECT_EQ(objbytes(), 0u);
+}
+
+// A name is one result; a matrix moves with its names; what is held comes back in its order, whole.
+TEST_F(dataset, families_and_held) {
+    Double v;
+    std::string text;
+    auto putmatrix = [](const char* name) {
+        for (Int4 i = 0; i < 3; i++) objputtext(name, obj_matrix + i, std::string("part") + char('0' + i));
+    };
+    for (const char* name : {"a", "b", "c"}) stored_put(e_results, name, 1);
+    stored_put(e_results, "b", "text");
+    putmatrix("A");
+    ASSERT_TRUE(stored_movematrix(named_results, "A", e_results, "c"));
+    EXPECT_EQ(objcount(obj_matrix) + objcount(obj_matrix + 1) + objcount(obj_matrix + 2), 0);
+    EXPECT_EQ(stored_names(e_results, result_scalar), std::vector<std::string>{"a"});
+    ASSERT_EQ(held_put("h", "record", true), 0);
+    EXPECT_EQ(held_put("h", "", false), 110);
+    stored_put(e_results, "c", 3);
+    EXPECT_EQ(stored_get(e_results, "c", v, text), result_scalar);
+    ASSERT_EQ(held_put("i", "", false), 0);
+    EXPECT_EQ(stored_get(e_results, "a", v, text), result_none);
+    EXPECT_EQ(held_names(), (std::vector<std::string>{"h", "i"}));
+    ASSERT_EQ(held_take("h", text), 0);
+    EXPECT_EQ(text, "record");
+    EXPECT_EQ(stored_get(e_results, "b", v, text), result_macro);
+    EXPECT_EQ(stored_get(e_results, "c", v, text), result_matrix);
+    EXPECT_STREQ(reinterpret_cast<char*>(objfind("c", obj_ematrix + 2)->data()), "part2");
+    EXPECT_EQ(held_take("h", text), 111);
+    stored_clear(e_results);
+    EXPECT_TRUE(held_drop("i"));
+    EXPECT_EQ(objbytes(), 0u);
+    EXPECT_EQ(memory_check(), 0);
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ struct Errors : testing::Test {
         vstream_setcallback(console, consume, &got);
     }
     void TearDown() override {
-        EXPECT_EQ(outlevel, 0) << "put back";
+        EXPECT_EQ(printing::role(), out_result) << "put back";
         results_close();
     }
     string take() {
@@ -66,11 +66,11 @@ TEST_F(Errors, StartOnAFreshLineAndLeaveOtherModes) {
 
 TEST_F(Errors, QuietLevelsHide) {
     {
-        saved quiet(quietlevel, UByte(3));
+        saved quiet(quietlevel, shows_errors);
         error(2000);
         error(198);
     }
-    saved quiet(quietlevel, UByte(5));
+    saved quiet(quietlevel, shows_nothing);
     EXPECT_EQ(error(198) + notallowed("x"), 198 + 101);
     EXPECT_EQ(take(), "invalid syntax\n");
 }

@@ -17,10 +17,10 @@
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "expr/functions.h"
-#include "matrix/results.h"
 #include "output/dates.h"
 #include "putlabel.h"
 #include "matrix/random.h"
+#include "stored/families.h"
 
 using namespace velmo;
 
@@ -139,7 +139,7 @@ struct evaluator : testing::Test {
     std::mt19937 random{20};
 
     void SetUp() override {
-        quietlevel = 5;
+        quietlevel = shows_nothing;
         memory_stop();
         setlengths(2048);
         memory = 1 << 20;

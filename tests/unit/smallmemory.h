@@ -20,7 +20,7 @@ struct smallmemory : testing::Test {
         quietlevel = 0;
     }
     void begin(std::uint64_t bytes) {
-        quietlevel = 5;
+        quietlevel = shows_nothing;
         memory_stop();
         setlengths(2048);
         memory = bytes;

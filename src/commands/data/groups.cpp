@@ -6,9 +6,9 @@
 #include "data/cells.h"
 #include "estimate/groups.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -192,13 +192,10 @@ Int4 labellist() {
     for (const std::string& name : names) {
         vallabel label;
         vl_load(name, label);
-        outlevel = 1;
-        if (Int4 rc = prtf("%s:\n", name.c_str())) return rc;
+        if (Int4 rc = prttextf("%s:\n", name.c_str())) return rc;
         for (Int4 value : label.values) {
-            outlevel = 0;
-            prtf("%12d ", value);
-            outlevel = 1;
-            if (Int4 rc = prtf("%s\n", label.find(value))) return rc;
+            prtresultf("%12d ", value);
+            if (Int4 rc = prttextf("%s\n", label.find(value))) return rc;
         }
     }
     return 0;
@@ -359,7 +356,7 @@ Int4 showchar(const std::string& owner, const std::string& name) {
     std::string head = owner + "[" + name + "]:";
     Int4 headed = textcolumns(head), indent = std::max(headed + 4, 28);
     prtraw("{p 2 " + std::to_string(std::min(indent, 40)) + "}\n{txt}");
-    prt(head);
+    prttext(head);
     prtraw("{bind:" + std::string(std::size_t(std::max(2, 26 - headed)), ' ') + "}{res}");
     prtquiet(text);
     return prtraw("\n{p_end}\n");
@@ -372,7 +369,6 @@ Int4 showchars(const std::string& owner) {
 }
 
 Int4 charlist() {
-    outlevel = 1;
     if (tokpeeknonblank() == 0) {
         if (Int4 rc = showchars("_dta")) return rc;
         for (Int4 v = 1; v <= nvar; v++)

@@ -11,9 +11,9 @@
 #include "data/sorting.h"
 #include "expr/walk.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -149,7 +149,7 @@ Int4 cmd_assert() {
     if (bymode && !bylastgroup) return 0;
     if (tested == 0) notef("(null assertion)\n");
     if (contradicted == 0) return 0;
-    if (quietlevel < 3) {
+    if (quietlevel < shows_errors) {
         notef("%d contradiction%s in %d %s\n", contradicted, plural(contradicted), bymode ? groups : tested,
               bymode ? "by-groups" : "observations");
         errorf(9, "assertion is false\n");

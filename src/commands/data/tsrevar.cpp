@@ -9,8 +9,8 @@
 #include "expr/evaluate.h"
 #include "language/expand.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
+#include "stored/families.h"
 
 namespace velmo {
 

@@ -17,7 +17,7 @@ Int4 nextline(linereader& lines) {
     Int4 rc = lines_next(lines);
     if (rc == lines_atend) return error(612);
     if (rc) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prt(lines.line());
     prtnl();
     settokpos(lines.text());
@@ -52,7 +52,7 @@ namespace {
 
 boolean fitname(const fieldtable& table, const std::string& name) {
     if (name == "_all" || table.names.count(name)) return false;
-    saved quiet(quietlevel, UByte(5));
+    saved quiet(quietlevel, shows_nothing);
     return checkvarname(name) == 0;
 }
 

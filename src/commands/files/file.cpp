@@ -6,7 +6,6 @@
 #include <vector>
 #include "base/platform.h"
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "commands/files/filefields.h"
 #include "core/adopath.h"
@@ -18,10 +17,11 @@
 #include "data/run.h"
 #include "expr/value.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
+#include "stored/scalars.h"
 
 namespace velmo {
 
@@ -432,7 +432,7 @@ Int4 queryhandles() {
     static const char* const modes[] = {"", "read", "write", "r/w"};
     if (Int4 rc = nothingbehind()) return rc;
     std::vector<std::string> names = handlenames();
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     for (const std::string& name : names) {
         filehandle h;
         if (!handle_find(name, h)) continue;
@@ -448,7 +448,7 @@ Int4 debughandle() {
     userecord use;
     if (Int4 rc = takehandle(use)) return rc;
     const filehandle& h = use.h;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prtf("fd=%d, mode=%s, type=%s, border=%d\n", h.fd, modes[h.mode & 3], h.binary ? "bin" : "txt", h.border);
     prtf("  pos=%d len=%d eof=%d bufisoutput=%d\n", h.pos, h.len, h.eof, h.bufisoutput);
     return h.binary ? breakpending : prtf("  txt_col=%d\n", h.txt_col);

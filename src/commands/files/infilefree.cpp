@@ -78,7 +78,7 @@ void keep(tokenreader& t, Int4 c, Int4& length) {
 }
 
 void toolong() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prtrawf("{bf:Data over %d characters truncated}\n", longesttoken);
 }
 

@@ -58,7 +58,7 @@ Int4 readnames(dicttokens& t, std::vector<std::string>& names) {
             continue;
         }
         if (Int4 rc = dict_take(t)) return rc;
-        saved quiet(quietlevel, UByte(5));
+        saved quiet(quietlevel, shows_nothing);
         if (seriesnames(name, tokbuf, names)) return -1;
         if (Int4 rc = dict_take(t)) return rc;
     }

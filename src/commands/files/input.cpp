@@ -59,8 +59,8 @@ void storevalues(const inputstate& s, Int4 obs) {
 // Reads the line of observation obs: 0 with its values, -1 `end`, else a code.
 Int4 readobservation(inputstate& s, Int4 obs) {
     for (boolean fine = false; !fine;) {
-        if (quietlevel < 3) {
-            saved level(outlevel, UByte(1));
+        if (quietlevel < shows_errors) {
+            printing as(out_text);
             prtf("%3d", obs);
         }
         saved text(typingtext, UByte(1));

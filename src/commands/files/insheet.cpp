@@ -362,7 +362,7 @@ std::string cleanedname(std::string text) {
 
 boolean freename(const std::string& name) {
     if (!validname(name) || findvar(name)) return false;
-    saved quiet(quietlevel, UByte(5));
+    saved quiet(quietlevel, shows_nothing);
     return checknewname(name) == 0;
 }
 

@@ -5,7 +5,6 @@
 #include <string>
 #include <unordered_map>
 #include <vector>
-#include "base/saved.h"
 #include "base/text.h"
 #include "data/cells.h"
 #include "data/labels.h"
@@ -38,7 +37,7 @@ Int4 labelvalue(const char* name, std::string_view text, Double& value) {
 }
 
 void complain(std::string_view text, Int4 var, Int4 obs) {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prtraw("{bf:'");
     prt(text.substr(0, text.find('\0')));
     prtraw("' cannot be read as a number");

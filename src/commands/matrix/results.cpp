@@ -2,7 +2,6 @@
 #include <string>
 #include <vector>
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"
 #include "data/run.h"
@@ -10,10 +9,11 @@
 #include "language/expand.h"
 #include "language/programs.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
+#include "stored/scalars.h"
 
 namespace velmo {
 
@@ -44,65 +44,45 @@ std::string numberfor(Double value) {
 
 // family(name) = value
 Int4 showresult(const char* family, const std::string& name, const std::string& value) {
-    outlevel = 1;
-    prtf("%s(%s) = ", family, name.c_str());
-    outlevel = 0;
-    prt(value);
+    prttextf("%s(%s) = ", family, name.c_str());
+    prtresult(value);
     return prtnl();
 }
 
-// One store, as its commands see it.
-struct store {
-    const char* family;
-    std::vector<std::string> (*scalarnames)();
-    std::vector<std::string> (*macronames)();
-    boolean (*scalar)(std::string_view name, Double& value);
-    boolean (*macro)(std::string_view name, std::string& text);
-    boolean (*drop)(std::string_view name);
-    void (*clear)();
-};
-constexpr store rstored{"r", rscalarnames, rmacronames, rscalar, rmacrotext, rdrop, rclear};
-constexpr store built{"return", retscalarnames, retmacronames, retscalar, retmacrotext, retdrop, retclear};
-constexpr store sstored{"s", nullptr, smacronames, nullptr, smacrotext, sdrop, sclear};
-
-Int4 liststore(const store& s) {
-    saved level(outlevel);
+Int4 listfamily(family f) {
     Double value;
     std::string text;
-    if (s.scalarnames)
-        for (const std::string& name : s.scalarnames())
-            if (s.scalar(name, value) && showresult(s.family, name, numberfor(value))) return breakpending;
-    for (const std::string& name : s.macronames())
-        if (s.macro(name, text) && showresult(s.family, name, "\"" + text + "\"")) return breakpending;
+    for (resultkind kind : {result_scalar, result_macro})
+        for (const std::string& name : stored_names(f, kind)) {
+            stored_get(f, name, value, text);
+            std::string shown = kind == result_scalar ? numberfor(value) : "\"" + text + "\"";
+            if (showresult(family_word(f), name, shown)) return breakpending;
+        }
     return 0;
 }
 
-Int4 dirnames(const store& s, const std::vector<std::string>& names) {
-    for (const std::string& name : names)
-        if (prtf("%s(%s)\n", s.family, name.c_str())) return breakpending;
+Int4 dirfamily(family f) {
+    printing as(out_text);
+    for (resultkind kind : {result_scalar, result_macro})
+        for (const std::string& name : stored_names(f, kind))
+            if (prtf("%s(%s)\n", family_word(f), name.c_str())) return breakpending;
     return 0;
 }
 
-Int4 dirstore(const store& s) {
-    saved level(outlevel, UByte(1));
-    if (Int4 rc = dirnames(s, s.scalarnames())) return rc;
-    return dirnames(s, s.macronames());
-}
-
-Int4 dropfrom(const store& s) {
+Int4 dropfrom(family f) {
     std::string name;
     if (Int4 rc = droptoken(name)) return rc;
-    if (name == "_all") {
-        s.clear();
-        return 0;
-    }
-    return s.drop(name) ? 0 : notfound(name);
+    if (name != "_all") return stored_drop(f, name) ? 0 : notfound(name);
+    stored_clear(f);
+    return 0;
 }
+
+template <family f> Int4 putmacro(std::string_view name, std::string_view text) { return stored_put(f, name, text); }
 
 Int4 returnscalar() {
     std::string name;
     if (Int4 rc = assignment(name, mode_num)) return rc;
-    return retstore(name, exp_getnum(eqexp, 1));
+    return stored_put(return_results, name, exp_getnum(eqexp, 1));
 }
 
 }  // namespace
@@ -115,31 +95,32 @@ Int4 cmd_return() {
                                         {"add", 3, w_add}};
     Int4 word = lookup(words, nexttoken());
     boolean building = inprogram && programclass == class_r;
+    family target = building ? return_results : r_results;
     if (word < 0) return error(198);
     if (!building && (word == w_local || word == w_scalar || word == w_add)) return error(151);
-    if (word == w_local) return macrodefine(define_return, retmacro);
+    if (word == w_local) return macrodefine(define_return, putmacro<return_results>);
     if (word == w_scalar) return returnscalar();
-    if (word == w_drop) return dropfrom(building ? built : rstored);
+    if (word == w_drop) return dropfrom(target);
     if (Int4 rc = nothingbehind()) return rc;
-    if (word == w_add) return retadd();
+    if (word == w_add) return stored_add(r_results, return_results);
     if (word == w_clear) {
-        building ? retclear() : rclear();
+        stored_clear(target);
         return 0;
     }
-    Int4 (*show)(const store&) = word == w_dir ? dirstore : liststore;
-    if (Int4 rc = show(rstored)) return rc;
-    return building ? show(built) : 0;
+    Int4 (*show)(family) = word == w_dir ? dirfamily : listfamily;
+    if (Int4 rc = show(r_results)) return rc;
+    return building ? show(return_results) : 0;
 }
 
 Int4 cmd_sreturn() {
     static constexpr keyword words[] = {{"local", 3, 0}, {"drop", 4, 1}, {"list", 2, 2}, {"clear", 5, 3}};
     Int4 word = lookup(words, nexttoken());
     if (word < 0) return error(198);
-    if (word == 0) return inprogram && programclass == class_s ? macrodefine(define_sreturn, smacro) : error(153);
-    if (word == 1) return dropfrom(sstored);
+    if (word == 0) return inprogram && programclass == class_s ? macrodefine(define_sreturn, putmacro<s_results>) : error(153);
+    if (word == 1) return dropfrom(s_results);
     if (Int4 rc = nothingbehind()) return rc;
-    if (word == 2) return liststore(sstored);
-    sclear();
+    if (word == 2) return listfamily(s_results);
+    stored_clear(s_results);
     return 0;
 }
 
@@ -171,16 +152,13 @@ Int4 scalarlist(std::vector<std::string>& names) {
 Int4 listscalars() {
     std::vector<std::string> names;
     if (Int4 rc = scalarlist(names)) return rc;
-    saved level(outlevel);
     Double value;
     std::string text;
     for (const std::string& name : names) {
         scalarkind kind = scalarget(name, value, text);
-        outlevel = 1;
-        prtf("%10s = ", name.c_str());
-        outlevel = 0;
-        if (kind == scalar_text) prt(text);
-        else prtnum(defaultfmt, value);
+        prttextf("%10s = ", name.c_str());
+        if (kind == scalar_text) prtresult(text);
+        else prtnumber(defaultfmt, value);
         if (prtnl()) return breakpending;
     }
     return 0;

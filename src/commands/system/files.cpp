@@ -64,7 +64,6 @@ Int4 cmd_type() {
     if (Int4 rc = getopt_done()) return rc;
     Int4 handle = webopen(path, web_textread);
     if (handle < 0) return -handle;
-    outlevel = 0;
     prtcolour();
     Int4 rc = levelshows() ? feedfile(handle, asis) : 0;
     webclose(handle);
@@ -116,7 +115,6 @@ Int4 cmd_mkdir() {
 namespace {
 
 Int4 showfolder() {
-    outlevel = 0;
     return prtf("%s\n", currentdir().c_str());
 }
 
@@ -170,7 +168,6 @@ Int4 cmd_dir() {
     std::vector<std::string> names;
     const char* folder = path.empty() ? "." : path.c_str();
     if (!listdir(folder, names)) return fileerror(filestat(folder).exists ? 603 : 601, path);
-    outlevel = 0;
     Int4 shown = 0;
     for (const std::string& name : names) {
         if (!wildmatch(name, pattern, false)) continue;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <string>
 #include <vector>
+#include "base/frontend.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -9,7 +10,6 @@
 #include "core/quotes.h"
 #include "core/settings.h"
 #include "core/tokenizer.h"
-#include "core/upcalls.h"
 #include "language/commandnames.h"
 #include "language/dofile.h"
 #include "output/errors.h"
@@ -102,7 +102,7 @@ Int4 showpage(const helpplace& place) {
     prtfresh();
     if (!rc) rc = showlinks();
     // Who has read enough, and is not in the middle of a do-file, has not failed.
-    if (!rc || dofile || !typedlineshows()) return rc;
+    if (!rc || dofile || !front->echoes()) return rc;
     breakpending = 0;
     return 0;
 }
@@ -131,7 +131,6 @@ void help_started() { lastlinks.clear(); }
 
 // help [name | #n]
 Int4 cmd_help() {
-    outlevel = 0;
     std::string name = typedname();
     if (name[0] != '#') return showhelp(name);
     Int4 n;
@@ -150,7 +149,6 @@ Int4 cmd_HELPCHK() {
 Int4 cmd_search() {
     std::string name = typedname();
     if (!name.starts_with("r(") || !name.ends_with(")")) return error(198);
-    outlevel = 0;
     return showhelp(name);
 }
 

@@ -2,17 +2,16 @@
 #include <string>
 #include "base/platform.h"
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/settings.h"
 #include "core/webfile.h"
 #include "data/run.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/logs.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -86,7 +85,7 @@ Int4 switchcmdlog(Int4 word) {
 }
 
 Int4 showcmdlog() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     if (commandlog.file < 0) return prt("(closed)\n");
     return prtf("%s, %s\n", commandlog.name, commandlog.on ? "on" : "off");
 }
@@ -142,7 +141,7 @@ Int4 turnlog(boolean on) {
 
 Int4 switchlog(Int4 word) {
     if (sessionlog.file < 0) return version < 700 && commandlog.file >= 0 ? switchcmdlog(word) : error(606);
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     if (word == log_close) closelog();
     else if (Int4 rc = turnlog(word == log_on)) return rc;
     logresults();
@@ -150,7 +149,7 @@ Int4 switchlog(Int4 word) {
 }
 
 Int4 showlog() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     if (sessionlog.file >= 0) log_header(nullptr);
     else prt("(closed)\n");
     logresults();

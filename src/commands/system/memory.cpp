@@ -15,11 +15,11 @@
 #include "data/run.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -39,15 +39,11 @@ Int4 usagerow(const char* label, Double bytes, Double total) {
     char size[40];
     fmtnum("%16.0fc", bytes);
     copytext(size, sizeof size, dbuf);
-    prtf("    %-32s", label);
-    saved level(outlevel, UByte(0));
-    prt(size);
-    outlevel = 1;
-    prt(" bytes  ");
-    outlevel = 0;
-    prtnum("%10.2f", 100 * bytes / total);
-    outlevel = 1;
-    return prt("%\n");
+    prttextf("    %-32s", label);
+    prtresult(size);
+    prttext(" bytes  ");
+    prtnumber("%10.2f", 100 * bytes / total);
+    return prttext("%\n");
 }
 
 void storeusage(const usage& u) {
@@ -66,12 +62,11 @@ void storeusage(const usage& u) {
 // memory: how much of the block is used for what.
 Int4 cmd_memory() {
     if (Int4 rc = nothingelse()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     rclear();
     usage u = presentusage();
     Double used = u.pointers + u.rows + u.objects;
-    prtcolour();
-    prtraw("(see {velmo \"query memory\":query memory} for total usage)\n");
+    prtmarkup("(see {velmo \"query memory\":query memory} for total usage)\n");
     prtraw("{title:Details of -set memory- usage}\n");
     usagerow("Allocated", u.total, u.total);
     prtnl();
@@ -170,16 +165,16 @@ Int4 debugmap() {
 }
 
 Int4 debugretvals() {
-    for (const std::string& name : rscalarnames()) {
-        Double value = missing;
-        rscalar(name, value);
+    Double value;
+    std::string text;
+    for (const std::string& name : stored_names(r_results, result_scalar)) {
+        stored_get(r_results, name, value, text);
         prtf("r(%s) = ", name.c_str());
         prtnum("%10.0g", value);
         if (Int4 rc = prtnl()) return rc;
     }
-    for (const std::string& name : rmacronames()) {
-        std::string text;
-        rmacrotext(name, text);
+    for (const std::string& name : stored_names(r_results, result_macro)) {
+        stored_get(r_results, name, value, text);
         if (Int4 rc = prtf("r(%s) : %s\n", name.c_str(), text.c_str())) return rc;
     }
     return 0;
@@ -209,7 +204,7 @@ Int4 cmd_debug() {
     std::string word = nexttoken();
     if (word == "refuse") return readinteger(nexttoken(breaknum), refusedcall) ? nothingelse() : error(198);
     if (Int4 rc = nothingelse()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     if (word == "options") return debugoptions();
     if (word.empty()) return prt("all basics sizes term memory map obstest os\nretvals\n");
     boolean found = false;
@@ -224,7 +219,7 @@ Int4 cmd_debug() {
 // showpoint: the order, where runs of it break.
 Int4 cmd_showpoint() {
     if (Int4 rc = nothingelse()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     showpointers();
     return breakpending;
 }

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
 #include "core/keywords.h"
@@ -36,7 +35,7 @@ std::string shownname(const programid& id) { return id.home.empty() ? id.name : 
 
 Int4 programdir() {
     std::int64_t total = 0;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     for (const programid& id : allprograms()) {
         object* o = exactprogram(id.name, id.home);
         UInt4 size = o->size;
@@ -81,7 +80,7 @@ Int4 namedprograms(std::vector<programid>& ids, boolean subprograms) {
 }
 
 Int4 programlist() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     std::vector<programid> ids;
     boolean all = tokpeeknonblank() == 0;
     if (Int4 rc = namedprograms(ids, true)) return rc;
@@ -174,7 +173,7 @@ Int4 cmd_program() {
 namespace {
 
 Int4 listdirs() {
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     for (const sysdirrow& row : sysdirs)
         if (Int4 rc = prtf("%10s:  %s\n", row.word, row.path)) return rc;
     return 0;

@@ -6,16 +6,15 @@
 #include <vector>
 #include "base/columns.h"
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "commands/system/arguments.h"
 #include "core/settings.h"
 #include "core/tokenizer.h"
-#include "matrix/results.h"
 #include "output/dates.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -41,17 +40,12 @@ std::string valueof(const char* word) {
     return text;
 }
 
-Int4 result(std::string_view text) {
-    saved level(outlevel, UByte(0));
-    return prt(text);
-}
-
 // Half a line: 4 blanks, the name in 15 columns, the value in `n`.
 Int4 halfline(const char* word, std::size_t n) {
     std::string text = valueof(word);
     if (n) text.resize(n, ' ');
     prtf("    %-15s", word);
-    return result(text);
+    return prtresult(text);
 }
 
 Int4 group(const char* title, const char* const* words, std::size_t n) {
@@ -80,15 +74,14 @@ Int4 sizerow(const char* name, const std::string& value, const char* what, Doubl
     char cost[40];
     memtext(cost, sizeof cost, bytes);
     prtf("    %-16s", name);
-    result(rightjustified(value, 8));
+    prtresult(rightjustified(value, 8));
     prtf("    %-28s", what);
-    result(rightjustified(cost, 14));
+    prtresult(rightjustified(cost, 14));
     return prtnl();
 }
 
 Int4 memorytable() {
-    prtcolour();
-    prtraw("{title:Current memory allocation}\n\n");
+    prtmarkup("{title:Current memory allocation}\n\n");
     prt("                     current                                memory usage\n");
     prtf("    %-16s%8s    %-28s%14s\n", "settable", "value", "description", "(1M = 1024k)");
     prtraw("    {hline 70}\n");
@@ -127,7 +120,7 @@ Int4 queryone(const setting& row) {
     if (row.handler == settingrow("memory")->handler) return memorytable();
     if (!settingtext(row, text)) return notallowed(row.word);
     prtf("%s ", row.word);
-    result(text);
+    prtresult(text);
     return prtnl();
 }
 
@@ -139,7 +132,7 @@ Int4 cmd_query() {
     const setting* row = word.empty() ? nullptr : settingrow(word);
     if (!word.empty() && !row) return notallowed(tokcontent());
     if (Int4 rc = nothingelse()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     if (Int4 rc = row ? queryone(*row) : queryall()) return rc;
     storeresults();
     return breakpending;

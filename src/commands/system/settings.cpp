@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdio>
 #include <string>
-#include "base/saved.h"
 #include "base/text.h"
 #include "commands/system/arguments.h"
 #include "core/keywords.h"
@@ -52,7 +51,7 @@ Int4 permanentoption(boolean& permanent) {
 
 Int4 recorded(const char* name) {
     if (!prefs_save()) return fileerror(603, prefs_file());
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     prtcolour();
     return prtrawf("({cmd:set %s} preference recorded)\n", name);
 }
@@ -191,7 +190,7 @@ Int4 setting_logtype() {
     Int4 value = lookup(words, nexttoken());
     if (value < 0) {
         prterr("syntax error:  the valid valid default logtypes are ");
-        saved level(outlevel, UByte(3));
+        printing as(out_error);
         prtraw("{wh:text} and {wh:vtml}\n");
         return 198;
     }

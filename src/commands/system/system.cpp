@@ -1,15 +1,13 @@
 // Commands about the session and the machine: which, error, shell, sleep, beep, push, more, about.
 #include <cmath>
-#include <cstdio>
 #include <string>
+#include "base/frontend.h"
 #include "base/platform.h"
 #include "base/poll.h"
-#include "base/saved.h"
 #include "base/text.h"
 #include "core/adopath.h"
 #include "core/commands.h"
 #include "core/macros.h"
-#include "core/upcalls.h"
 #include "core/webfile.h"
 #include "data/run.h"
 #include "expr/value.h"
@@ -56,7 +54,7 @@ Int4 cmd_which() {
     if (Int4 rc = parseoptions()) return rc;
     boolean all = getopt_flag("all", 1);
     if (Int4 rc = getopt_done()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     const char* builtin = builtinname(word.c_str());
     if (builtin) {
         prtf("built-in command:  %s\n", builtin);
@@ -96,9 +94,9 @@ Int4 cmd_shell() {
     if (command[0] == '!') command.erase(0, 1);
     prtflush();
     vstream_flush(results);
-    terminal_lend(true);
+    front->lend(true);
     Int4 status = runshell(shell.c_str(), command.c_str());
-    terminal_lend(false);
+    front->lend(false);
     return status < 0 ? error(702) : 0;
 }
 
@@ -117,10 +115,7 @@ Int4 cmd_sleep() {
 Int4 cmd_beep() {
     if (Int4 rc = parseoptions()) return rc;
     if (Int4 rc = getopt_done()) return rc;
-    if (!batchmode) {
-        std::fputc('\a', stderr);
-        std::fflush(stderr);
-    }
+    if (!batchmode) front->bell();
     return 0;
 }
 
@@ -140,7 +135,7 @@ Int4 cmd_more() {
 Int4 cmd_about() {
     if (Int4 rc = parseoptions()) return rc;
     if (Int4 rc = getopt_done()) return rc;
-    saved level(outlevel, UByte(1));
+    printing as(out_text);
     char total[40];
     memtext(total, sizeof total, Double(memorylimit()));
     prtraw("\n{res}Velmo{txt} 7.0 Midscale for the console\n");

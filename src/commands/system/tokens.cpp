@@ -7,8 +7,8 @@
 #include "language/numlist.h"
 #include "language/stdparse.h"
 #include "language/words.h"
-#include "matrix/results.h"
 #include "output/errors.h"
+#include "stored/families.h"
 
 namespace velmo {
 

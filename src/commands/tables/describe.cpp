@@ -13,10 +13,10 @@
 #include "data/labels.h"
 #include "data/run.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -55,13 +55,13 @@ void storeresults(const dataview& d) {
 // Text at the right of a line, broken at 31 when it is 33 or more long; later pieces stand below, in column 47.
 Int4 brokentext(std::string text) {
     if (textcolumns(text) < 33) {
-        tabtext(text);
+        prttext(text);
         return prtnl();
     }
     while (!text.empty()) {
         std::string piece = text.substr(0, bytesin(text, 31));
         text.erase(0, piece.size());
-        tabtext(piece);
+        prttext(piece);
         if (Int4 rc = prtnl()) return rc;
         if (!text.empty()) prtblanks(46);
     }
@@ -70,12 +70,12 @@ Int4 brokentext(std::string text) {
 
 // "  obs:" and its kin: the value, the limit with detail, and the text beside.
 void headvalue(const char* stub, std::int64_t value, std::int64_t limit, const describeoptions& o) {
-    tabtext(stub);
-    tabresult(rightjustified(commatext(value), 14));
+    prttext(stub);
+    prtresult(rightjustified(commatext(value), 14));
     if (!o.detail) return;
-    tabtext(" (max=");
-    tabresult(rightjustified(commatext(limit), 13));
-    tabtext(")");
+    prttext(" (max=");
+    prtresult(rightjustified(commatext(limit), 13));
+    prttext(")");
 }
 
 Int4 beside(const std::string& text, const describeoptions& o) {
@@ -91,18 +91,18 @@ Int4 sizeline(const dataview& d, const describeoptions& o) {
         Double share = 100 * Double(area - size) / Double(memory);
         char text[32];
         snprintf(text, sizeof text, "%3.1f", share < 0 ? 0 : share);
-        tabtext(std::string(" (") + text + "% of memory free)");
+        prttext(std::string(" (") + text + "% of memory free)");
         if (d.notes) prtblanks(7 - Int4(std::string_view(text).size()));
     }
-    if (d.notes) tabtext("  (_dta has notes)");
+    if (d.notes) prttext("  (_dta has notes)");
     return prtnl();
 }
 
 Int4 header(const dataview& d, const describeoptions& o) {
-    tabtext("Contains data");
+    prttext("Contains data");
     if (!d.source.empty()) {
-        tabtext(" from ");
-        tabresult(d.source);
+        prttext(" from ");
+        prtresult(d.source);
     }
     prtnl();
     headvalue("  obs:", d.nobs, mostobs(), o);
@@ -117,18 +117,18 @@ Int4 header(const dataview& d, const describeoptions& o) {
 }
 
 void columnheads(const describeoptions& o) {
-    tabtext(std::string(o.numbers ? "    variable  " : "              ") + "storage  display     value\n");
-    tabtext(std::string(o.numbers ? "      name      " : "variable name   ") +
+    prttext(std::string(o.numbers ? "    variable  " : "              ") + "storage  display     value\n");
+    prttext(std::string(o.numbers ? "      name      " : "variable name   ") +
             "type   format      label      variable label\n");
 }
 
 void namecolumn(const viewvar& v, const describeoptions& o) {
     if (o.numbers) {
-        tabtext(rightjustified(std::to_string(v.number), 5) + ". " + leftjustified(shownname(v.name, 8), 9));
+        prttext(rightjustified(std::to_string(v.number), 5) + ". " + leftjustified(shownname(v.name, 8), 9));
     } else if (!o.fullnames || textcolumns(v.name) < 16) {
-        tabtext(leftjustified(shownname(v.name, 15), 15));
+        prttext(leftjustified(shownname(v.name, 15), 15));
     } else {
-        tabtext(v.name + "\n" + std::string(15, ' '));
+        prttext(v.name + "\n" + std::string(15, ' '));
     }
 }
 
@@ -136,34 +136,34 @@ Int4 variableline(const viewvar& v, const describeoptions& o) {
     namecolumn(v, o);
     char text[80], type[8];
     snprintf(text, sizeof text, " %-6s %-11s ", typename_of(v.type, type), v.format.c_str());
-    tabtext(text);
+    prttext(text);
     if (textcolumns(v.vallabel) >= 9)
-        tabtext(v.vallabel + "\n" + std::string(44, ' '));
+        prttext(v.vallabel + "\n" + std::string(44, ' '));
     else
-        tabtext(leftjustified(v.vallabel, 9));
-    tabtext(v.notes ? "* " : "  ");
+        prttext(leftjustified(v.vallabel, 9));
+    prttext(v.notes ? "* " : "  ");
     return brokentext(v.varlabel);
 }
 
 Int4 lastlines(const dataview& d, boolean notes) {
-    tabtext("Sorted by:  ");
-    for (const std::string& key : d.sort) tabresult(key + "  ");
+    prttext("Sorted by:  ");
+    for (const std::string& key : d.sort) prtresult(key + "  ");
     if (Int4 rc = prtnl()) return rc;
-    if (d.changed) tabtext("     Note:  dataset has changed since last saved\n");
-    if (notes) tabtext(std::string(46, ' ') + "* indicated variables have notes\n");
+    if (d.changed) prttext("     Note:  dataset has changed since last saved\n");
+    if (notes) prttext(std::string(46, ' ') + "* indicated variables have notes\n");
     return breakpending;
 }
 
 Int4 body(const dataview& d, const describeoptions& o) {
     boolean anynotes = false;
-    tabmarkup("{hline 79}\n");
+    prtmarkup("{hline 79}\n");
     columnheads(o);
-    tabmarkup("{hline 79}\n");
+    prtmarkup("{hline 79}\n");
     for (const viewvar& v : d.vars) {
         if (Int4 rc = variableline(v, o)) return rc;
         anynotes |= v.notes;
     }
-    tabmarkup("{hline 79}\n");
+    prtmarkup("{hline 79}\n");
     return lastlines(d, anynotes);
 }
 

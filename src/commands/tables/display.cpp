@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <string>
 #include "base/columns.h"
+#include "base/frontend.h"
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/macros.h"
-#include "core/upcalls.h"
 #include "data/dataset.h"
 #include "data/run.h"
 #include "expr/value.h"
@@ -33,13 +33,15 @@ constexpr keyword words[] = {
     {"_text", 0, w_text},
 };
 
-// Colours by outlevel; 9 is the markup mode.
+// Roles, whose colours they are, and the markup mode.
 constexpr Int4 style_markup = 9;
 constexpr keyword styles[] = {
-    {"yellow", 0, 0}, {"y", 0, 0},     {"result", 0, 0},  {"res", 0, 0},  {"green", 0, 1},   {"g", 0, 1},
-    {"text", 0, 1},   {"txt", 0, 1},   {"blue", 0, 1},    {"b", 0, 1},    {"red", 0, 3},     {"r", 0, 3},
-    {"error", 0, 3},  {"err", 0, 3},   {"white", 0, 4},   {"w", 0, 4},    {"command", 0, 4}, {"com", 0, 4},
-    {"input", 0, 4},  {"inp", 0, 4},   {"vtml", 0, 9},    {"v", 0, 9},
+    {"yellow", 0, out_result}, {"y", 0, out_result},      {"result", 0, out_result},    {"res", 0, out_result},
+    {"green", 0, out_text},    {"g", 0, out_text},        {"text", 0, out_text},        {"txt", 0, out_text},
+    {"blue", 0, out_text},     {"b", 0, out_text},        {"red", 0, out_error},        {"r", 0, out_error},
+    {"error", 0, out_error},   {"err", 0, out_error},     {"white", 0, out_prompt},     {"w", 0, out_prompt},
+    {"command", 0, out_prompt}, {"com", 0, out_prompt},   {"input", 0, out_prompt},     {"inp", 0, out_prompt},
+    {"vtml", 0, style_markup}, {"v", 0, style_markup},
 };
 
 // What display keeps while it walks its list.
@@ -52,6 +54,7 @@ struct displaystate {
     char format[fmtsize];
     boolean formatgiven = false;
     std::string* buffer = nullptr;   // the buffer form: nothing prints
+    printing* as = nullptr;          // else the role, which a style changes
 };
 
 Int4 putitem(displaystate& s, std::string_view text) {
@@ -122,7 +125,7 @@ Int4 takestyle(displaystate& s) {
         return 0;
     }
     s.colourchosen = true;
-    outlevel = UByte(style);
+    s.as->now(outrole(style));
     if (s.mode == print_vtml) s.mode = print_styled;
     return 0;
 }
@@ -194,7 +197,7 @@ Int4 takerequest() {
     prtflush();
     std::string line(std::size_t(macrolen), 0);
     Int4 n = typedline(line.data(), macrolen, true);
-    if (n >= 0) prttyped("", typedlineshows());
+    if (n >= 0) prttyped("", front->echoes());
     return macroset(name, {line.data(), std::size_t(n < 0 ? 0 : n)});
 }
 
@@ -281,9 +284,10 @@ Int4 walkitems(displaystate& s) {
 
 Int4 cmd_display() {
     if (bymode) return error(190);
-    saved level(outlevel, UByte(0));
-    saved quiet(quietlevel, version < 220 ? UByte(0) : quietlevel);
+    printing as(out_result);
+    saved quiet(quietlevel, version < 220 ? shows_all : quietlevel);
     displaystate s{};
+    s.as = &as;
     if (Int4 rc = walkitems(s)) return rc;
     return s.newline ? prtnl() : breakpending;
 }

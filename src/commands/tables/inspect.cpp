@@ -10,10 +10,10 @@
 #include "data/labels.h"
 #include "expr/walk.h"
 #include "language/stdparse.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -84,15 +84,14 @@ Int4 histogram(Int4 var, const inspection& x, Int4 bars, Int4 (&height)[5]) {
 }
 
 void putcount(Int4 n) {
-    outlevel = 0;
     if (n)
-        prtf("%5d", n);
+        prtresultf("%5d", n);
     else
-        prt("    -");
+        prtresult("    -");
 }
 
 Int4 countline(const char* stub, Int4 total, Int4 whole) {
-    tabtext(stub);
+    prttext(stub);
     putcount(total);
     prtblanks(5);
     putcount(whole);
@@ -102,20 +101,20 @@ Int4 countline(const char* stub, Int4 total, Int4 whole) {
 }
 
 Int4 chartline(Int4 level, const Int4 (&height)[5], Int4 bars, const inspection& x) {
-    tabmarkup("{c |}");
+    prtmarkup("{c |}");
     std::string text = "  ";
     for (Int4 b = 0; b < 5; b++) {
         char c = b < bars && height[b] >= level ? '#' : b < bars && level == 1 ? '.' : ' ';
         text += std::string(1, c) + "   ";
     }
-    tabresult(text + "         ");
+    prtresult(text + "         ");
     switch (level) {
     case 6: return countline("Negative       ", x.count[row_negative], x.whole[row_negative]);
     case 5: return countline("Zero           ", x.count[row_zero], x.whole[row_zero]);
     case 4: return countline("Positive       ", x.count[row_positive], x.whole[row_positive]);
-    case 3: tabmarkup("               {hline 5}     {hline 5}      {hline 5}\n"); return breakpending;
+    case 3: prtmarkup("               {hline 5}     {hline 5}      {hline 5}\n"); return breakpending;
     case 2: return countline("Total          ", x.total(), x.wholes());
-    default: tabtext("Missing        "); putcount(x.missings); return prtnl();
+    default: prttext("Missing        "); putcount(x.missings); return prtnl();
     }
 }
 
@@ -125,10 +124,10 @@ void heading(Int4 var) {
     std::string left = name + ":" + (label.empty() ? "" : "  " + label);
     Int4 used = textcolumns(left);
     prtnl();
-    tabtext(leftjustified(left, 47) + "Number of Observations\n");
-    tabmarkup("{hline " + std::to_string(used) + "}");
-    tabtext(leftjustified("", 67 - used) + "Non-\n");
-    tabtext(std::string(47, ' ') + "Total   Integers    Integers\n");
+    prttext(leftjustified(left, 47) + "Number of Observations\n");
+    prtmarkup("{hline " + std::to_string(used) + "}");
+    prttext(leftjustified("", 67 - used) + "Non-\n");
+    prttext(std::string(47, ' ') + "Total   Integers    Integers\n");
 }
 
 void rangeline(const inspection& x) {
@@ -141,7 +140,7 @@ void rangeline(const inspection& x) {
             text += std::string(text.size() < 14 ? 14 - text.size() : 0, ' ') + dbuf;
         }
     }
-    tabresult(text + std::string(text.size() < 23 ? 23 - text.size() : 0, ' ') + std::string(24, ' '));
+    prtresult(text + std::string(text.size() < 23 ? 23 - text.size() : 0, ' ') + std::string(24, ' '));
     putcount(x.total() + x.missings);
     prtnl();
 }
@@ -150,7 +149,7 @@ void uniqueline(const inspection& x) {
     Int4 n = x.unique.n;
     std::string text = "(" + std::to_string(n) + " unique value" + plural(n) + ")";
     if (n >= maxunique) text = "(More than 99 unique values)";
-    tabtext(std::string(text.size() < 22 ? (22 - text.size()) / 2 : 0, ' ') + text + "\n");
+    prttext(std::string(text.size() < 22 ? (22 - text.size()) / 2 : 0, ' ') + text + "\n");
 }
 
 // Distinct values without a text in the variable's label; missing without a label.
@@ -173,7 +172,7 @@ void labelline(Int4 var, Double undoc) {
     else
         text += "and all values are";
     prtnl();
-    tabtext(text + " documented in the label.\n");
+    prttext(text + " documented in the label.\n");
 }
 
 void storeresults(const inspection& x, Double undoc) {
@@ -198,7 +197,7 @@ Int4 inspectone(Int4 var) {
     heading(var);
     for (Int4 level = 6; level >= 1; level--)
         if (Int4 rc = chartline(level, height, bars, x)) return rc;
-    tabmarkup("{c +}{hline 22}{col 48}{hline 5}\n");
+    prtmarkup("{c +}{hline 22}{col 48}{hline 5}\n");
     rangeline(x);
     uniqueline(x);
     labelline(var, undoc);

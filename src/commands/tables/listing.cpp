@@ -65,7 +65,7 @@ void headline(const std::vector<listcolumn>& columns, const listoptions& o, bool
         if (i) line += "  ";
         line += headcell(c, name);
     }
-    tabtext(std::string(rtrimmed(line)) + "\n");
+    prttext(std::string(rtrimmed(line)) + "\n");
 }
 
 void tablehead(const std::vector<listcolumn>& columns, const listoptions& o) {
@@ -77,11 +77,11 @@ void tablehead(const std::vector<listcolumn>& columns, const listoptions& o) {
 }
 
 void putcell(const listcolumn& c, Int4 obs) {
-    outlevel = 0;
     if (c.string) {
         fmtshown(c.format, strcell(c.var, obs), true);
-        prt(dbuf);
+        prtresult(dbuf);
     } else {
+        printing as(out_result);
         prtlbl(c.format, varvalue(c.entry, obs), c.label.exists ? &c.label : nullptr);
     }
 }
@@ -91,7 +91,7 @@ Int4 tablerow(const std::vector<listcolumn>& columns, const listoptions& o, Int4
     if (o.obs) {
         char number[16];
         snprintf(number, sizeof number, "%*d. ", numberwidth() - 1, obs);
-        tabtext(number);
+        prttext(number);
     }
     for (std::size_t i = 0; i < columns.size(); i++) {
         if (i) prtblanks(2);
@@ -126,7 +126,7 @@ void displayoperators(const std::vector<listcolumn>& columns, std::size_t from, 
         else name = leftjustified(name, 21);
         line += name;
     }
-    tabtext(line + "\n");
+    prttext(line + "\n");
 }
 
 Int4 displayobservation(const std::vector<listcolumn>& columns, const listoptions& o, Int4 obs) {
@@ -134,13 +134,13 @@ Int4 displayobservation(const std::vector<listcolumn>& columns, const listoption
     boolean operators = false;
     for (const listcolumn& c : columns) operators |= entryop(c.entry) != 0;
     prtnl();
-    if (o.header) tabtext("Observation " + std::to_string(obs) + "\n");
+    if (o.header) prttext("Observation " + std::to_string(obs) + "\n");
     boolean wascut = false;
     for (std::size_t i = 0; i < columns.size(); i++) {
         if (i % perline == 0 && operators) displayoperators(columns, i, std::min(i + 3, columns.size()));
-        tabtext(i % perline == 0 || wascut ? "    " : "  ");
-        tabtext(rightjustified(shownname(varlist[columns[i].var - 1], 8), 8) + " ");
-        tabresult(displayvalue(columns[i], obs, wascut));
+        prttext(i % perline == 0 || wascut ? "    " : "  ");
+        prttext(rightjustified(shownname(varlist[columns[i].var - 1], 8), 8) + " ");
+        prtresult(displayvalue(columns[i], obs, wascut));
         if ((i + 1) % perline && i + 1 < columns.size()) continue;
         wascut = false;
         if (Int4 rc = prtnl()) return rc;

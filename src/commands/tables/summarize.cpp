@@ -10,10 +10,10 @@
 #include "estimate/sample.h"
 #include "language/stdparse.h"
 #include "matrix/percentiles.h"
-#include "matrix/results.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -45,7 +45,7 @@ void storeplain(const moments& m, const sumoptions& o) {
 
 void plainheading() {
     boolean weights = weighttype == weight_a;
-    tabmarkup(std::string("\n    Variable {c |}     Obs      ") + (weights ? "Weight      " : "") +
+    prtmarkup(std::string("\n    Variable {c |}     Obs      ") + (weights ? "Weight      " : "") +
               "  Mean   Std. Dev.       Min        Max\n{hline 13}{c +}{hline " + (weights ? "65}\n" : "53}\n"));
 }
 
@@ -57,20 +57,20 @@ const char* numberformat(Int4 entry, const sumoptions& o, char (&out)[fmtsize]) 
 
 Int4 plainline(Int4 entry, const moments& m, const sumoptions& o) {
     tabstub(entryname(entry));
-    tabnumber("%8.0g", m.n);
+    prtnumber("%8.0g", m.n);
     if (weighttype == weight_a) {
-        tabtext(" ");
-        tabnumber("%11.4g", m.w);
+        prttext(" ");
+        prtnumber("%11.4g", m.w);
     }
     if (m.count) {
         char own[fmtsize];
         const char* f = numberformat(entry, o, own);
-        tabtext("   ");
+        prttext("   ");
         for (Double v : {m.mean, m.sd, m.min}) {
-            tabnumber(f, v);
-            tabtext("  ");
+            prtnumber(f, v);
+            prttext("  ");
         }
-        tabnumber(f, m.max);
+        prtnumber(f, m.max);
     }
     return prtnl();
 }
@@ -144,8 +144,8 @@ void detailheading(Int4 entry) {
     if (!label.empty() || !entryop(entry)) wordwrap(label.empty() ? varlist[entryvar(entry) - 1] : label, 50, lines);
     prtnl();
     for (const std::string& line : lines)
-        tabtext(std::string(std::size_t(std::max(0, (62 - textcolumns(line) - 1) / 2)), ' ') + line + "\n");
-    tabmarkup("{hline 61}\n");
+        prttext(std::string(std::size_t(std::max(0, (62 - textcolumns(line) - 1) / 2)), ' ') + line + "\n");
+    prtmarkup("{hline 61}\n");
 }
 
 // One line of the table: label, percentile, its neighbour, and what continues the line.
@@ -166,16 +166,16 @@ constexpr detailline detaillines[] = {
 
 Int4 detailtable(const moments& m, const Double (&p)[9], const Double (&extremes)[8], const char* f) {
     const Double values[] = {0, m.n, m.w, m.mean, m.sd, m.variance, m.skewness, m.kurtosis};
-    tabtext("      Percentiles      Smallest\n");
+    prttext("      Percentiles      Smallest\n");
     for (const detailline& line : detaillines) {
         if (line.label) {
-            tabtext(std::string(line.label) + "    ");
-            tabnumber(f, p[line.percentile]);
-            tabtext("      ");
+            prttext(std::string(line.label) + "    ");
+            prtnumber(f, p[line.percentile]);
+            prttext("      ");
         }
-        if (line.extreme >= 0) tabnumber(f, extremes[line.extreme]);
-        if (line.text[0]) tabtext(line.text);
-        if (line.what) tabnumber(line.what <= v_w ? "%11.0g" : f, values[line.what]);
+        if (line.extreme >= 0) prtnumber(f, extremes[line.extreme]);
+        if (line.text[0]) prttext(line.text);
+        if (line.what) prtnumber(line.what <= v_w ? "%11.0g" : f, values[line.what]);
         if (Int4 rc = prtnl()) return rc;
         if (line.what == v_w) prtnl();
     }

@@ -8,31 +8,10 @@
 
 namespace velmo {
 
-void tabtext(std::string_view text) {
-    outlevel = 1;
-    prt(text);
-}
-
-void tabmarkup(std::string_view vtml) {
-    outlevel = 1;
-    prtcolour();
-    prtraw(vtml);
-}
-
-void tabnumber(const char* fmt, Double value) {
-    outlevel = 0;
-    prtnum(fmt, value);
-}
-
-void tabresult(std::string_view text) {
-    outlevel = 0;
-    prt(text);
-}
-
 void tabstub(std::string_view name) {
-    tabtext(rightjustified(shownname(name, 12), 12));
-    tabtext(" ");
-    tabmarkup("{c |}");
+    prttext(rightjustified(shownname(name, 12), 12));
+    prttext(" ");
+    prtmarkup("{c |}");
 }
 
 void wordwrap(std::string_view text, Int4 width, std::vector<std::string>& lines) {

@@ -1,4 +1,4 @@
-// What the tables share: text in the text style, numbers in the result style, the stub of a row, word wrap.
+// What the tables share: the stub of a row, word wrap.
 #pragma once
 #include <string>
 #include <string_view>
@@ -7,10 +7,6 @@
 
 namespace velmo {
 
-void tabtext(std::string_view text);                    // labels: braces show
-void tabmarkup(std::string_view vtml);                  // rules and separators
-void tabnumber(const char* fmt, Double value);          // values
-void tabresult(std::string_view text);                  // values that are texts
 // The name abbreviated to 12 columns, right-justified, a blank and the bar.
 void tabstub(std::string_view name);
 // Greedy at blanks; a longer word is cut. Appends to `lines`.

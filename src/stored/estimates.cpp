@@ -5,6 +5,7 @@
 #include "core/events.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -22,9 +23,7 @@ void estimates_discarded() {
 
 // They name variables by their places in tables that have been made anew.
 void estimates_sized(sizedwhat what) {
-    if (what != sized_maxvar) return;
-    for (Int4 type = obj_escalar; type < obj_ematrix + 3; type++) objdeltype(type);
-    objdeltype(obj_estimate);
+    if (what == sized_maxvar) stored_clear(e_results);
 }
 
 }  // namespace velmo

@@ -41,6 +41,8 @@ end
 program define library
   preserve
   quietly {
+    _bystats m = mean(x) p = p9(y) f = first(s), by(s)
+    _bystats q = sum(x), by(x s) reduce
     keep in 1/60
     generate i = int((_n - 1) / 3)
     generate j = mod(_n, 3)

@@ -28,7 +28,8 @@ def refusedspace(work):
     """The nth request for work space fails, for each n that the command reaches: 909, and the data are as before."""
     commands = ["sort x", "save whole, replace", "summarize x, detail", "by x: summarize y", "merge using whole",
                 "append using whole", "egen m = median(y), by(x)", "preserve", "drop if x < 50", "collapse y, by(x)",
-                "set maxvar 6000", "insheet using t.csv, clear", "compress", "encode s in 1/20, generate(e)"]
+                "set maxvar 6000", "insheet using t.csv, clear", "compress", "encode s in 1/20, generate(e)",
+                "_bygroup g = s y, first(f)", "_bystats m = p9(y) f = first(s), by(s x) reduce"]
     lines = DATA + ["quietly save whole", "quietly outsheet using t.csv, comma"]
     for command in commands:
         for n in range(1, 7):

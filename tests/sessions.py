@@ -103,8 +103,8 @@ duplicates {drop|drop {vars}, force|tag {vars}, generate({new})} ;; sample {int}
 collapse {({mean|sum|median|p10|sd|count|max|first|iqr}) }{vars} (count) {new}={var}{if}{w}{|, by({vars})|, cw} ;;
 contract {vars}{if}{|, freq({new})|, zero|, nomiss} ;; fillin {vars} ;;
 _bygroup {new} = {vars}{if}{in}{|, missing|, count({new})|, missing number({new}) first({new})} ;;
-_bystats {type} {new} = {mean|sd|median|p9|count|max|iqr|lastnm}({num}) {new} = {count()|first({var})|sum({num})}{if}{in}{\
-w}{|, by({vars})|, by({vars}) reduce|, reduce} ;;
+_bystats {type} {new} = {mean|sd|median|p9|count|max|iqr|lastnm}({num}) {new} = {count()|first({var})|sum({num})}{if}{\
+in}{w}{|, by({vars})|, by({vars}) reduce|, reduce} ;;
 stack {vars} {vars}, into({new} {new}) {clear|wide clear|} ;; cross using {file} ;;
 joinby {vars} using {file}{|, unmatched(both)|, unmatched(master) update|, update replace} ;;
 merge {vars} using {file}{|, nokeep|, update|, update replace|, _merge({new})|, nolabel} ;;

@@ -1,6 +1,6 @@
-// Groups are split by one key after the other: a number is one key, a string one for every 8 bytes. Pairs of (group, key)
-// are numbered anew: where all that could be are few against the observations by a table of them, else by hashing those
-// that occur and sorting them, or, where these turn out to be many, by sorting all.
+// Groups are split by one key after the other: a number is one key, a string one for every 8 bytes. Pairs of (group,
+// key) are numbered anew: where all that could be are few against the observations by a table of them, else by hashing
+// those that occur and sorting them, or, where these turn out to be many, by sorting all.
 #include "estimate/groups.h"
 #include <algorithm>
 #include <limits>

@@ -1,5 +1,5 @@
-// Groups of a drawn sample, and statistics of each, without sorting the data. Groups are numbered from 0 in the order of
-// their values as the sort has it: missing last, strings bytewise, the first variable leading.
+// Groups of a drawn sample, and statistics of each, without sorting the data. Groups are numbered from 0 in the order
+// of their values as the sort has it: missing last, strings bytewise, the first variable leading.
 #pragma once
 #include <string_view>
 #include <vector>
@@ -12,8 +12,8 @@ struct grouping {
     workspace code{0};                    // of each observation of the sample
     const UInt4* codes() const { return code.get<UInt4>(); }
 };
-// Groups the sample by its sources from number `from` on, whose buffers are used up; without any it is one group. Empty,
-// it has none. 0, 1 on a Break, 909 (printed).
+// Groups the sample by its sources from number `from` on, whose buffers are used up; without any it is one group.
+// Empty, it has none. 0, 1 on a Break, 909 (printed).
 Int4 groupsample(const drawnsample& s, const std::vector<source>& sources, std::size_t from, grouping& g);
 
 // The observation that stands first in each group, and how many there are. 0 or 909 (printed).
@@ -43,8 +43,8 @@ inline boolean isownvalue(groupstat s) { return s == stat_min || s == stat_max |
 // mean, sum, ..., median, p# with 0 < # < 100: false for another word.
 boolean statnamed(std::string_view word, groupstat& stat, Double& p);
 
-// The results over the groups: sums are compensated, and with the percentiles defined, as summarize has them for a group
-// alone. 0, 1 on a Break, 909 (printed).
+// The results over the groups: sums are compensated, and with the percentiles defined, as summarize has them for a
+// group alone. 0, 1 on a Break, 909 (printed).
 Int4 groupstatistics(const drawnsample& s, const std::vector<source>& sources, const grouping& g,
                      std::vector<groupresult>& results);
 

@@ -1,7 +1,7 @@
-// The sample: the observations of the run that a command works on, those that meet the `if` and whose weight, if weights
-// were given, is neither missing nor 0. Two ways through it: `oversample` gives it block by block, for what needs only a
-// pass or two; `drawsample` takes it into buffers, for what goes through it again and again, in another order, or without
-// observations that lack a value.
+// The sample: the observations of the run that a command works on, those that meet the `if` and whose weight, if
+// weights were given, is neither missing nor 0. Two ways through it: `oversample` gives it block by block, for what
+// needs only a pass or two; `drawsample` takes it into buffers, for what goes through it again and again, in another
+// order, or without observations that lack a value.
 #pragma once
 #include <vector>
 #include "base/memalloc.h"
@@ -41,8 +41,8 @@ struct sampleblock {
 Int4 selectblock(sampleblock& b, Int4 first, Int4 n);              // 0, 401, 402
 void fetchblock(sampleblock& b, const source* sources, Int4 k);    // k of 1 to lanes
 
-// one(block, at) for the run's blocks, and within a block for each eight of the k sources from `at` on, so that the rows
-// are walked along once. 0, 1, 401, 402.
+// one(block, at) for the run's blocks, and within a block for each eight of the k sources from `at` on, so that the
+// rows are walked along once. 0, 1, 401, 402.
 template <class F> Int4 oversample(const source* sources, Int4 k, F one) {
     sampleblock b;
     return overblocks([&](Int4 first, Int4 n) {
@@ -82,7 +82,8 @@ struct drawnsample {
     const Double* weights() const { return weight.get<Double>(); }
     Double* values(Int4 j) const { return x[std::size_t(j)].get<Double>(); }
 };
-// casewise: an observation that lacks a value, or a text, of one of the sources stays out. 0, 1, 401, 402, 909 (printed).
+// casewise: an observation that lacks a value, or a text, of one of the sources stays out. 0, 1, 401, 402, 909
+// (printed).
 Int4 drawsample(const std::vector<source>& sources, boolean casewise, drawnsample& out);
 
 }  // namespace velmo

@@ -29,8 +29,8 @@ template <class F> Int4 overblocks(F one) {
     return 0;
 }
 
-// one(first, n, mask): likewise, with 1 in the mask where the `if` holds. The whole block's `if` is evaluated before one
-// sees it.
+// one(first, n, mask): likewise, with 1 in the mask where the `if` holds. The whole block's `if` is evaluated before
+// one sees it.
 template <class F> Int4 overmasks(F one) {
     UByte mask[blocksize];
     return overblocks([&](Int4 first, Int4 n) {
@@ -39,8 +39,8 @@ template <class F> Int4 overmasks(F one) {
     });
 }
 
-// one(obs): the observations that the `if` selects. Where it reads the variable `written` at other observations, or draws
-// random numbers between those that one() draws, it is evaluated right before the call.
+// one(obs): the observations that the `if` selects. Where it reads the variable `written` at other observations, or
+// draws random numbers between those that one() draws, it is evaluated right before the call.
 template <class F> Int4 overobs(F one, Int4 written = 0) {
     boolean masked = exp_maskable(written);
     UByte mask[blocksize];

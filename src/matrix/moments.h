@@ -1,6 +1,6 @@
-// Moments: counts, sums, extremes and powers of deviations. What `summarize` leaves for a variable is one `moments`; the
-// kernels fill it from buffers, in passes: sums first, then what needs the mean. A missing value doesn't count. The order
-// and the correction of every sum are those of one variable alone, however many go side by side.
+// Moments: counts, sums, extremes and powers of deviations. What `summarize` leaves for a variable is one `moments`;
+// the kernels fill it from buffers, in passes: sums first, then what needs the mean. A missing value doesn't count.
+// The order and the correction of every sum are those of one variable alone, however many go side by side.
 #pragma once
 #include "matrix/compadd.h"
 
@@ -50,8 +50,8 @@ void moments_first(moments& m, weighing kind);
 void moments_second(moments& m, weighing kind);
 void moments_higher(moments& m);
 
-// ---- Up to eight variables side by side, two to a vector register: rows of `lanes` values, of which the first k count;
-// of an odd number the next is missing. The running state of up to 32 variables, in pairs, is a sweep.
+// ---- Up to eight variables side by side, two to a vector register: rows of `lanes` values, of which the first k
+// count; of an odd number the next is missing. The running state of up to 32 variables, in pairs, is a sweep.
 
 inline constexpr Int4 lanes = 8;
 inline constexpr Int4 sweepwidth = 32;

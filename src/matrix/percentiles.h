@@ -1,5 +1,5 @@
-// Percentiles of n values in a buffer, by the definition of summarize, detail: of sorted values without weights, and with
-// them. Also the sorts that bring a buffer in order.
+// Percentiles of n values in a buffer, by the definition of summarize, detail: of sorted values without weights, and
+// with them. Also the sorts that bring a buffer in order.
 #pragma once
 #include "base/types.h"
 

@@ -228,8 +228,8 @@ Int4 addcolumns(const std::vector<request>& requests, const std::vector<groupres
     return 0;
 }
 
-// Of each group the first observation stays, in the order of the groups, by which the data are then sorted. Nothing here
-// can fail.
+// Of each group the first observation stays, in the order of the groups, by which the data are then sorted. Nothing
+// here can fail.
 void keepfirsts(const Int4* first, Int4 groups, const std::vector<Int4>& by, UByte* gone, UInt4* rows) {
     std::fill_n(gone, nobs, UByte(1));
     for (Int4 k = 0; k < groups; k++) {
@@ -252,7 +252,10 @@ Int4 reduce(const std::vector<newcolumn>& columns, const drawnsample& s, const g
         for (const newcolumn& c : columns) c.put(first.get<Int4>()[k], UInt4(k));
         if (tick()) return 1;
     }
-    for (std::size_t i = 0; i < by.size(); i++) by.erase(std::remove(by.begin() + Int4(i) + 1, by.end(), by[i]), by.end());
+    for (std::size_t i = 0; i < by.size(); i++) {
+        auto behind = by.begin() + std::ptrdiff_t(i) + 1;
+        by.erase(std::remove(behind, by.end(), by[i]), by.end());
+    }
     keepfirsts(first.get<Int4>(), g.groups, by, gone.get<UByte>(), rows.get<UInt4>());
     return 0;
 }

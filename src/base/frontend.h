@@ -1,7 +1,7 @@
 // The front end: what gives typed lines to the session and shows what it prints. It is a table of calls, so that a
 // terminal, a plain pipe, a test or a window are tables of their own, and nothing of the session asks which one it is.
-// It knows nothing of commands; whether a pause is wanted, and what a line means, is settled before it is called. A call
-// that a front end doesn't have stays as it is here: there is nobody who types, and nobody who looks.
+// It knows nothing of commands; whether a pause is wanted, and what a line means, is settled before it is called. A
+// call that a front end doesn't have stays as it is here: there is nobody who types, and nobody who looks.
 //
 // Lines come as records of output/vtml.h. The calls for them come from inside print calls: they must not print.
 #pragma once

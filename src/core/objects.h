@@ -57,7 +57,7 @@ void objdelthis(object* o);
 void objread(object* o, std::size_t offset, void* out, std::size_t n);      // clipped to datalen
 void objwrite(object* o, std::size_t offset, const void* in, std::size_t n);
 Int4 objrename(object* o, std::string_view newname);     // keeps its place; 0
-// Gives an object another name and type without copying it, as the newest one; all of a type another type, in their order.
+// Gives an object another name and type without copying it, as the newest one; all of a type another type, in order.
 void objmove(object* o, std::string_view newname, Int4 newtype);
 void objmovetype(Int4 from, Int4 to);
 void objdeltype(Int4 type);

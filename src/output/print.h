@@ -2,8 +2,8 @@
 // and returns breakpending, so that a loop of prints stops by testing the result. prt takes text from users and data
 // (braces show); prtraw takes VTML written by the program.
 //
-// Every piece has a role, which gives its colour, and by which quietly and capture leave it out. The role is told by the
-// call (prttext, prtresult, prtnumber, prtmarkup), or for a whole scope by a guard, when calls without a role follow:
+// Every piece has a role, which gives its colour, and by which quietly and capture leave it out. The role is told by
+// the call (prttext, prtresult, prtnumber, prtmarkup), or for a whole scope by a guard, when calls without one follow:
 //   printing as(out_error);
 // A command begins as out_result.
 #pragma once

@@ -6,8 +6,8 @@
 //   return()  what an r-class program is building, under its level. When the program ends well it becomes r(), in place
 //             of all that was there; when it fails it is dropped.
 //   named     the user's own scalars and matrices, visible at every level.
-// All are objects of core/objects: a scalar a Double, a macro a text, a matrix three objects (body, names of rows, names
-// of columns) of neighbouring types. In a family a name is one result: the newer kind takes it from the others.
+// All are objects of core/objects: a scalar a Double, a macro a text, a matrix three objects (body, names of rows,
+// names of columns) of neighbouring types. In a family a name is one result: the newer kind takes it from the others.
 #pragma once
 #include <string>
 #include <string_view>

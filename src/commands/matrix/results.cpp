@@ -116,7 +116,8 @@ Int4 cmd_sreturn() {
     static constexpr keyword words[] = {{"local", 3, 0}, {"drop", 4, 1}, {"list", 2, 2}, {"clear", 5, 3}};
     Int4 word = lookup(words, nexttoken());
     if (word < 0) return error(198);
-    if (word == 0) return inprogram && programclass == class_s ? macrodefine(define_sreturn, putmacro<s_results>) : error(153);
+    boolean allowed = inprogram && programclass == class_s;
+    if (word == 0) return allowed ? macrodefine(define_sreturn, putmacro<s_results>) : error(153);
     if (word == 1) return dropfrom(s_results);
     if (Int4 rc = nothingbehind()) return rc;
     if (word == 2) return listfamily(s_results);

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "console/keys.h"
 #include "output/results.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

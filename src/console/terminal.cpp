@@ -17,6 +17,7 @@
 #include "core/upcalls.h"
 #include "language/dofile.h"
 #include "output/results.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

@@ -51,10 +51,6 @@ Int4 setmemory(std::uint64_t bytes);
 Int4 setmaxvar(Int4 n);            // 2048 to 32767, bounds checked by the caller
 Int4 setmatsize(Int4 n);           // 10 to 11000, bounds checked by the caller
 
-// Walks arena, pointers and objects and checks every rule they promise: 0, or 9997, 9998, 9999. With VELMO_STRESS
-// the turn calls it after every command.
-Int4 memory_check();
-
 // VELMO_STRESS: maps the block at a new address and unmaps the old one. Called by every store call in that build;
 // does nothing in others.
 void memory_stress();

@@ -8,9 +8,11 @@
 #include "base/text.h"
 #include "core/events.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/labels.h"
+#include "data/structure.h"
 #include "output/errors.h"
 #include "output/formats.h"
 

@@ -1,5 +1,6 @@
 // Reading a dataset file: the header by its layout, the tables, and what follows piece by piece. All bytes come
 // through one buffer, which grows only to what a checked size asks for.
+#include "data/dtaread.h"
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -275,12 +276,6 @@ Int4 readtables(dtafile& f, const layout& l, Int4 nvar) {
 }
 
 }  // namespace
-
-Int4 dtahead::width() const {
-    Int4 n = 0;
-    for (UByte type : types) n += varsize(type);
-    return n;
-}
 
 dtafile::~dtafile() { dta_close(*this); }
 

@@ -1,4 +1,5 @@
 // Writing a dataset file: its parts through a bytewriter, and the dataset in memory as a whole.
+#include "data/dtawrite.h"
 #include <algorithm>
 #include <bit>
 #include <cstdio>
@@ -14,6 +15,7 @@
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/dtafile.h"
+#include "data/dtamemory.h"
 #include "output/errors.h"
 
 namespace velmo {

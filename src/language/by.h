@@ -20,6 +20,9 @@ struct bycall {
     boolean last = false;
     std::string vars, options, marker;
 };
+// State
+extern bycall nextcall;
+
 // Makes the pending call's facts the session's (_by(), _byindex(), _bylastcall(), the locals _byvars, _byrc0, _byindex)
 // or, without one, says that no by is in force. Called inside the new level. 0 or a code.
 Int4 by_enter();

@@ -1,4 +1,5 @@
 // The extended macro functions of the language itself; those of other subsystems stand with them.
+#include "language/extfunctions.h"
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -9,12 +10,13 @@
 #include "core/quotes.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"
+#include "core/tokenizer.h"
 #include "data/chars.h"
 #include "data/dataset.h"
 #include "data/labels.h"
 #include "data/timeseries.h"
-#include "language/expand.h"
-#include "language/stdparse.h"
+#include "language/options.h"
+#include "language/tempnames.h"
 #include "matrix/results.h"
 #include "output/errors.h"
 
@@ -122,13 +124,7 @@ Int4 ext_tempvar(std::string& out) {
     return 0;
 }
 
-Int4 ext_tempfile(std::string& out) {
-    char path[pathsize];
-    tempfilecounter = tempfilecounter >= 1333000 ? 1 : tempfilecounter + 1;
-    if (Int4 rc = tempfilename(path, '_', tempfilecounter)) return error(rc);
-    out = path;
-    return 0;
-}
+Int4 ext_tempfile(std::string& out) { return newtempfile(out); }
 
 Int4 ext_sortedby(std::string& out) {
     for (const UInt2* key = srt; *key; key++) out += (out.empty() ? "" : " ") + std::string(varlist[*key - 1]);

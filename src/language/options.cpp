@@ -1,4 +1,5 @@
 // The option table: each word behind the comma with the text of its parentheses, and whether a getter took it.
+#include "language/options.h"
 #include <cmath>
 #include "base/text.h"
 #include "core/quotes.h"

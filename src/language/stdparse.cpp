@@ -11,6 +11,7 @@
 #include "data/timeseries.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
+#include "language/options.h"
 #include "language/varlist.h"
 #include "output/errors.h"
 #include "output/print.h"

@@ -1,11 +1,12 @@
 // The description language of syntax.h, read into rules.
+#include "language/syntaxrules.h"
 #include <algorithm>
 #include <cmath>
 #include "base/state.h"
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/quotes.h"
-#include "language/syntax.h"
+#include "language/parse.h"
 #include "language/words.h"
 #include "output/errors.h"
 

@@ -5,7 +5,7 @@
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/quotes.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "output/errors.h"
 
 namespace velmo {

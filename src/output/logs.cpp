@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "output/vtmllogs.h"
 
 namespace velmo {
 

@@ -8,6 +8,7 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "output/vtmlinternal.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

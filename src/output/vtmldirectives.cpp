@@ -6,6 +6,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "output/vtmlinternal.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

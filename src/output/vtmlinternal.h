@@ -10,6 +10,7 @@
 // work (braces sought, texts repeated and measured) than any output needs: no input takes time without bound.
 #pragma once
 #include "output/vtml.h"
+#include "output/vtmllogs.h"
 
 namespace velmo {
 

@@ -10,7 +10,7 @@
 #include "core/events.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"
-#include "language/expand.h"
+#include "language/extfunctions.h"
 #include "output/results.h"
 
 namespace velmo {
@@ -23,8 +23,8 @@ namespace velmo {
 #undef CMD
 #undef NOCMD
 
-#define CMD(word, min, handler, flags, from, until) {#word, min, cmd_##handler, UByte(flags), from, until},
-#define NOCMD(word, min, flags, from, until) {#word, min, nullptr, UByte(flags), from, until},
+#define CMD(word, min, handler, flags, from, until) {#word, min, cmd_##handler, UInt2(flags), from, until},
+#define NOCMD(word, min, flags, from, until) {#word, min, nullptr, UInt2(flags), from, until},
 constexpr command commandrows[] = {
 #include "core/commands.def"
 };

@@ -9,8 +9,10 @@
 #include <vector>
 #include "core/memory.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/chars.h"
+#include "data/structure.h"
 #include "putlabel.h"
 #include "data/run.h"
 #include "data/sorting.h"

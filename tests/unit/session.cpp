@@ -1,4 +1,5 @@
 // A session made anew in a process that has had one: nothing of the first is left in the second.
+#include "language/tempnames.h"
 #include "session/session.h"
 #include <gtest/gtest.h>
 #include <filesystem>
@@ -10,7 +11,6 @@
 #include "core/objects.h"
 #include "data/dataset.h"
 #include "data/preserve.h"
-#include "language/expand.h"
 #include "language/turn.h"
 #include "matrix/results.h"
 

@@ -9,10 +9,11 @@
 #include "data/cells.h"
 #include "data/run.h"
 #include "data/timeseries.h"
-#include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "language/expand.h"
+#include "language/options.h"
 #include "language/stdparse.h"
+#include "language/tempnames.h"
 #include "language/words.h"
 #include "output/errors.h"
 

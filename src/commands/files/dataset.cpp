@@ -11,9 +11,13 @@
 #include "core/macros.h"
 #include "data/cells.h"
 #include "data/dtafile.h"
+#include "data/dtamemory.h"
+#include "data/dtaread.h"
+#include "data/dtawrite.h"
 #include "data/preserve.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
 #include "output/errors.h"
@@ -102,7 +106,6 @@ Int4 savename(char (&path)[pathsize]) {
 
 // save [filename] [, replace nolabel old midscale all internal]
 Int4 cmd_save() {
-    if (bymode) return error(190);
     if (nvar == 0) return error(111);
     char path[pathsize];
     saveoptions o;
@@ -228,7 +231,6 @@ Int4 setorigin(const origin& o) {
 
 // use filename [, clear nolabel internal];  use [varlist] [if exp] [in range] using filename [, ...]
 Int4 cmd_use() {
-    if (bymode) return error(190);
     char* start = tokpos;
     char name[tokensize];
     useoptions o;
@@ -256,7 +258,6 @@ Int4 cmd_use() {
 
 // preserve [, changed]: a copy is kept whether the data have changed or not.
 Int4 cmd_preserve() {
-    if (bymode) return error(190);
     if (Int4 rc = parseoptions()) return rc;
     getopt_flag("changed", 7);
     if (Int4 rc = getopt_done()) return rc;
@@ -265,7 +266,6 @@ Int4 cmd_preserve() {
 
 // restore [, not preserve]
 Int4 cmd_restore() {
-    if (bymode) return error(190);
     if (Int4 rc = parseoptions()) return rc;
     boolean cancel = getopt_flag("not", 3), keep = getopt_flag("preserve", 8);
     if (Int4 rc = getopt_done()) return rc;

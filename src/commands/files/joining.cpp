@@ -2,9 +2,13 @@
 #include <algorithm>
 #include <cstring>
 #include "base/text.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/chars.h"
+#include "data/dtamemory.h"
+#include "data/dtaread.h"
 #include "data/labels.h"
+#include "data/structure.h"
 #include "output/errors.h"
 
 namespace velmo {

@@ -5,6 +5,7 @@
 #include "commands/files/celltext.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 

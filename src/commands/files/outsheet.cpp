@@ -5,6 +5,7 @@
 #include "data/dataset.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 

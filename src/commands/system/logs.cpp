@@ -6,9 +6,10 @@
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/settings.h"
+#include "core/tokenizer.h"
 #include "core/webfile.h"
 #include "data/run.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "matrix/results.h"
 #include "output/errors.h"
 #include "output/logs.h"
@@ -160,7 +161,6 @@ Int4 showlog() {
 }  // namespace
 
 Int4 cmd_log() {
-    if (bymode) return error(190);
     if (tokpeeknonblank() == 0) return showlog();
     Int4 word = lookup(subcommands, nexttoken());
     if (word < 0) return error(198);
@@ -172,7 +172,6 @@ Int4 cmd_log() {
 Int4 cmd_cmdlog() {
     char name[tokensize];
     logoptions o;
-    if (bymode) return error(190);
     if (tokpeeknonblank() == 0) return showcmdlog();
     Int4 word = lookup(subcommands, nexttoken());
     if (word < 0) return error(198);

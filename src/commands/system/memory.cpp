@@ -9,6 +9,7 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "core/settings.h"
 #include "core/tokenizer.h"
 #include "data/dataset.h"

@@ -12,9 +12,10 @@
 #include "core/prefs.h"
 #include "core/quotes.h"
 #include "core/settings.h"
+#include "core/tokenizer.h"
 #include "data/run.h"
 #include "data/sorting.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "matrix/random.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -22,40 +23,6 @@
 #include "output/results.h"
 
 namespace velmo {
-
-// ---- Arguments.
-
-Int4 nothingelse() { return nexttoken()[0] ? error(198) : 0; }
-
-Int4 readbounded(std::string_view name, Int4 lo, Int4 hi, Int4& value) {
-    Double n;
-    if (!readnumber(nexttoken(breaknum), n) || n != std::floor(n)) return error(198);
-    Int4 whole = Int4(std::clamp(n, -2147483648.0, 2147483647.0));
-    if (Int4 rc = boundscheck(name, whole, lo, hi)) return rc;
-    value = whole;
-    return 0;
-}
-
-Int4 readreal(Double& value) {
-    Double n;
-    if (!readnumber(nexttoken(breaknum), n) || !std::isfinite(n)) return error(198);
-    if (Int4 rc = nothingelse()) return rc;
-    value = n;
-    return 0;
-}
-
-Int4 permanentoption(boolean& permanent) {
-    if (Int4 rc = parseoptions()) return rc;
-    permanent = getopt_flag("permanent", 4);
-    return getopt_done();
-}
-
-Int4 recorded(const char* name) {
-    if (!prefs_save()) return fileerror(603, prefs_file());
-    saved level(outlevel, UByte(1));
-    prtcolour();
-    return prtrawf("({cmd:set %s} preference recorded)\n", name);
-}
 
 namespace {
 
@@ -99,7 +66,6 @@ Int4 take(const setting& row) {
 
 // set word argument
 Int4 cmd_set() {
-    if (bymode) return error(190);
     if (nexttoken()[0] == 0) return error(198);
     const setting* row = settingrow(tokbuf);
     if (!row) return notallowed(tokcontent());

@@ -5,7 +5,7 @@
 #include "core/macros.h"
 #include "language/expand.h"
 #include "language/numlist.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "language/words.h"
 #include "matrix/results.h"
 #include "output/errors.h"

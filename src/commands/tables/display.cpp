@@ -7,11 +7,11 @@
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/macros.h"
+#include "core/tokenizer.h"
 #include "core/upcalls.h"
-#include "data/dataset.h"
+#include "data/cells.h"
 #include "data/run.h"
 #include "expr/value.h"
-#include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
@@ -280,7 +280,6 @@ Int4 walkitems(displaystate& s) {
 }  // namespace
 
 Int4 cmd_display() {
-    if (bymode) return error(190);
     saved level(outlevel, UByte(0));
     saved quiet(quietlevel, version < 220 ? UByte(0) : quietlevel);
     displaystate s{};

@@ -10,6 +10,7 @@
 #include "data/labels.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"

@@ -15,6 +15,7 @@
 #include "data/sorting.h"
 #include "data/timeseries.h"
 #include "expr/evaluate.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "matrix/compadd.h"
 #include "matrix/results.h"

@@ -18,6 +18,12 @@
 
 namespace velmo {
 
+char (*varlist)[namesize];
+UByte* typ;
+UInt4* mapi;
+char (*fmt)[fmtsize];
+char (*lbl)[namesize];
+UInt2* srt;
 Int4 nvar;
 Int4 visnvar;
 UByte datachanged;

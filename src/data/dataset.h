@@ -1,7 +1,7 @@
 // The dataset: nvar variables by nobs observations in the rectangle. Variable v (from 1) takes the bytes mapi[v-1]
 // to mapi[v-1] + varsize(typ[v-1]) - 1 of each row, without padding, in the order of the variables. The tables
-// varlist, typ, mapi, fmt, lbl, srt (core/memory.h) are parallel and indexed by v - 1; srt holds the variable numbers
-// of the sort key with a zero behind. A variable's label, characteristics and notes are objects keyed by its name.
+// varlist, typ, mapi, fmt, lbl are parallel and indexed by v - 1; srt holds the variable numbers of the sort key with a
+// zero behind. A variable's label, characteristics and notes are objects keyed by its name.
 //
 // Two names bypass the checks of addvar: `_delete`, a scratch variable, and `(e)`, the byte variable that marks the
 // estimation sample, found by exact name only and dropped when every other variable is.
@@ -12,6 +12,12 @@
 namespace velmo {
 
 // State
+extern char (*varlist)[namesize];  // names
+extern UByte* typ;             // storage types
+extern UInt4* mapi;            // byte offsets in the row
+extern char (*fmt)[fmtsize];   // display formats
+extern char (*lbl)[namesize];  // names of attached value labels
+extern UInt2* srt;             // the sort key
 extern Int4 nvar;              // variables
 extern Int4 visnvar;           // variables that look-up sees; a command raises it to nvar once its new ones are filled
 extern UByte datachanged;      // since the last save or load, in a variable whose name doesn't begin with _

@@ -4,6 +4,9 @@
 
 namespace velmo {
 
+UInt2* by;
+Int4 nby;
+Int4 bydepth;
 bycall nextcall;
 
 Int4 by_enter() {

@@ -21,6 +21,9 @@ struct bycall {
     std::string vars, options, marker;
 };
 // State
+extern UInt2* by;                   // variables of the prefix, maxvar + 1 at most
+extern Int4 nby;                    // their number
+extern Int4 bydepth;                // nesting over programs, maxbydepth at most
 extern bycall nextcall;
 
 // Makes the pending call's facts the session's (_by(), _byindex(), _bylastcall(), the locals _byvars, _byrc0, _byindex)

@@ -1,7 +1,7 @@
 // Macro expansion: `name' and $name in cmdbuf are replaced by their values before a line is parsed, in place, left to
 // right; what a reference produces is itself expanded at the same place, at most 21 times. Beside plain macros a
 // reference may be a result `r(name)', a characteristic `owner[name]', an expression `=exp' or an extended function
-// `:text'. Work space comes from a stack of blocks of macrolen bytes, released in reverse order.
+// `:text'. The line is worked on where it stands: no other buffer is needed.
 #pragma once
 #include <string>
 #include <string_view>

@@ -10,6 +10,7 @@
 #include "core/tokenizer.h"
 #include "data/run.h"
 #include "expr/program.h"
+#include "language/varlist.h"
 
 namespace velmo {
 
@@ -57,7 +58,7 @@ struct form {
 // State
 extern form parsing;          // the form being parsed; the usual one outside stdparse and who calls its parts
 
-// Results. vl_vr and vl_rcp are in core/memory.h.
+// Results, with vl_vr and vl_rcp (varlist.h).
 extern Int4 vl_n;             // entries
 extern Int4 vl_groups[5], vl_ngroups;     // end of each parenthesised group, as a count of entries
 extern Int4 vl_groupbegin;                // entries ahead of the first group

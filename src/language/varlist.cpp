@@ -9,6 +9,9 @@
 
 namespace velmo {
 
+Int4* vl_vr;
+tsvar* vl_rcp;
+
 boolean isstopword(const char* word) {
     static constexpr std::string_view words[] = {"with", "using", "if", "in", "%", "=", ",", "[", ""};
     for (std::string_view w : words)

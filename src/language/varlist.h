@@ -7,6 +7,12 @@
 
 namespace velmo {
 
+struct tsvar;    // data/timeseries.h
+
+// State: the list of the running command
+extern Int4* vl_vr;           // variables, maxvar + 1 at most
+extern tsvar* vl_rcp;         // their time-series operators
+
 // Reads from the cursor up to a stop word. 0 or a code, printed.
 Int4 existinglist();
 Int4 newlist();

@@ -8,9 +8,16 @@
 #include "base/state.h"
 #include "core/commands.h"
 #include "core/events.h"
+#include "core/memory.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"
+#include "core/tokenizer.h"
+#include "data/dataset.h"
+#include "data/timeseries.h"
+#include "language/by.h"
 #include "language/extfunctions.h"
+#include "language/review.h"
+#include "language/varlist.h"
 #include "output/results.h"
 
 namespace velmo {
@@ -120,6 +127,22 @@ static_assert(settingsfine());
 
 extern const setting* const settings = settingrows;
 extern const Int4 nsettings = Int4(std::size(settingrows));
+
+// ---- Fixed tables.
+
+#define TABLE(label, variable, n) \
+    {#label, [](void* p) { variable = static_cast<decltype(variable)>(p); }, sizeof *variable, (n) * sizeof *variable, false},
+#define TEXT(label, variable, n) \
+    {#label, [](void* p) { variable = static_cast<decltype(variable)>(p); }, namesize, n, true},
+static constexpr fixedrow fixedtablerows[] = {
+#include "session/fixedtables.def"
+};
+#undef TABLE
+#undef TEXT
+static_assert(std::size(fixedtablerows) < std::size(fixedtables));
+
+extern const fixedrow* const fixedrows = fixedtablerows;
+extern const Int4 nfixedrows = Int4(std::size(fixedtablerows));
 
 // ---- Extended macro functions.
 

@@ -128,7 +128,7 @@ Int4 debugterm() {
 
 wide address(const void* p) { return wide(reinterpret_cast<UPint>(p)); }
 
-Int4 fixedrows() {
+Int4 showtables() {
     wide total = 0;
     prtf("mtr.n = %d\n", nfixedtables);
     for (Int4 i = 0; i < nfixedtables; i++) {
@@ -136,7 +136,7 @@ Int4 fixedrows() {
         wide start = address(t.p), end = start + t.size;
         long long gap = i + 1 < nfixedtables ? static_cast<long long>(address(fixedtables[i + 1].p) - end) : 0;
         prtf("%2d. %8llx + %08llx = %08llx  ", i + 1, start, wide(t.size), end);
-        if (Int4 rc = prtf("(%s)  gap %lld\n", t.label, gap)) return rc;
+        if (Int4 rc = prtf("(%s)  gap %lld\n", fixedrows[i].label, gap)) return rc;
         total += t.size;
     }
     if (nfixedtables == Int4(std::size(fixedtables))) prt("NTRACKS too small\n");
@@ -146,7 +146,7 @@ Int4 fixedrows() {
 Int4 debugmemory() {
     prtf("maxmaxvar=%d maxlrecl=%d\n", maxvar, maxlrecl());
     prtf("conslen=%d macrolen=%d\n", conslen, macrolen);
-    if (Int4 rc = fixedrows()) return rc;
+    if (Int4 rc = showtables()) return rc;
     prtf("nvar %d nobs %d\n", nvar, nobs);
     prtf("mvar %d mobs %d tobs %d\n", mvar, maxobs, tmaxobs);
     prtf("lrecl %d\n", lrecl);

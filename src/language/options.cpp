@@ -3,12 +3,13 @@
 #include <cmath>
 #include "base/text.h"
 #include "core/quotes.h"
-#include "core/settings.h"
 #include "data/dataset.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 
 namespace velmo {
+
+Int4 confidencelevel = 95;
 
 namespace {
 
@@ -161,7 +162,7 @@ Int4 getopt_vars(const char* name, Int4 min, std::vector<Int4>& vars, boolean& f
 
 Int4 getopt_level(Int4 min, Int4& level) {
     Int4 n;
-    level = set_level;
+    level = confidencelevel;
     if (Int4 rc = getopt_int("level", min, &level, 1, n)) return rc;
     return boundscheck("level()", level, 10, 99);
 }

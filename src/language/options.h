@@ -7,6 +7,9 @@
 
 namespace velmo {
 
+// State
+extern Int4 confidencelevel;      // set level: what level() is without the option
+
 // Options alone, from a comma at the cursor or the end of the line.
 Int4 parseoptions();
 

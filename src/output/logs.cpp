@@ -11,6 +11,8 @@
 
 namespace velmo {
 
+UByte logastext = 0;
+char logprefix[256];
 logstate sessionlog, commandlog;
 
 namespace {

@@ -12,8 +12,6 @@
 
 namespace velmo {
 
-UByte maccharset = 0;
-
 namespace {
 
 constexpr std::string_view marker = "{vtml}\n";

@@ -22,9 +22,6 @@ using vcallback = Int4 (*)(void* data, const UByte* record, Int4 code);
 
 struct vstream;    // vtmlinternal.h
 
-// State
-extern UByte maccharset;       // set charset mac: the second column of the character table
-
 vstream* vstream_new();                          // null when memory is short
 void vstream_delete(vstream* s);                 // flushes, tells the consumer 3 and 4, frees
 Int4 vstream_setlinesize(vstream* s, Int4 n);    // clamps to 40..255 and returns the result

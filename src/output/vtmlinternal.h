@@ -112,9 +112,6 @@ boolean vtml_directive(vstream* s, std::string_view body);
 // True when the text behind a brace begins with the name of a directive, or with ?
 boolean vtml_isdirective(std::string_view text);
 
-// vtmlchars.cpp: the character that {c x} names; false when there is none
-boolean vtml_char(std::string_view name, UByte& code, boolean& graphic);
-
 // vtmlhelp.cpp
 void vtml_helptext(vstream* s, std::string_view text);
 void vtml_helpflush(vstream* s);                               // the unfinished line, if any

@@ -14,10 +14,13 @@
 #include "core/tokenizer.h"
 #include "data/dataset.h"
 #include "data/timeseries.h"
+#include "language/autoload.h"
 #include "language/by.h"
 #include "language/extfunctions.h"
+#include "language/options.h"
 #include "language/review.h"
 #include "language/varlist.h"
+#include "output/logs.h"
 #include "output/results.h"
 
 namespace velmo {

@@ -1,5 +1,6 @@
 // The markup engine, seen through the records it hands to a consumer.
 #include "output/vtml.h"
+#include "output/vtmlchars.h"
 #include "output/vtmllines.h"
 #include "output/vtmllogs.h"
 #include <cstdio>

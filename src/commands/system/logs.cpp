@@ -5,7 +5,6 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"
-#include "core/settings.h"
 #include "core/tokenizer.h"
 #include "core/webfile.h"
 #include "data/run.h"
@@ -50,9 +49,9 @@ std::string suffixof(std::string_view name) {
 // An option, then the suffix, then the setting tells the type. Of two options the one that the setting isn't wins.
 boolean isvtml(const char* name, const logoptions& o) {
     if (o.text != o.vtml) return o.vtml;
-    if (o.text) return set_logtext;
+    if (o.text) return logastext;
     std::string suffix = suffixof(name);
-    return suffix == ".log" ? false : suffix == ".vtml" ? true : !set_logtext;
+    return suffix == ".log" ? false : suffix == ".vtml" ? true : !logastext;
 }
 
 Int4 nothingbehind() { return nexttoken()[0] ? error(198) : 0; }
@@ -196,7 +195,7 @@ Int4 ext_log(std::string& out) {
     if (word == "filename") out = open ? sessionlog.name : "";
     else if (word == "status") out = !open ? "closed" : sessionlog.on ? "on" : "off";
     else if (word == "type") out = !open ? "" : sessionlog.vtml ? "vtml" : "text";
-    else if (word == "prefix") out = set_prefix;
+    else if (word == "prefix") out = logprefix;
     else return error(198);
     return 0;
 }

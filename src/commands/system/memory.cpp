@@ -14,6 +14,7 @@
 #include "core/tokenizer.h"
 #include "data/dataset.h"
 #include "data/run.h"
+#include "language/autoload.h"
 #include "language/turn.h"
 #include "matrix/results.h"
 #include "output/errors.h"
@@ -55,7 +56,7 @@ void storeusage(const usage& u) {
         {"N_cur", Double(nobs)},      {"N_curmax", Double(maxobs)}, {"k_cur", Double(nvar)},
         {"w_cur", Double(width)},     {"M_total", u.total},         {"M_data", u.rows},
         {"M_dyn", u.objects},         {"size_ptr", pointersize},    {"k", Double(shownvars())},
-        {"width", Double(width)},     {"adosize", Double(set_adosize)}, {"matsize", Double(matsize)},
+        {"width", Double(width)},     {"adosize", Double(adosize)}, {"matsize", Double(matsize)},
         {"n_repart", Double(n_repart)}, {"n_shift", Double(n_shift)},
     };
     for (const auto& row : rows) rstore(row.name, row.value);

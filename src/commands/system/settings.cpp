@@ -19,8 +19,10 @@
 #include "matrix/random.h"
 #include "output/errors.h"
 #include "output/formats.h"
+#include "output/logs.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "output/vtmlchars.h"
 
 namespace velmo {
 
@@ -83,7 +85,7 @@ Int4 setting_pagesize() {
     return 0;
 }
 
-Int4 setting_level() { return macroset("S_level", std::to_string(set_level)); }
+Int4 setting_level() { return macroset("S_level", std::to_string(confidencelevel)); }
 
 Int4 setting_network() {
     network_store();
@@ -120,11 +122,11 @@ Int4 setting_charset() {
     std::string word = nexttoken();
     if (word != "latin1" && word != "mac") return errorf(198, "charset %s invalid\n", tokcontent());
     if (Int4 rc = nothingelse()) return rc;
-    set_maccharset = word == "mac";
+    maccharset = word == "mac";
     return 0;
 }
 
-std::string shown_charset() { return set_maccharset ? "mac" : "latin1"; }
+std::string shown_charset() { return maccharset ? "mac" : "latin1"; }
 
 // set more on|off [, permanent], or a number (0 is off), which is for the session only.
 Int4 setting_more() {
@@ -162,11 +164,11 @@ Int4 setting_logtype() {
         return 198;
     }
     if (Int4 rc = nothingelse()) return rc;
-    set_logtext = UByte(value);
+    logastext = UByte(value);
     return 0;
 }
 
-std::string shown_logtype() { return set_logtext ? "text" : "vtml"; }
+std::string shown_logtype() { return logastext ? "text" : "vtml"; }
 
 Int4 setting_dp() {
     static constexpr keyword words[] = {{"period", 3, 0}, {"comma", 3, 1}};

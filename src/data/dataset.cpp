@@ -30,7 +30,6 @@ UByte datachanged;
 UByte defaulttype = typefloat;
 char datalabel[81];
 
-
 namespace {
 
 std::vector<UInt2> nameindex;      // variable numbers, 0: free; a power of two, at least twice nvar
@@ -98,10 +97,11 @@ boolean isstrname(std::string_view name) {
 }
 
 // The variables that `name` is a prefix of: none, the only one, or -1 for several.
-Int4 findprefix(std::string_view name) {
+Int4 findprefix(const nametable& among, std::string_view name) {
     Int4 found = 0;
-    for (Int4 v = 1; v <= visnvar; v++) {
-        if (varlist[v - 1][0] != name[0] || nameof(v).substr(0, name.size()) != name) continue;
+    for (Int4 v = 1; v <= among.n; v++) {
+        const char* full = among.names[v - 1];
+        if (full[0] != name[0] || fieldtext(full, namesize).substr(0, name.size()) != name) continue;
         if (found) return -1;
         found = v;
     }
@@ -126,17 +126,29 @@ void namesmoved() { indexvalid = false; }
 
 Int4 findvar(std::string_view name) { return findamong(name, visnvar); }
 
-Int4 lookupvar(std::string_view name, Int4 mode) {
+Int4 lookupamong(const nametable& among, std::string_view name) {
     if (!validname(name)) return -badname(name);
-    if (mode == lookup_ref && visnvar == 0) return -error(111);
+    if (among.n == 0) return -error(111);
+    Int4 found = 0;
+    if (!among.index)
+        found = findamong(name, among.n);
+    else if (auto at = among.index->find(std::string(name)); at != among.index->end())
+        found = at->second;
+    if (!found) found = findprefix(among, name);
+    if (found < 0) return -nameerror(name_ambiguous, name);
+    return found ? found : -varnotfound(name);
+}
+
+Int4 lookupvar(std::string_view name, Int4 mode) {
+    if (mode == lookup_ref) return lookupamong(datatable(), name);
+    if (!validname(name)) return -badname(name);
     Int4 exact = findamong(name, mode == lookup_free ? nvar : visnvar);
     if (mode == lookup_free && exact) return -nameerror(name_defined, name);
     if (exact) return exact;
     if (mode == lookup_free || mode == lookup_exact) return nvar + 1;
-    Int4 found = findprefix(name);
+    Int4 found = findprefix(datatable(), name);
     if (found < 0) return -nameerror(name_ambiguous, name);
-    if (found > 0) return found;
-    return mode == lookup_ref ? -varnotfound(name) : nvar + 1;
+    return found > 0 ? found : nvar + 1;
 }
 
 Int4 checkvarname(std::string_view name) {

@@ -6,7 +6,9 @@
 // Two names bypass the checks of addvar: `_delete`, a scratch variable, and `(e)`, the byte variable that marks the
 // estimation sample, found by exact name only and dropped when every other variable is.
 #pragma once
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include "core/rectangle.h"
 
 namespace velmo {
@@ -34,6 +36,15 @@ enum lookupmode : Int4 {
 // The variable, or minus a code whose message has been printed. A name that isn't valid is minus 198. With no
 // variables: lookup_ref is minus 111 ("no variables defined"), the others 1.
 Int4 lookupvar(std::string_view name, Int4 mode);
+// Variables that a name is looked up among: those of the dataset that look-up sees, or a file's.
+struct nametable {
+    const char (*names)[namesize];
+    const UByte* types;
+    Int4 n;
+    const std::unordered_map<std::string, Int4>* index;        // by exact name; null for the dataset, which has its own
+};
+inline nametable datatable() { return {varlist, typ, visnvar, nullptr}; }
+Int4 lookupamong(const nametable& among, std::string_view name);    // lookup_ref
 Int4 findvar(std::string_view name);       // exact, no message; 0 when there is none
 // Nonzero code, printed, when `name` may not be given to a new variable: 198 or 110.
 Int4 checknewname(std::string_view name);

@@ -140,20 +140,15 @@ boolean tousing() {
     return false;
 }
 
-// The list at the cursor, read against the file's names: the tables stand for the file's meanwhile. In the file's
-// order, each variable once; all without a list.
+// The list at the cursor, read against the file's names. In the file's order, each variable once; all without a list.
 Int4 filelist(dtafile& f, std::vector<Int4>& keep) {
     Int4 n = f.head.nvar();
     if (n > maxvar) return error(900);
     std::vector<std::array<char, namesize>> names(std::size_t(n) + 1);
     for (Int4 i = 0; i < n; i++) copytext(names[std::size_t(i)].data(), namesize, f.head.names[std::size_t(i)]);
-    onexit index(namesmoved);
-    saved list(varlist, reinterpret_cast<char(*)[namesize]>(names.data()));
-    saved types(typ, f.head.types.data());
-    saved all(nvar, n), visible(visnvar, n);
-    namesmoved();
+    nametable among{reinterpret_cast<const char(*)[namesize]>(names.data()), f.head.types.data(), n, &f.numbers};
     vl_n = vl_ngroups = vl_given = 0;
-    if (Int4 rc = existinglist()) return rc;
+    if (Int4 rc = existinglist(among)) return rc;
     if (vl_given && vl_n == 0) return required("varlist");
     for (Int4 v = 1; v <= n && !vl_given; v++) keep.push_back(v);
     if (vl_given) keep.assign(vl_vr, vl_vr + vl_n);

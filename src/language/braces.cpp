@@ -32,11 +32,6 @@ void pairup(std::string_view text, char open, char close, std::vector<Int4>& par
 
 }  // namespace
 
-std::size_t behindquote(std::string_view line, std::size_t i) {
-    quoted q;
-    return readquoted(line.substr(i), q) ? i + q.length : i + 1;
-}
-
 // Where the walk goes on behind a quote, a reference or an escape that begins at i.
 std::size_t bracewalk::behind(std::size_t i) {
     char c = text[i], next = i + 1 < text.size() ? text[i + 1] : char(0);

@@ -39,6 +39,8 @@ inline void swapobs(Int4 a, Int4 b) {
     obsptrs[a - 1] = obsptrs[b - 1];
     obsptrs[b - 1] = p;
 }
+// Copies the first n bytes of a row out or in.
+void getrow(void* out, Int4 obs, Int4 n);
 void putrow(const void* in, Int4 obs, Int4 n);
 
 // Divides the block for rows longer by dwidth bytes and for dobs more of them. It may close the holes of the object

@@ -192,11 +192,6 @@ Int4 maketemp(UByte type, boolean keep) {
     return -rc;
 }
 
-void droptemp() {
-    if (nvar == 0 || nameof(nvar) != "_delete") return;
-    shrinkvars(nvar - 1);
-}
-
 Int4 recast(Int4 var, std::string_view name, UByte newtype) {
     if (appendvar(name, newtype, true)) return 903;
     if (Int4 rc = needscratchrow()) {

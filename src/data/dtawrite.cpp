@@ -111,9 +111,9 @@ void dta_putlabel(bytewriter& w, Int4 format, std::string_view name, const valla
     writer_put(w, {label.texts.data(), label.texts.size()});
 }
 
-boolean dta_complete(Int4 handle, Int4 format, Int4 nobs) {
+boolean dta_complete(Int4 handle, Int4 format, Int4 rows) {
     UByte first = UByte(format);
-    return fileseek(handle, nobsplace, 0) >= 0 && filewrite(handle, &nobs, sizeof nobs) &&
+    return fileseek(handle, nobsplace, 0) >= 0 && filewrite(handle, &rows, sizeof rows) &&
            fileseek(handle, 0, 0) >= 0 && filewrite(handle, &first, 1);
 }
 

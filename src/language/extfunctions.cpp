@@ -281,9 +281,9 @@ Int4 ext_sysdir(std::string& out) {
 
 // piece #1 #2 of "string": cut at the last blank within the width, a longer word at the width.
 Int4 ext_piece(std::string& out) {
-    Int4 piece, width;
+    Int4 piece, room;
     if (Int4 rc = wholetoken(piece, 1, macrolen)) return rc;
-    if (Int4 rc = wholetoken(width, 2, macrolen)) return rc;
+    if (Int4 rc = wholetoken(room, 2, macrolen)) return rc;
     std::string text;
     if (std::string_view(nexttoken()) != "of" || (tokpeeknonblank() != '"' && tokpeeknonblank() != '`'))
         return error(198);
@@ -291,9 +291,9 @@ Int4 ext_piece(std::string& out) {
     std::string_view rest = trimmed(text);
     for (Int4 i = 1; !rest.empty(); i++, rest = ltrimmed(rest)) {
         std::size_t cut = rest.size();
-        if (cut > std::size_t(width)) {
-            cut = rest.rfind(' ', std::size_t(width));
-            if (cut == std::string_view::npos || cut == 0) cut = std::size_t(width);
+        if (cut > std::size_t(room)) {
+            cut = rest.rfind(' ', std::size_t(room));
+            if (cut == std::string_view::npos || cut == 0) cut = std::size_t(room);
         }
         if (i == piece) {
             out = rtrimmed(rest.substr(0, cut));

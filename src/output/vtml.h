@@ -33,7 +33,6 @@ void vstream_setunderline(vstream* s, boolean on);
 void vstream_setcallback(vstream* s, vcallback fn, void* data);
 void vstream_setmode(vstream* s, vmode m);
 vmode vstream_mode(const vstream* s);
-void vstream_setclosed(vstream* s, boolean closed);
 void vstream_setmuted(vstream* s, boolean muted);          // lines go to the logs only
 void vstream_write(vstream* s, std::string_view text);     // raw VTML
 void vstream_text(vstream* s, std::string_view text);      // text whose braces are escaped
@@ -54,8 +53,5 @@ Int4 vstream_more(vstream* s);
 void vstream_setmore(vstream* s, boolean on);
 void vstream_setpage(vstream* s, Int4 lines);              // 0: no paging
 void vstream_clearpage(vstream* s);                        // the next line begins a page
-
-// The shown width of a VTML text, measured with an unlimited line.
-Int4 vtmlwidth(std::string_view text);
 
 }  // namespace velmo

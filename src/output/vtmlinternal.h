@@ -58,7 +58,6 @@ struct vlogbuffer {
 
 struct vstream {
     vmode mode;
-    UByte closed;            // all writes are ignored
     UByte unshown;           // something was written since the last partial line or flush
     UByte logs_disabled;
     vcallback callback;

@@ -415,7 +415,7 @@ TEST_F(dataset, running_out_of_room_changes_nothing) {
     EXPECT_EQ(rc, 900);
     EXPECT_EQ(nvar, maxvar - 1);
     EXPECT_EQ(maketemp(typebyte, false), maxvar);
-    droptemp();
+    shrinkvars(nvar - 1);
     EXPECT_EQ(nvar, maxvar - 1);
 }
 

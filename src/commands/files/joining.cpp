@@ -98,7 +98,7 @@ Int4 join_store(joining& j, const sharedvar& s, const UByte* row, Int4 obs) {
         return 0;
     }
     Double v = readcell(row + j.f.offsets[std::size_t(s.filevar) - 1], filetype(j, s));
-    UByte needed = type < typefloat ? typeneeded(type, v) : type;
+    UByte needed = typeneeded(type, v);
     if (needed != type)
         if (Int4 rc = widen(j, s.var, needed)) return rc;
     putobs(s.var, obs, v);

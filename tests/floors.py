@@ -23,7 +23,8 @@ def statements(text):
 def prototypes(s):
     """The functions and variables that a statement declares and does not define."""
     if s.startswith("extern ") and "=" not in s: return re.findall(r"(\w+)\)?(?:\[[^]]*\])*(?:,|$)", s)
-    m = re.match(r"(?!using|static|typedef|template|return|friend)[\w:<>,*& ]+[ *&](\w+) ?\([^{}=]*(?:=[^{}()]*(?:\(\))?(?:\{\})?)*\)$", s)
+    defaults = r"(?:=[^{}()]*(?:\(\))?(?:\{\})?)*"
+    m = re.match(r"(?!using|static|typedef|template|return|friend)[\w:<>,*& ]+[ *&](\w+) ?\([^{}=]*%s\)$" % defaults, s)
     return [m.group(1)] if m else []
 
 bad, graph, homes = [], {}, {}

@@ -11,8 +11,8 @@
 // blanks in labels and formats, with a note: those are shown, and go into commands. Cells and characteristics keep
 // theirs.
 //
-// dtaread.h gives a file out piece by piece, dtawrite.h writes the pieces, dtamemory.h takes a file's variables and rows
-// into memory. All failures have been printed, with the file's name.
+// dtaread.h gives a file out piece by piece, dtawrite.h writes the pieces, dtamemory.h takes a file's variables and
+// rows into memory. All failures have been printed, with the file's name.
 #pragma once
 #include <string>
 #include <vector>

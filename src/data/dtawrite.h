@@ -1,6 +1,6 @@
-// Writing a dataset file: its pieces, in the order of these calls, into the file that w writes, or the dataset in memory
-// as a whole. w remembers a failed write. The first byte, which is the format, is written last: a file that was not
-// completed is no dataset file.
+// Writing a dataset file: its pieces, in the order of these calls, into the file that w writes, or the dataset in
+// memory as a whole. w remembers a failed write. The first byte, which is the format, is written last: a file that was
+// not completed is no dataset file.
 #pragma once
 #include "core/webfile.h"
 #include "data/chars.h"
@@ -16,7 +16,8 @@ void dta_puthead(bytewriter& w, const dtahead& h);           // up to the variab
 void dta_putchar(bytewriter& w, Int4 format, const charview& c);  // none where it does not fit an old format
 void dta_endchars(bytewriter& w, Int4 format);
 void dta_putlabel(bytewriter& w, Int4 format, std::string_view name, const vallabel& label);
-// Writes the number of rows and the format byte in their places; what w holds must have been flushed. False when that failed.
+// Writes the number of rows and the format byte in their places; what w holds must have been flushed. False when that
+// failed.
 boolean dta_complete(Int4 handle, Int4 format, Int4 rows);
 
 // ---- The dataset in memory.

@@ -183,7 +183,8 @@ Int4 appendelement(const nametable& among, grouping& g) {
     if (token == "(" || token == ")") return groupmark(token[0], g);
     if (token == "_all") return appendrange(among, 1, among.n);
     if (token == "_skip") return error(198);
-    if (isnamestart(token[0]) && (token.find('.') != std::string::npos || tokpeek() == '(')) return appendtimeseries(among);
+    boolean operated = token.find('.') != std::string::npos || tokpeek() == '(';
+    if (isnamestart(token[0]) && operated) return appendtimeseries(among);
     if (token.find_first_of("*?~") != std::string::npos) return appendpattern(among, token);
     return appendname(among, token);
 }

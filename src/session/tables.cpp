@@ -133,15 +133,15 @@ extern const Int4 nsettings = Int4(std::size(settingrows));
 
 // ---- Fixed tables.
 
-#define TABLE(label, variable, n) \
-    {#label, [](void* p) { variable = static_cast<decltype(variable)>(p); }, sizeof *variable, (n) * sizeof *variable, false},
-#define TEXT(label, variable, n) \
-    {#label, [](void* p) { variable = static_cast<decltype(variable)>(p); }, namesize, n, true},
+#define PLACE(variable) [](void* p) { variable = static_cast<decltype(variable)>(p); }
+#define TABLE(label, variable, n) {#label, PLACE(variable), sizeof *variable, (n) * sizeof *variable, false},
+#define TEXT(label, variable, n) {#label, PLACE(variable), namesize, n, true},
 static constexpr fixedrow fixedtablerows[] = {
 #include "session/fixedtables.def"
 };
 #undef TABLE
 #undef TEXT
+#undef PLACE
 static_assert(std::size(fixedtablerows) < std::size(fixedtables));
 
 extern const fixedrow* const fixedrows = fixedtablerows;

@@ -1,5 +1,6 @@
 // Any bytes as the dataset file that is merged with, or appended to, a small dataset: the dataset is as it was, or whole
 // with what came.
+#include "core/room.h"
 #include "data/cells.h"
 #include "session.h"
 

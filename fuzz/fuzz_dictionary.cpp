@@ -1,5 +1,6 @@
 // Any bytes as a text file that infile or infix reads, by the first byte: as a dictionary with its data behind it, in
 // free form, or in columns. Whatever comes, the dataset is whole afterwards, and what was read can be written.
+#include "core/room.h"
 #include "data/cells.h"
 #include "session.h"
 

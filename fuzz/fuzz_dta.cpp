@@ -1,5 +1,6 @@
 // Any bytes as a dataset file, read in a way that their number chooses: what was read must come back from what save
 // writes of it.
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/labels.h"
 #include "session.h"

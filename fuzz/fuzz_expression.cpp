@@ -4,6 +4,7 @@
 #include "core/tokenizer.h"
 #include "data/cells.h"
 #include "data/run.h"
+#include "data/structure.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 

@@ -1,5 +1,6 @@
 // Any bytes as delimited text, under options that the first byte chooses: what was read must come back from what
 // outsheet writes of it.
+#include "core/room.h"
 #include "data/cells.h"
 #include "session.h"
 

@@ -1,5 +1,6 @@
 // Any bytes as a do-file: the reader, the tokenizer, every command. Afterwards the session must be as whole as before.
 #include "core/commands.h"
+#include "core/room.h"
 #include "language/dofile.h"
 #include "language/levels.h"
 #include "session.h"

@@ -2,6 +2,7 @@
 // chooses the mode, the second the line size, the third seeds the sizes of the chunks.
 #include <cstdlib>
 #include "output/vtml.h"
+#include "output/vtmllines.h"
 
 using namespace velmo;
 

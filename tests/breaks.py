@@ -85,7 +85,9 @@ while `k' < 2000 {
 }
 program drop inner middle group library
 """
-CHECK = ('capture program drop inner', 'capture program drop middle', 'capture program drop group', 'capture program drop library', 'label drop _all', 'version', 'display "obs " (_N == 400 | _N == 0)', 'display "[`k\'][`t\']"', 'capture debug obstest', 'display "rc " _rc',
+CHECK = ('capture program drop inner', 'capture program drop middle', 'capture program drop group',
+         'capture program drop library', 'label drop _all', 'version', 'display "obs " (_N == 400 | _N == 0)',
+         'display "[`k\'][`t\']"', 'capture debug obstest', 'display "rc " _rc',
          'capture assert length(s) > 0', 'display "data " _rc', 'drop _all', 'display "whole " 1+1')
 
 def read(p, until, seconds=20):
@@ -104,8 +106,8 @@ def main():
     chance = random.Random(int(sys.argv[3]) if len(sys.argv) > 3 else 1)
     work = tempfile.mkdtemp(prefix="vb")
     open(os.path.join(work, "long.do"), "w").write(LONG)
-    p = subprocess.Popen([program, "-q"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, cwd=work,
-                         env=dict(os.environ, HOME=work, TEMP=work, TERM="dumb"))
+    p = subprocess.Popen([program, "-q"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                         cwd=work, env=dict(os.environ, HOME=work, TEMP=work, TERM="dumb"))
     say = lambda line: (p.stdin.write((line + "\n").encode()), p.stdin.flush())
     try:
         for i in range(times):
@@ -116,12 +118,15 @@ def main():
             time.sleep(0.002)
             say('display "ended"')
             first = read(p, rb"ended")
-            if "--Break--" not in first or re.search(r"^r\((?!1\))", first, re.M): raise SystemExit("Break %d was lost:\n%s" % (i + 1, first[-1500:]))
+            if "--Break--" not in first or re.search(r"^r\((?!1\))", first, re.M):
+                raise SystemExit("Break %d was lost:\n%s" % (i + 1, first[-1500:]))
             for line in CHECK: say(line)
             text = read(p, rb"whole 2")
             for wanted in (r"^version 7\.0$", r"^obs 1$", r"^\[\]\[\]$", r"^rc 0$", r"^data [09]$|^data 111$"):
-                if not re.search(wanted, text, re.M): raise SystemExit("after Break %d: no %s in\n%s%s" % (i + 1, wanted, first[-1500:], text))
-            if [f for _, _, names in os.walk(work) for f in names if f.endswith(".tmp")]: raise SystemExit("a temporary file stayed")
+                if not re.search(wanted, text, re.M):
+                    raise SystemExit("after Break %d: no %s in\n%s%s" % (i + 1, wanted, first[-1500:], text))
+            if [f for _, _, names in os.walk(work) for f in names if f.endswith(".tmp")]:
+                raise SystemExit("a temporary file stayed")
         say("exit, clear")
         p.wait(20)
         if [f for f in os.listdir(work) if f.startswith("velmo-")]: raise SystemExit("the session's folder stayed")

@@ -33,16 +33,18 @@ def refusedspace(work):
     lines = DATA + ["quietly save whole", "quietly outsheet using t.csv, comma"]
     for command in commands:
         for n in range(1, 7):
-            lines += ["capture use whole, clear", "debug refuse %d" % n, "capture " + command, "local rc = _rc", "debug refuse 0",
-                      "capture restore", "capture debug obstest", "local test = _rc",
+            lines += ["capture use whole, clear", "debug refuse %d" % n, "capture " + command, "local rc = _rc",
+                      "debug refuse 0", "capture restore", "capture debug obstest", "local test = _rc",
                       "if `rc' { capture assert _N == 3000 & s[3000] != \"\" & x < 101 }",
                       "else { capture assert 1 }", 'display "[%s] %d: " `rc\' " " `test\' " " _rc' % (command, n)]
     text, _ = run(work, lines)
     answers = re.findall(r"^\[(.*)\] (\d): (\d+) (\d+) (\d+)$", text, re.M)
     if len(answers) != 6 * len(commands): bad.append("refused work space: the session broke off\n" + text[-1500:])
     for command, n, rc, test, data in answers:
-        fits = rc in ("0", "909", "110", "4", "5") and test == "0" and (data == "0" or command.startswith(("insheet", "set")))
-        if not fits: bad.append("refused work space %s of %s: code %s, order %s, data %s" % (n, command, rc, test, data))
+        fits = rc in ("0", "909", "110", "4", "5") and test == "0" and (data == "0"
+                or command.startswith(("insheet", "set")))
+        if not fits:
+            bad.append("refused work space %s of %s: code %s, order %s, data %s" % (n, command, rc, test, data))
 
 def fulldisk(work):
     """Files may have 40,000 bytes: what can't be written is told and not left half-written; an old dataset stays."""
@@ -50,8 +52,8 @@ def fulldisk(work):
     lines = DATA + ["quietly keep in 1/500", "quietly save old", "quietly expand 20"]
     for w in writers + ["save old, replace"]:
         lines += ["capture %s" % w, 'display "[%s] " _rc' % w, "capture restore"]
-    lines += ["postfile h a b using posted", "forvalues i = 1/9000 {", "capture post h (1) (2)", "}", "capture postclose h",
-              "use old, clear", 'display "old " _N']
+    lines += ["postfile h a b using posted", "forvalues i = 1/9000 {", "capture post h (1) (2)", "}",
+              "capture postclose h", "use old, clear", 'display "old " _N']
     def limit(): resource.setrlimit(resource.RLIMIT_FSIZE, (40000, 40000))
     text, _ = run(work, lines, preexec_fn=limit)
     want("full disk", text, r"^old 500$", *(r"^\[%s\] 699$" % re.escape(w) for w in writers + ["save old, replace"]))
@@ -60,8 +62,8 @@ def fulldisk(work):
 
 def vanished(work):
     """Temporary files and folders that somebody removed."""
-    text, _ = run(work, DATA + ["preserve", "drop _all", "shell rm -r velmo-*", "capture noisily restore, not", "preserve",
-                                'display "next " 1 + 1'])
+    text, _ = run(work, DATA + ["preserve", "drop _all", "shell rm -r velmo-*", "capture noisily restore, not",
+                                "preserve", 'display "next " 1 + 1'])
     want("folder gone", text, r"^next 2$")
     text, status = run(work, DATA + ["preserve", "drop _all", "shell rm velmo-*/*", "restore", 'display "next " 1 + 1'])
     want("file gone", text, r"preserved data could not be restored", r"not found")
@@ -74,18 +76,20 @@ def closed(work):
     def close():
         for fd in (0, 1, 2): os.close(fd)
     subprocess.run([program, "-q", "-b", "do", "job"], cwd=work, env=environment(work), preexec_fn=close, timeout=60)
-    if open(os.path.join(work, "kept.csv"), "rb").read().count(b"\n") != 3: bad.append("closed descriptors: kept.csv is spoilt")
+    if open(os.path.join(work, "kept.csv"), "rb").read().count(b"\n") != 3:
+        bad.append("closed descriptors: kept.csv is spoilt")
     text, _ = run(work, ["use kept", 'display "rows " _N'])
     want("closed descriptors", text, r"^rows 3000$")
 
 def unwritable(work):
     with open("/dev/full", "wb") as full:
-        p = subprocess.run([program, "-q"], input=b'display "x"\n', stdout=full, cwd=work, env=environment(work), timeout=60)
+        p = subprocess.run([program, "-q"], input=b'display "x"\n', stdout=full, cwd=work, env=environment(work),
+                           timeout=60)
     if p.returncode != 1: bad.append("/dev/full: exit status %d" % p.returncode)
     many = "forvalues i = 1/200000 {\ndisplay `i'\n}\nsave late\n"
     open(os.path.join(work, "many.do"), "w").write("set obs 1\ngenerate x = 1\n" + many)
-    subprocess.run("%s -q -b do many | head -3" % program, shell=True, stdout=subprocess.DEVNULL, cwd=work, env=environment(work),
-                   timeout=60)
+    subprocess.run("%s -q -b do many | head -3" % program, shell=True, stdout=subprocess.DEVNULL, cwd=work,
+                   env=environment(work), timeout=60)
     if os.path.exists(os.path.join(work, "late.dta")): bad.append("a reader that goes away does not end the session")
 
 def silent(work):
@@ -96,8 +100,8 @@ def silent(work):
                     "copy p.raw q"):
         for opened in (False, True):
             held = os.open(pipe, os.O_RDWR) if opened else -1
-            p = subprocess.Popen([program, "-q"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                 cwd=work, env=environment(work))
+            p = subprocess.Popen([program, "-q"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                 stderr=subprocess.STDOUT, cwd=work, env=environment(work))
             p.stdin.write(("capture noisily %s\ndisplay \"code \" _rc\nexit\n" % command).encode())
             p.stdin.flush()
             end = time.time() + 30
@@ -105,14 +109,17 @@ def silent(work):
                 time.sleep(0.05)
                 p.send_signal(signal.SIGINT)
             text = p.communicate(timeout=30)[0].decode("latin-1")
-            if not re.search(r"^code 1$|--Break--", text, re.M): bad.append("a silent pipe: %s, %s: %s" % (command, opened, text))
+            if not re.search(r"^code 1$|--Break--", text, re.M):
+                bad.append("a silent pipe: %s, %s: %s" % (command, opened, text))
             if held >= 0: os.close(held)
 
 def signals(work):
     """A session that is told to end closes its posts and logs and takes its temporary files along."""
     for name in ("SIGHUP", "SIGTERM"):
-        p = subprocess.Popen([program, "-q"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, cwd=work, env=environment(work))
-        say = DATA + ["postfile h a using posted, replace", "post h (7)", "preserve", "tempfile f", "quietly save `f'", 'display "ready"']
+        p = subprocess.Popen([program, "-q"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, cwd=work,
+                             env=environment(work))
+        say = DATA + ["postfile h a using posted, replace", "post h (7)", "preserve", "tempfile f", "quietly save `f'",
+                      'display "ready"']
         p.stdin.write(("\n".join(say) + "\n").encode())
         p.stdin.flush()
         while b"\nready\n" not in (line := p.stdout.readline()) and line and line != b"ready\n": pass

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that every include goes to the same folder or to a lower floor (src/FLOORS), and that no headers form a circle."""
+"""Checks that every include goes to the same folder or to a lower floor (src/FLOORS), that no headers form a circle,
+that no two headers declare the same name, and that a .cpp file declares nothing of another's."""
 import os, re, sys
 
 top = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "src")
@@ -9,7 +10,24 @@ for line in open(os.path.join(top, "FLOORS")):
         number, folder = line.split()
         floor[folder] = int(number)
 
-bad, graph = [], {}
+def statements(text):
+    """What stands at namespace level, bodies as {}; with what is seen by its own file only left out."""
+    text = re.sub(r'//.*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'|^ *#(?:.*\\\n)*.*', " ", text, flags=re.M)
+    text = re.sub(r"namespace velmo \{|namespace \{", lambda m: "{;" if m.group() == "namespace {" else "", text)
+    out, depth = "", 0
+    for c in text:
+        depth += (c == "{") - (c == "}")
+        if depth == 0: out += "{};" if c == "}" else c
+    return [" ".join(s.split()) for s in out.split(";")]
+
+def prototypes(s):
+    """The functions and variables that a statement declares and does not define."""
+    if s.startswith("extern ") and "=" not in s: return re.findall(r"(\w+)\)?(?:\[[^]]*\])*(?:,|$)", s)
+    defaults = r"(?:=[^{}()]*(?:\(\))?(?:\{\})?)*"
+    m = re.match(r"(?!using|static|typedef|template|return|friend)[\w:<>,*& ]+[ *&](\w+) ?\([^{}=]*%s\)$" % defaults, s)
+    return [m.group(1)] if m else []
+
+bad, graph, homes = [], {}, {}
 for folder, _, files in os.walk(top):
     here = os.path.relpath(folder, top)
     for name in files:
@@ -18,7 +36,12 @@ for folder, _, files in os.walk(top):
         if here not in floor:
             bad.append("%s: folder is on no floor" % path)
             continue
-        includes = re.findall(r'^\s*#include "([^"]+)"', open(os.path.join(folder, name)).read(), re.M)
+        text = open(os.path.join(folder, name)).read()
+        for declared in [d for s in statements(text) if not name.endswith(".def") for d in prototypes(s)]:
+            if name.endswith(".cpp"): bad.append("%s declares %s, which is another's" % (path, declared))
+            elif homes.setdefault(declared, path) != path:
+                bad.append("%s declares %s, as %s does" % (path, declared, homes[declared]))
+        includes = re.findall(r'^\s*#include "([^"]+)"', text, re.M)
         graph[path] = includes
         for target in includes:
             there = os.path.dirname(target)

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Random merges against a plain model: merges.py PROGRAM [CASES]. Keys repeat on both sides, values are often missing."""
+"""Random merges against a plain model: merges.py PROGRAM [CASES]. Keys repeat on both sides, values are often absent"""
 import os, random, subprocess, sys, tempfile
 
 def mergerows(master, using, keys, o):
-    """Rows are dictionaries; master and using are sorted by keys. Returns the rows with _merge, in the order of the result."""
+    """Rows are dictionaries; master and using are sorted by keys. Returns the result with _merge, in its order."""
     shared = [v for v in using[0] if v in master[0] and v not in keys]
     fresh = [v for v in using[0] if v not in master[0]]
     out, extra = [], []
@@ -46,15 +46,18 @@ def main(program, cases):
         os.chdir(folder)
         lines, wanted = [], []
         for i in range(cases):
-            side = lambda n, own: sorted(({"id": number(4), "s": random.choice("ab"), "x": number(3), "t": number(2), own: j} for j in range(n)), key=sortkey)
+            side = lambda n, own: sorted(({"id": number(4), "s": random.choice("ab"), "x": number(3), "t": number(2),
+                                           own: j} for j in range(n)), key=sortkey)
             master, using = side(random.randrange(1, 12), "m"), side(random.randrange(1, 12), "u")
             o = {"update": random.random() < .6, "keep": random.random() < .7}
             o["replace"] = o["update"] and random.random() < .5
-            text = "".join(" " + w for w, on in (("update", o["update"]), ("replace", o["replace"]), ("nokeep", not o["keep"])) if on)
+            text = "".join(" " + w for w, on in (("update", o["update"]), ("replace", o["replace"]),
+                                                 ("nokeep", not o["keep"])) if on)
             for name, rows in ("m", master), ("u", using):
                 write(name + ".csv", rows)
                 write("%s%d.csv" % (name, i), rows)
-            lines += ["set sortseed 1", "insheet using u%d.csv, comma names" % i, "generate id2 = _n", "sort id s id2", "drop id2", "save u%d" % i, "drop _all",
+            lines += ["set sortseed 1", "insheet using u%d.csv, comma names" % i, "generate id2 = _n", "sort id s id2",
+                      "drop id2", "save u%d" % i, "drop _all",
                       "insheet using m%d.csv, comma names" % i, "generate id2 = _n", "sort id s id2", "drop id2",
                       "merge id s using u%d,%s" % (i, text), "outsheet using r%d.csv, comma" % i, "drop _all"]
             wanted.append(mergerows(master, using, ("id", "s"), o))

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """The program on a terminal, and at its ends: terminal.py PROGRAM [CASE]
 
-Each case has a session on a pseudo-terminal. It sends keys and waits for what must show, escape sequences aside; nothing
-waits for time to pass."""
+Each case has a session on a pseudo-terminal. It sends keys and waits for what must show, escape sequences aside;
+nothing waits for time to pass."""
 import fcntl, os, pty, re, select, shutil, signal, struct, subprocess, sys, tempfile, termios, time
 
 signal.signal(signal.SIGHUP, signal.SIG_DFL)      # children inherit it, also where this runs under nohup
@@ -67,13 +67,14 @@ def pause(work):
     s.send(b"set more on, permanent\rexit, clear\r"); same(s.end(), 0)
 
 def typing(work):
-    """pasted tabs are tabs, also without marks; Ctrl-D ends what reads; unknown sequences do nothing; lines arrive whole"""
+    """pasted tabs are tabs, also without marks; Ctrl-D ends what reads; unknown sequences do nothing; lines whole"""
     s = session(work)
     s.send(b"input a b\r"); s.wait(b"1\\. "); s.send(PASTE % b"1\t2\r3\t4\r", b"5\t6\r"); s.wait(b"4\\. ")
     s.send(b"\x04"); s.wait(b"r\\(612\\)"); s.ask(b"display a[1] b[2] b[3] _N", b"\n1463\n")
     s.send(b"program define p\r"); s.wait(b"1\\. "); s.send(b"\x04"); s.wait(b"r\\(612\\)")
     s.send(b"while 1 {\r"); s.wait(b"2\\. "); s.send(b"\x04"); s.wait(b"r\\(612\\)")
-    s.ask(b"dis\x1b[5~\x1b[2~\x1bx\x1b[15;3~play \"\xc3\xa9\x1b[D\xc3\xa8\x1b[C\x1b[1;3D\x1b[Hq\x1b[D\x1b[3~\x1b[F\" 9*9",
+    s.ask(b"dis\x1b[5~\x1b[2~\x1bx\x1b[15;3~play \"\xc3\xa9\x1b[D\xc3\xa8\x1b[C\x1b[1;3D"
+          b"\x1b[Hq\x1b[D\x1b[3~\x1b[F\" 9*9",
           "\nèé81\n".encode())
     for n in (5000, 9000): s.send(b"local a %s\rdisplay \"`: length local a'\"\r" % (b"x" * n)); s.wait(b"\n%d\n" % n)
     s.send(b"forvalues i = 1/100000000 {\rdisplay _c \"\"\r}\r"); s.wait(b"3\\. }"); s.wait(b"\n")
@@ -110,7 +111,8 @@ def colours(work):
 def control(work):
     """no byte from data controls the terminal; files get them"""
     s = session(work)
-    t = "+".join('"%s"' % c if isinstance(c, str) else "char(%d)" % c for c in ("a", 27, "[2Jb", 155, "2J", 194, 155, 208, 155, 233))
+    t = "+".join('"%s"' % c if isinstance(c, str) else "char(%d)" % c
+                 for c in ("a", 27, "[2Jb", 155, "2J", 194, 155, 208, 155, 233))
     s.send(b"set obs 1\rgenerate str40 t = %s\r" % t.encode())
     s.send(b"label variable t \"x`=char(27)'[2Jy\"\rlist\rdescribe\rtype t.txt\routfile using t.raw\r")
     open(work + "/t.txt", "wb").write(b"q\x1b[2J\x07\n")
@@ -146,14 +148,16 @@ def ends(work):
     """the exit status; closed descriptors, full devices and readers that go away"""
     files = {"bad.do": "display 1\nerror 9\n", "long.do": "forvalues i = 1/1000000000 {\ndisplay \"`i'\"\n}\n",
              "good.do": "display 7*6\n",
-             "write.do": "file open h using out, write replace\nfile write h \"mine\"\ndisplay \"not mine\"\nfile close h\n"}
+             "write.do": "file open h using out, write replace\nfile write h \"mine\"\n"
+                         "display \"not mine\"\nfile close h\n"}
     for name, text in files.items(): open(work + "/" + name, "w").write(text)
     for line, status in (("$V do bad </dev/null", 1), ("$V <bad.do", 1), ("$V do good </dev/null", 0),
                          ("(cat bad.do good.do) | $V", 0), ("$V <good.do >/dev/full", 1),
                          ("$V do long </dev/null | head -3", 0), ("$V do /dev/stdin <good.do | grep -q 42", 0),
                          ("$V do <(cat good.do) </dev/null | grep -q 42", 0),
                          ("$V do write <&- >&- 2>&- && test $(cat out) = mine", 0)):
-        p = subprocess.run(["bash", "-c", line.replace("$V", PROGRAM + " -q")], cwd=work, env=dict(os.environ, HOME=work),
+        p = subprocess.run(["bash", "-c", line.replace("$V", PROGRAM + " -q")], cwd=work,
+                           env=dict(os.environ, HOME=work),
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=WAIT)
         same((line, p.returncode), (line, status))
 

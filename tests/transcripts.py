@@ -33,17 +33,21 @@ def parse(path):
         elif line.startswith("--- ") and cases:
             kind, _, arg = line[4:].partition(" ")
             section = ("file", "setup.do", []) if kind == "do" else (kind, arg.strip(), [])
-            if kind == "session" and ("file", "setup.do") in [s[:2] for s in cases[-1]["sections"]]: section[2].append(". run setup")
+            if kind == "session" and ("file", "setup.do") in [s[:2] for s in cases[-1]["sections"]]:
+                section[2].append(". run setup")
             cases[-1]["sections"].append(section)
         elif line == "--- compact": compact = True
-        elif section: section[2].extend(line.split("  => ") if section[0] == "session" and line.startswith(". ") else [line])
+        elif section:
+            section[2].extend(line.split("  => ") if section[0] == "session" and line.startswith(". ") else [line])
     return cases
 
 def unescape(text):
     names = {"n": "\n", "r": "\r", "t": "\t", "0": "\0", "\\": "\\"}
-    return re.sub(r"\\(x[0-9a-fA-F]{2}|[nrt0\\])", lambda m: chr(int(m[1][1:], 16)) if m[1][0] == "x" else names[m[1]], text)
+    return re.sub(r"\\(x[0-9a-fA-F]{2}|[nrt0\\])", lambda m: chr(int(m[1][1:], 16)) if m[1][0] == "x" else names[m[1]],
+                  text)
 
-def same(want, got): return re.search(want[1:], got) is not None if want.startswith("~") else want.rstrip() == got.rstrip()
+def same(want, got):
+    return re.search(want[1:], got) is not None if want.startswith("~") else want.rstrip() == got.rstrip()
 
 def compare(want, got):
     """None, or where it differs. Blocks between gaps must be contiguous and in order."""
@@ -56,7 +60,8 @@ def compare(want, got):
     def place(block, at, gap, last):
         starts = [len(got) - len(block)] if gap and last else range(at, len(got) - len(block) + 1) if gap else [at]
         for i in starts:
-            if i >= at and i + len(block) <= len(got) and all(same(w, got[i + j]) for j, w in enumerate(block)): return i + len(block)
+            if i >= at and i + len(block) <= len(got) and all(same(w, got[i + j]) for j, w in enumerate(block)):
+                return i + len(block)
         return None
     for line in want + ["..."]:
         if line.strip() != "...":
@@ -66,7 +71,8 @@ def compare(want, got):
         if end is None:
             i = at
             while not gap and i - at < len(block) and i < len(got) and same(block[i - at], got[i]): i += 1
-            return "wanted: %s\n    got: %s" % (block[i - at] if i - at < len(block) else block, got[i] if i < len(got) else "(nothing)")
+            return "wanted: %s\n    got: %s" % (block[i - at] if i - at < len(block) else block,
+                                                got[i] if i < len(got) else "(nothing)")
         at, gap, block = end, True, []
     if want and want[-1].strip() != "..." and at != len(got): return "more came: " + got[at]
     return None
@@ -91,17 +97,20 @@ def run(case, program):
         if typed is None: typed = "".join(l[m.end():] + "\n" for l in session if (m := re.match(prompt, l)))
         environment = dict(os.environ, HOME=work, TEMP=work, TERM="dumb", LC_ALL=locale)
         for name in ("VELMO", "VELMOTMP", "S_ADO"): environment.pop(name, None)
-        p = subprocess.run([program] + args, input=typed.encode("latin-1"), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                           cwd=work, env=environment, timeout=120)
+        p = subprocess.run([program] + args, input=typed.encode("latin-1"), stdout=subprocess.PIPE,
+                           stderr=subprocess.STDOUT, cwd=work, env=environment, timeout=120)
         out = p.stdout.decode("latin-1").replace("\r\n", "\n").split("\n")
         if status is None: status = int(([l for l in out if l.strip(" .")] or [""])[-1].startswith("r("))
         if p.returncode != status: return "exit status %d, want %d" % (p.returncode, status), out
         if case["compact"]: session, out = ([l for l in lines if l.strip()] for lines in (session, out))
-        fault = compare(session, [l for l in out if l.rstrip() != "."] if not any(s.rstrip() == "." for s in session) else out)
+        fault = compare(session, [l for l in out if l.rstrip() != "."] if not any(s.rstrip() == "." for s in session)
+                        else out)
         for name, text in outfiles:
             place = os.path.join(work, name)
-            got = open(place, encoding="latin-1", newline="").read().replace("\r\n", "\n") if os.path.exists(place) else None
-            if got is None or got.rstrip("\n") != text.rstrip("\n"): fault = fault or "file %s: %r" % (name, got and got[:300])
+            got = None
+            if os.path.exists(place): got = open(place, encoding="latin-1", newline="").read().replace("\r\n", "\n")
+            if got is None or got.rstrip("\n") != text.rstrip("\n"):
+                fault = fault or "file %s: %r" % (name, got and got[:300])
         return fault, out
     except subprocess.TimeoutExpired as e: return "timed out", (e.stdout or b"").decode("latin-1").split("\n")
     finally: shutil.rmtree(work, ignore_errors=True)
@@ -113,7 +122,8 @@ def main():
     program, files = os.path.abspath(words[0]), []
     for path in words[1:]:
         if os.path.isfile(path): files.append(path)
-        for folder, _, names in sorted(os.walk(path)): files += [os.path.join(folder, n) for n in sorted(names) if n.endswith(".test")]
+        for folder, _, names in sorted(os.walk(path)):
+            files += [os.path.join(folder, n) for n in sorted(names) if n.endswith(".test")]
     good = bad = 0
     for path in files:
         for case in parse(path):

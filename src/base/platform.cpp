@@ -276,14 +276,6 @@ void pagefree(void* p, std::size_t n) {
     if (p) munmap(p, n);
 }
 
-void* pagemove(void* p, std::size_t n) {
-    void* to = pagealloc(n);
-    if (!to) return nullptr;
-    std::memcpy(to, p, n);
-    munmap(p, n);
-    return to;
-}
-
 std::size_t memorylimit() {
     static const std::size_t limit = [] {
         struct sysinfo s{};

@@ -63,8 +63,6 @@ Int4 processid();
 // Pages for large blocks: zeroed, touched when used; null when n is beyond memory, swap or the group's limit.
 void* pagealloc(std::size_t n);
 void pagefree(void* p, std::size_t n);
-// Moves n bytes of pages to a new address and unmaps the old one; null when refused (the old ones then stay).
-void* pagemove(void* p, std::size_t n);
 std::size_t memorylimit();                       // bytes that one process may hope for
 
 // What must reach the user although the session is at its end: standard error.

@@ -16,19 +16,11 @@ namespace {
 
 constexpr std::string_view blanks = " \t";
 
-// Words that stand ahead of a command, and commands whose word is followed by a file name.
-constexpr std::string_view prefixwords[] = {"by", "bysort", "capture", "noisily", "quietly", "version", "xi"};
-constexpr std::string_view filewords[] = {
-    "append", "cd", "chdir", "copy", "dir", "do", "erase", "include", "insheet", "ls", "mkdir", "rm", "rmdir", "run",
-    "save", "type", "use",
-};
-
 boolean begins(std::string_view s, std::string_view beginning) { return s.substr(0, beginning.size()) == beginning; }
 
-template <std::size_t n>
-boolean among(const std::string_view (&words)[n], std::string_view word) {
-    const char* full = builtinname(std::string(word).c_str());
-    return std::find(words, words + n, full ? std::string_view(full) : word) != words + n;
+Int4 flagsof(std::string_view word) {
+    const command* row = commandrow_any(std::string(word).c_str());
+    return row ? row->flags : 0;
 }
 
 std::vector<std::string_view> split(std::string_view s) {
@@ -48,12 +40,12 @@ std::vector<std::string_view> commandwords(std::string_view head) {
     std::vector<std::string_view> words = split(head);
     while (!words.empty()) {
         std::size_t colon = head.find(':');
-        std::string_view first = words[0].substr(0, words[0].find(':'));
-        if (!among(prefixwords, first)) break;
+        Int4 flags = flagsof(words[0].substr(0, words[0].find(':')));
+        if (!(flags & cmd_prefix)) break;
         if (colon != head.npos) {
             head.remove_prefix(colon + 1);
             words = split(head);
-        } else if (first == "xi" || begins(first, "by") || begins(first, "vers")) {
+        } else if (flags & cmd_colon) {
             break;
         } else {
             words.erase(words.begin());
@@ -106,7 +98,7 @@ void completionsof(std::string_view before, completion& c) {
     std::size_t blank = before.find_last_of(blanks), wordfrom = blank == before.npos ? 0 : blank + 1;
     std::size_t namefrom = identifierstart(before);
     std::vector<std::string_view> words = commandwords(before.substr(0, wordfrom));
-    if (!words.empty() && (words.back() == "using" || (words.size() == 1 && among(filewords, words[0])))) {
+    if (!words.empty() && (words.back() == "using" || (words.size() == 1 && (flagsof(words[0]) & cmd_filename)))) {
         c.from = wordfrom;
         addfiles(before.substr(wordfrom), c);
     } else if (c.from = namefrom; commandwords(before.substr(0, namefrom)).empty()) {

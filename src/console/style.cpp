@@ -9,6 +9,8 @@
 #include "base/text.h"
 #include "console/keys.h"
 #include "output/results.h"
+#include "output/vtmlchars.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 
@@ -100,12 +102,13 @@ void runtext(std::string_view text, UByte style, std::string& out) {
     constexpr UByte euro = 128;
     if (!(style & (style_graphic | style_code))) return safetext(text, out);
     for (char c : text) {
+        UByte b = latin1code(UByte(c));
         if (style & style_graphic)
             graphic(UByte(c), out);
-        else if (UByte(c) == euro && utf8locale())
+        else if (b == euro && !maccharset && utf8locale())
             out += "\u20AC";
         else
-            highbyte(UByte(c), out);
+            highbyte(b, out);
     }
 }
 

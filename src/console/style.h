@@ -3,6 +3,7 @@
 #pragma once
 #include <string>
 #include "output/vtml.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

@@ -12,6 +12,7 @@
 #include "console/standard.h"
 #include "console/style.h"
 #include "output/results.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

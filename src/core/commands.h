@@ -5,18 +5,23 @@
 
 namespace velmo {
 
-enum commandflags : UByte {
+enum commandflags : UInt2 {
     cmd_block = 1,       // may open a block, also while lines are skipped
     cmd_class = 2,       // obeyed only while the class system is on
     cmd_byable = 4,      // may stand behind a by prefix
     cmd_bysilent = 8,    // no heading for each group
+    cmd_prefix = 16,     // a command follows: behind the word, or, with cmd_colon, behind a colon
+    cmd_colon = 32,
+    cmd_groups = 64,     // by itself: not behind another by
+    cmd_loop = 128,      // its block is run again and again
+    cmd_filename = 256,  // the name of a file follows the word
 };
 
 struct command {
     const char* word;
     UByte min;
     Int4 (*handler)();   // null: not built
-    UByte flags;
+    UInt2 flags;
     Int2 from, until;    // versions in which the row exists, inclusive
 };
 

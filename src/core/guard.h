@@ -26,9 +26,4 @@ inline void forbid(const void* from, const void* to) {
     if (from < to) forbid(from, std::size_t(static_cast<const char*>(to) - static_cast<const char*>(from)));
 }
 
-// Marks what is unused between the rows and the objects and behind the written pointers (rectangle.cpp), and the
-// spare room of all objects (objects.cpp).
-void guardgap();
-void guardobjects();
-
 }  // namespace velmo

@@ -1,14 +1,14 @@
 // The block comes from the page allocator, so that a large one costs nothing until it is used. A change of size
-// takes the new block first: when the machine refuses it, the session still has the old one. The three text
-// buffers are allocated for the largest maxvar there can be, so that the line being worked on stays where it is
-// when maxvar changes; only the size they are said to have follows it.
+// takes the new block first: when the machine refuses it, the session still has the old one. Texts
+// among the fixed tables are allocated for the largest maxvar there can be, so that the line being worked on stays
+// where it is when maxvar changes; only the size they are said to have follows it.
 #include "core/memory.h"
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include "base/memalloc.h"
 #include "base/platform.h"
 #include "base/state.h"
-#include "base/text.h"
 #include "core/events.h"
 #include "core/guard.h"
 #include "core/objects.h"
@@ -23,19 +23,6 @@ UByte* blockend;
 UByte* dynstart;
 std::uint64_t memory = 10485760;
 
-char (*varlist)[namesize];
-UByte* typ;
-UInt4* mapi;
-char (*fmt)[fmtsize];
-char (*lbl)[namesize];
-UInt2* srt;
-Int4* vl_vr;
-tsvar* vl_rcp;
-UInt2* by;
-char* macexp;
-char* cmdbuf;
-char* reviewring;
-
 fixedtable fixedtables[20];
 Int4 nfixedtables;
 UByte memory_fellback;
@@ -48,58 +35,44 @@ constexpr std::uint64_t leastmemory = 102400, defaultmemory = 10485760;
 constexpr Int4 defaultmaxvar = 5000, defaultmatsize = 400, mostmaxvar = 32767;
 std::uint64_t blocksize;      // bytes mapped
 
-// One fixed table: where its address is kept, and its size as entries of maxvar with some more behind.
-struct tablerow { const char* label; void** address; std::uint64_t each, more; boolean text; };
-
-const tablerow tablerows[] = {
-    {"vl_vr", reinterpret_cast<void**>(&vl_vr), 4, 4, false},
-    {"mapi", reinterpret_cast<void**>(&mapi), 4, 0, false},
-    {"srt", reinterpret_cast<void**>(&srt), 2, 2, false},
-    {"lbl", reinterpret_cast<void**>(&lbl), namesize, 0, false},
-    {"fmt", reinterpret_cast<void**>(&fmt), fmtsize, 0, false},
-    {"varlist", reinterpret_cast<void**>(&varlist), namesize, 0, false},
-    {"typ", reinterpret_cast<void**>(&typ), 1, 0, false},
-    {"by", reinterpret_cast<void**>(&by), 2, 2, false},
-    {"vl_rcp", reinterpret_cast<void**>(&vl_rcp), 8, 8, false},
-    {"macexp", reinterpret_cast<void**>(&macexp), 33, 216, true},
-    {"cmdbuf", reinterpret_cast<void**>(&cmdbuf), 33, 232, true},      // 16 bytes for reads that run beyond
-    {"review", reinterpret_cast<void**>(&reviewring), 33, 217, true},
-};
-constexpr Int4 ntables = Int4(sizeof tablerows / sizeof tablerows[0]);
-
 void freetables() {
-    for (Int4 i = 0; i < ntables && i < nfixedtables; i++) {
+    for (Int4 i = 0; i < nfixedtables; i++) {
         memfree(fixedtables[i].p);
-        *tablerows[i].address = nullptr;
+        fixedrows[i].place(nullptr);
     }
     nfixedtables = 0;
 }
 
 // Tables for `n` variables into fixedtables, cleared where it matters; the texts stay if they are there.
 Int4 maketables(Int4 n) {
-    void* made[ntables] = {};
+    fixedtable made[std::size(fixedtables)] = {};
     boolean fresh = nfixedtables == 0;
-    for (Int4 i = 0; i < ntables; i++) {
-        const tablerow& t = tablerows[i];
-        if (t.text && !fresh) continue;
+    for (Int4 i = 0; i < nfixedrows; i++) {
+        const fixedrow& t = fixedrows[i];
+        made[i].size = t.each * std::uint64_t(n) + t.more;
+        if (t.text && !fresh) {
+            made[i].p = fixedtables[i].p;
+            continue;
+        }
         std::uint64_t size = t.each * std::uint64_t(t.text ? mostmaxvar : n) + t.more;
-        made[i] = memalloc(size);
-        if (!made[i]) {
-            for (Int4 j = 0; j < i; j++) memfree(made[j]);
+        made[i].p = memalloc(size);
+        if (!made[i].p) {
+            while (--i >= 0)
+                if (fresh || !fixedrows[i].text) memfree(made[i].p);
             return 909;
         }
-        std::memset(made[i], 0, t.text ? 1 : size);
+        std::memset(made[i].p, 0, t.text ? 1 : size);
     }
-    for (Int4 i = 0; i < ntables; i++) {
-        const tablerow& t = tablerows[i];
-        if (made[i]) {
-            if (!fresh) memfree(fixedtables[i].p);
-            *t.address = fixedtables[i].p = made[i];
+    for (Int4 i = 0; i < nfixedrows; i++) {
+        if (made[i].p == fixedtables[i].p && !fresh) {
+            fixedtables[i].size = made[i].size;
+            continue;
         }
-        fixedtables[i].size = t.each * std::uint64_t(n) + t.more;
-        copytext(fixedtables[i].label, sizeof fixedtables[i].label, t.label);
+        if (!fresh) memfree(fixedtables[i].p);
+        fixedrows[i].place(made[i].p);
+        fixedtables[i] = made[i];
     }
-    nfixedtables = std::max(nfixedtables, ntables);
+    nfixedtables = nfixedrows;
     return 0;
 }
 

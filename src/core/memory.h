@@ -1,4 +1,4 @@
-// The block: one mapped run of bytes that owns all long-lived data, and the fixed tables sized by maxvar.
+// The block: one mapped run of bytes that owns all long-lived data; and the fixed tables, sized by maxvar.
 //
 //   low                                                                                        high
 //   | obsptrs: tmaxobs x UInt4 | pad to 16 | rectangle: maxobs rows of lrecl | free | objects, newest lowest |
@@ -11,31 +11,27 @@
 
 namespace velmo {
 
-struct tsvar;    // data/timeseries.h
-
 // State: the block
 extern UByte* blockstart;          // start of obsptrs
 extern UByte* blockend;            // end of the block, lowered to whole rows (see memory_start)
 extern UByte* dynstart;            // lowest byte of the object store; equals blockend when it is empty
 extern std::uint64_t memory;       // the setting, bytes
 
-// State: the fixed tables, maxvar entries each unless said (meaning: data/dataset.h)
-extern char (*varlist)[namesize];  // names
-extern UByte* typ;                 // storage types
-extern UInt4* mapi;                // byte offsets in the row
-extern char (*fmt)[fmtsize];       // display formats
-extern char (*lbl)[namesize];      // names of attached value labels
-extern UInt2* srt;                 // sort key, zero-terminated, maxvar + 1
-extern Int4* vl_vr;                // the running command's variables, maxvar + 1
-extern tsvar* vl_rcp;              // their time-series operators, maxvar + 1
-extern UInt2* by;                  // variables of the by prefix, maxvar + 1
-extern char* macexp;               // macro expansion buffer, conslen
-extern char* cmdbuf;               // the command line being worked on, conslen
-extern char* reviewring;           // conslen + 1
+// A fixed table: arrays that are sized by maxvar lie outside the block, each a pointer of its owner's. The rows are
+// session/fixedtables.def, in the order of allocation.
+struct fixedrow {
+    const char* label;                 // for debug
+    void (*place)(void* p);            // gives the owner its table
+    std::uint64_t each, more;          // bytes for each of maxvar variables, and behind them
+    boolean text;                      // made once for the largest maxvar: it stays where it is
+};
+extern const fixedrow* const fixedrows;
+extern const Int4 nfixedrows;
 
-struct fixedtable { void* p; std::uint64_t size; char label[9]; };
-extern fixedtable fixedtables[20]; // in order of allocation, for debug
-extern Int4 nfixedtables;
+// State: the tables as they are allocated
+struct fixedtable { void* p; std::uint64_t size; };
+extern fixedtable fixedtables[20];
+extern Int4 nfixedtables;              // nfixedrows, or 0 before memory_start
 
 // Allocates the fixed tables and the block at start-up by `memory`, `maxvar`, `matsize`; falls back to the
 // defaults when refused and then sets memory_fellback. 0, or 909 when even the defaults can't be had.
@@ -50,10 +46,6 @@ extern Int4 asked_maxvar, asked_matsize;
 Int4 setmemory(std::uint64_t bytes);
 Int4 setmaxvar(Int4 n);            // 2048 to 32767, bounds checked by the caller
 Int4 setmatsize(Int4 n);           // 10 to 11000, bounds checked by the caller
-
-// Walks arena, pointers and objects and checks every rule they promise: 0, or 9997, 9998, 9999. With VELMO_STRESS
-// the turn calls it after every command.
-Int4 memory_check();
 
 // VELMO_STRESS: maps the block at a new address and unmaps the old one. Called by every store call in that build;
 // does nothing in others.

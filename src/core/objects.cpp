@@ -10,6 +10,7 @@
 #include "base/text.h"
 #include "core/guard.h"
 #include "core/rectangle.h"
+#include "core/room.h"
 #include "core/upcalls.h"
 #include "output/errors.h"
 

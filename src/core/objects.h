@@ -73,5 +73,7 @@ void objects_start();
 Int4 objects_save(Int4 fd);          // 0 or 691
 Int4 objects_load(Int4 fd);          // 0, 691 or 950
 Int4 objects_check();                // part of memory_check: 0 or 9999
+// Marks the spare room of all objects (core/guard.h).
+void guardobjects();
 
 }  // namespace velmo

@@ -36,6 +36,32 @@ boolean nextitem(std::string_view& list, std::string_view& item, boolean atquote
     return true;
 }
 
+boolean nextpiece(std::string_view& text, std::string_view breaks, quoted& out) {
+    text = ltrimmed(text);
+    if (text.empty()) return false;
+    if (!readquoted(text, out)) {
+        out.length = std::max<std::size_t>(std::min(text.find_first_of(breaks), text.size()), 1);
+        out.content = text.substr(0, out.length);
+    }
+    text.remove_prefix(out.length);
+    return true;
+}
+
+std::size_t behindquote(std::string_view text, std::size_t i) {
+    quoted q;
+    return readquoted(text.substr(i), q) ? i + q.length : i + 1;
+}
+
+std::size_t matchingend(std::string_view text) {
+    Int4 depth = 0;
+    for (std::size_t i = 0; i < text.size(); i = behindquote(text, i)) {
+        depth += text[i] == '(' || text[i] == '[';
+        depth -= text[i] == ')' || text[i] == ']';
+        if (depth == 0) return i + 1;
+    }
+    return 0;
+}
+
 std::string_view unquoted(std::string_view text) {
     text = trimmed(text);
     quoted q;

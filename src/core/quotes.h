@@ -19,6 +19,14 @@ boolean readquoted(std::string_view text, quoted& out);
 // The next item of a list, taken off its front: a quoted text, without its quotes, or a run up to a blank (`atquotes`:
 // or up to a quoted text). False when only blanks are left.
 boolean nextitem(std::string_view& list, std::string_view& item, boolean atquotes = false);
+// The next token of a text, taken off its front, blanks ahead of it too: a quoted text, or a run up to a character of
+// `breaks`, or such a character. False when only blanks are left.
+boolean nextpiece(std::string_view& text, std::string_view breaks, quoted& out);
+// Behind the quoted text that begins at text[i], or behind that character; a quote without its end takes all.
+std::size_t behindquote(std::string_view text, std::size_t i);
+// Behind the parenthesis or bracket that closes the one at text[0]: quotes are passed over, ( and [ count alike. 0 when
+// it isn't closed.
+std::size_t matchingend(std::string_view text);
 // A text without blanks around it and, if it is quoted as a whole, without its quotes.
 std::string_view unquoted(std::string_view text);
 // The definition of a macro takes one pair of quotes off the ends, whatever stands between: false when the quote at the

@@ -39,33 +39,15 @@ inline void swapobs(Int4 a, Int4 b) {
     obsptrs[a - 1] = obsptrs[b - 1];
     obsptrs[b - 1] = p;
 }
+// Copies the first n bytes of a row out or in.
 void getrow(void* out, Int4 obs, Int4 n);
 void putrow(const void* in, Int4 obs, Int4 n);
 
-// Room. All of these may close the holes of the object store: addresses of rows and of objects are stale after them.
-// Codes are returned, not printed: 901 rows, 902 width, 1010 lrecl past its limit, 9994..9999 internal (from
-// 9000 on: didn't fit, a smaller request may). On success obsptrs reaches nobs + n (and one scratch row).
-Int4 addobsroom(Int4 n);
-Int4 addwidthroom(Int4 n);
+// Divides the block for rows longer by dwidth bytes and for dobs more of them. It may close the holes of the object
+// store; codes as in room.h, where all other requests for room are.
 Int4 repart(Int4 dwidth, Int4 dobs);
-// For a reader that has made its variables and has no rows yet: rows only as long as the variables need and a fifth
-// as much again (24 bytes at least), so that a pass over a narrow dataset moves fewer lines of cache. Nothing happens
-// when rows are shorter already, or with observations.
-void tightenrows();
-// Shrinks lrecl to give the object store n bytes more: 901, 902, 9994.
-Int4 freedyn(std::uint64_t n);
-// The objects are about to take `need` bytes more: lowers maxobs, or divides the block anew. 0, 901, 902, 9999.
-Int4 yieldroom(std::uint64_t need);
 
-struct sizes { std::uint64_t block, data, dynamic; Int4 width; };
-sizes getsizes();            // used block, data span (rows and pointers), dynamic size, width
-Int4 widestrow();            // widest usable lrecl with the present observations
-Int4 mostobs();              // most observations at the present width
-Int4 mostvars();             // min(maxvar, widestrow())
-
-// debug obstest: 0 with "(obsptrs checked)\n" printed, or 9998, 9997.
-Int4 obstest();
-// The dump of runs of obsptrs ("SHOWPOINTERS ...").
-void showpointers();
+// Marks what is unused between the rows and the objects and behind the written pointers (core/guard.h).
+void guardgap();
 
 }  // namespace velmo

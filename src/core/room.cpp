@@ -1,11 +1,11 @@
 // Asking for room. Requests are generous first, half of what there is, so that a long row of small ones moves the
 // data seldom; then exact. The account counts live objects only: holes of the store are free space that has not
 // been collected yet.
+#include "core/room.h"
 #include <algorithm>
 #include <cmath>
 #include "base/memalloc.h"
 #include "core/division.h"
-#include "core/guard.h"
 #include "core/objects.h"
 #include "core/upcalls.h"
 #include "output/print.h"

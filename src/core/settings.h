@@ -39,14 +39,14 @@ boolean settingtext(const setting& row, std::string& text);
 void network_load();
 void network_store();
 
-// State: settings that no subsystem owns yet
-extern UByte set_debug, set_beep, set_graphics, set_virtual, set_getsockopt, set_checksum, set_netdebug;
+// State
+extern UByte set_debug;       // rows of its own are there
+// Settings whose subsystem isn't built yet.
+extern UByte set_beep, set_graphics, set_virtual, set_getsockopt, set_checksum, set_netdebug;
 extern UByte set_loghelp, set_plot, set_rssmat, set_bmat, set_override, set_httpproxy, set_httpproxyauth;
-extern Int4 set_level, set_textsize, set_adosize, set_varlabelpos, set_scrollbufsize, set_entries;
+extern Int4 set_textsize, set_varlabelpos, set_scrollbufsize, set_entries;
 extern Int4 set_timeout1, set_timeout2, set_httpproxyport;
-extern UByte set_logtext;             // set logtype: 1 text, 0 vtml
-extern UByte set_maccharset;          // set charset: 1 mac, 0 latin1
 extern Double set_tol;
-extern char set_cmdtitle[256], set_prefix[256], set_httpproxyhost[256], set_httpproxyuser[256], set_httpproxypw[256];
+extern char set_cmdtitle[256], set_httpproxyhost[256], set_httpproxyuser[256], set_httpproxypw[256];
 
 }  // namespace velmo

@@ -6,6 +6,7 @@
 
 namespace velmo {
 
+char* cmdbuf;
 char tokbuf[tokensize];
 Int4 toklen = 0;
 char* tokpos = nullptr;

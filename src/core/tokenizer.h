@@ -15,6 +15,7 @@
 namespace velmo {
 
 // State
+extern char* cmdbuf;              // the command line being worked on, conslen
 extern char tokbuf[tokensize];    // the token in hand
 extern Int4 toklen;               // its length
 extern char* tokpos;              // next unread character

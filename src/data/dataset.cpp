@@ -8,20 +8,27 @@
 #include "base/text.h"
 #include "core/events.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/labels.h"
+#include "data/structure.h"
 #include "output/errors.h"
 #include "output/formats.h"
 
 namespace velmo {
 
+char (*varlist)[namesize];
+UByte* typ;
+UInt4* mapi;
+char (*fmt)[fmtsize];
+char (*lbl)[namesize];
+UInt2* srt;
 Int4 nvar;
 Int4 visnvar;
 UByte datachanged;
 UByte defaulttype = typefloat;
 char datalabel[81];
-
 
 namespace {
 
@@ -90,10 +97,11 @@ boolean isstrname(std::string_view name) {
 }
 
 // The variables that `name` is a prefix of: none, the only one, or -1 for several.
-Int4 findprefix(std::string_view name) {
+Int4 findprefix(const nametable& among, std::string_view name) {
     Int4 found = 0;
-    for (Int4 v = 1; v <= visnvar; v++) {
-        if (varlist[v - 1][0] != name[0] || nameof(v).substr(0, name.size()) != name) continue;
+    for (Int4 v = 1; v <= among.n; v++) {
+        const char* full = among.names[v - 1];
+        if (full[0] != name[0] || fieldtext(full, namesize).substr(0, name.size()) != name) continue;
         if (found) return -1;
         found = v;
     }
@@ -118,17 +126,29 @@ void namesmoved() { indexvalid = false; }
 
 Int4 findvar(std::string_view name) { return findamong(name, visnvar); }
 
-Int4 lookupvar(std::string_view name, Int4 mode) {
+Int4 lookupamong(const nametable& among, std::string_view name) {
     if (!validname(name)) return -badname(name);
-    if (mode == lookup_ref && visnvar == 0) return -error(111);
+    if (among.n == 0) return -error(111);
+    Int4 found = 0;
+    if (!among.index)
+        found = findamong(name, among.n);
+    else if (auto at = among.index->find(std::string(name)); at != among.index->end())
+        found = at->second;
+    if (!found) found = findprefix(among, name);
+    if (found < 0) return -nameerror(name_ambiguous, name);
+    return found ? found : -varnotfound(name);
+}
+
+Int4 lookupvar(std::string_view name, Int4 mode) {
+    if (mode == lookup_ref) return lookupamong(datatable(), name);
+    if (!validname(name)) return -badname(name);
     Int4 exact = findamong(name, mode == lookup_free ? nvar : visnvar);
     if (mode == lookup_free && exact) return -nameerror(name_defined, name);
     if (exact) return exact;
     if (mode == lookup_free || mode == lookup_exact) return nvar + 1;
-    Int4 found = findprefix(name);
+    Int4 found = findprefix(datatable(), name);
     if (found < 0) return -nameerror(name_ambiguous, name);
-    if (found > 0) return found;
-    return mode == lookup_ref ? -varnotfound(name) : nvar + 1;
+    return found > 0 ? found : nvar + 1;
 }
 
 Int4 checkvarname(std::string_view name) {
@@ -170,11 +190,6 @@ Int4 maketemp(UByte type, boolean keep) {
     if (!rc) return nvar;
     if (!keep) tempfailure = rc;
     return -rc;
-}
-
-void droptemp() {
-    if (nvar == 0 || nameof(nvar) != "_delete") return;
-    shrinkvars(nvar - 1);
 }
 
 Int4 recast(Int4 var, std::string_view name, UByte newtype) {

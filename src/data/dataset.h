@@ -1,17 +1,25 @@
 // The dataset: nvar variables by nobs observations in the rectangle. Variable v (from 1) takes the bytes mapi[v-1]
 // to mapi[v-1] + varsize(typ[v-1]) - 1 of each row, without padding, in the order of the variables. The tables
-// varlist, typ, mapi, fmt, lbl, srt (core/memory.h) are parallel and indexed by v - 1; srt holds the variable numbers
-// of the sort key with a zero behind. A variable's label, characteristics and notes are objects keyed by its name.
+// varlist, typ, mapi, fmt, lbl are parallel and indexed by v - 1; srt holds the variable numbers of the sort key with a
+// zero behind. A variable's label, characteristics and notes are objects keyed by its name.
 //
 // Two names bypass the checks of addvar: `_delete`, a scratch variable, and `(e)`, the byte variable that marks the
 // estimation sample, found by exact name only and dropped when every other variable is.
 #pragma once
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include "core/rectangle.h"
 
 namespace velmo {
 
 // State
+extern char (*varlist)[namesize];  // names
+extern UByte* typ;             // storage types
+extern UInt4* mapi;            // byte offsets in the row
+extern char (*fmt)[fmtsize];   // display formats
+extern char (*lbl)[namesize];  // names of attached value labels
+extern UInt2* srt;             // the sort key
 extern Int4 nvar;              // variables
 extern Int4 visnvar;           // variables that look-up sees; a command raises it to nvar once its new ones are filled
 extern UByte datachanged;      // since the last save or load, in a variable whose name doesn't begin with _
@@ -28,6 +36,15 @@ enum lookupmode : Int4 {
 // The variable, or minus a code whose message has been printed. A name that isn't valid is minus 198. With no
 // variables: lookup_ref is minus 111 ("no variables defined"), the others 1.
 Int4 lookupvar(std::string_view name, Int4 mode);
+// Variables that a name is looked up among: those of the dataset that look-up sees, or a file's.
+struct nametable {
+    const char (*names)[namesize];
+    const UByte* types;
+    Int4 n;
+    const std::unordered_map<std::string, Int4>* index;        // by exact name; null for the dataset, which has its own
+};
+inline nametable datatable() { return {varlist, typ, visnvar, nullptr}; }
+Int4 lookupamong(const nametable& among, std::string_view name);    // lookup_ref
 Int4 findvar(std::string_view name);       // exact, no message; 0 when there is none
 // Nonzero code, printed, when `name` may not be given to a new variable: 198 or 110.
 Int4 checknewname(std::string_view name);
@@ -43,39 +60,11 @@ Int4 addslot(UByte type, boolean internal);        // room in row and tables onl
 // The scratch variable `_delete` of `type`; variable or minus code (not printed). keep 0: a failure is remembered and
 // later calls fail at once; type 0 forgets it.
 Int4 maketemp(UByte type, boolean keep);
-void droptemp();                           // removes the last variable if it is `_delete`
-// Starts a change of type: a new variable at the end under `name` with var's label; the caller fills it and calls
-// swapin, which gives it the old one's value label, format and place. 0, 901, 902, 903.
-Int4 recast(Int4 var, std::string_view name, UByte newtype);
-Int4 swapin(Int4 var);
-// The whole change: recast, copy of observations 1..nobs, swapin; the variable keeps its number. 0, 901, 903, not
-// printed.
-Int4 changetype(Int4 var, UByte newtype);
-// Moves a variable to position `to`; tables and srt follow; vars (n entries, may be null) is renumbered too.
-Int4 movevar(Int4 from, Int4 to, Int4* vars, Int4 n);
-// Drops the variables whose mark (nvar bytes) is set, with all records keyed by them; (e) goes with the last of the
-// others, and with no variable left the dataset is emptied. 901 without a scratch row.
-Int4 dropvars(const UByte* marks);
-// Drops variables that hold the state of a command or a level: the data don't count as changed by it, the observations
-// stay even without a variable left, and look-up follows. A failure leaves them.
-void dropworkvars(const UByte* marks);
-void dropworkvar(Int4 var);
-// Takes back the variables beyond the first `count`: what a command had appended and did not finish. They have no
-// records of their own yet.
-void shrinkvars(Int4 count);
 // Renames: table and all records keyed by the name.
 Int4 renamevar(Int4 var, std::string_view newname);
-// Keeps the observations whose flag (nobs bytes) is 0, in their order, moving pointers only.
-void dropobs(const UByte* flags, Int4 kept);
 void setsortnone(const Int4* vars, Int4 n);        // cuts srt at the first of these variables
 void markchanged(Int4 var);
 void cleardata(boolean keeplabels);         // empties the dataset, and tells it
-// Raises nobs to n >= nobs, new cells missing or ""; 0, 901 (not printed). (e) is 0 in new observations. With new
-// observations the data are marked changed and srt is emptied.
-Int4 growobs(Int4 n);
-Int4 obsroom(Int4 n);                       // addobsroom, with 901 for whatever refused it
-Int4 nextobsroom();                         // so that observation nobs + 1 can be addressed; 0 or 901, printed
-Int4 needscratchrow();                     // makes sure that nobs < maxobs; 0 or 901
 
 boolean issample(Int4 var);                // the variable is (e)
 inline boolean isstring(Int4 var) { return typ[var - 1] < 245; }

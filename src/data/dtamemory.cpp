@@ -1,13 +1,16 @@
 // From a dataset file into memory: the kept variables' tables, then rows straight from the reader's buffer into the
 // rectangle, a run of bytes for each row and piece, with nothing done for a cell.
+#include "data/dtamemory.h"
 #include <algorithm>
 #include <cstring>
 #include <unordered_set>
 #include "base/poll.h"
 #include "base/text.h"
+#include "core/room.h"
 #include "data/cells.h"
-#include "data/dtafile.h"
+#include "data/dtaread.h"
 #include "data/run.h"
+#include "data/structure.h"
 #include "output/errors.h"
 
 namespace velmo {

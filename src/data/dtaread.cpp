@@ -1,5 +1,6 @@
 // Reading a dataset file: the header by its layout, the tables, and what follows piece by piece. All bytes come
 // through one buffer, which grows only to what a checked size asks for.
+#include "data/dtaread.h"
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -276,12 +277,6 @@ Int4 readtables(dtafile& f, const layout& l, Int4 nvar) {
 
 }  // namespace
 
-Int4 dtahead::width() const {
-    Int4 n = 0;
-    for (UByte type : types) n += varsize(type);
-    return n;
-}
-
 dtafile::~dtafile() { dta_close(*this); }
 
 void dta_close(dtafile& f) {
@@ -300,11 +295,11 @@ Int4 dta_open(std::string_view name, dtafile& f) {
     f.buf.resize(blockbytes);
     if (!need(f, 1)) return f.failed ? cutshort(f) : unfit(f);
     const layout* l = layoutof(f.buf[0]);
-    Int4 nvar = 0;
+    Int4 count = 0;
     if (!l) return unknownfile(f, f.buf[0]);
-    if (Int4 rc = readheader(f, *l, nvar)) return rc;
+    if (Int4 rc = readheader(f, *l, count)) return rc;
     f.stage = l->charlength ? dta_atchars : dta_atrows;
-    return readtables(f, *l, nvar);
+    return readtables(f, *l, count);
 }
 
 // ---- Characteristics.
@@ -402,14 +397,14 @@ Int4 dta_nextrows(dtafile& f, const UByte*& rows, Int4& n) {
     n = 0;
     if (Int4 rc = torows(f)) return rc;
     if (f.stage != dta_atrows) return 0;
-    std::size_t width = std::size_t(f.width);
+    std::size_t size = std::size_t(f.width);
     if (!f.own && tick()) return 1;
-    if (!need(f, width)) return cutshort(f);
-    n = Int4(std::min<std::size_t>(std::size_t(f.rowsleft), (f.len - f.pos) / width));
+    if (!need(f, size)) return cutshort(f);
+    n = Int4(std::min<std::size_t>(std::size_t(f.rowsleft), (f.len - f.pos) / size));
     UByte* p = f.buf.data() + f.pos;
     if (f.swapped) swaprows(f, p, n);
     if (f.head.format < 108) mendmissing(f, p, n);
-    f.pos += std::size_t(n) * width;
+    f.pos += std::size_t(n) * size;
     f.rowsleft -= n;
     rows = p;
     return 0;

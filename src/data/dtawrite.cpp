@@ -1,4 +1,5 @@
 // Writing a dataset file: its parts through a bytewriter, and the dataset in memory as a whole.
+#include "data/dtawrite.h"
 #include <algorithm>
 #include <bit>
 #include <cstdio>
@@ -14,6 +15,7 @@
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/dtafile.h"
+#include "data/dtamemory.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -109,9 +111,9 @@ void dta_putlabel(bytewriter& w, Int4 format, std::string_view name, const valla
     writer_put(w, {label.texts.data(), label.texts.size()});
 }
 
-boolean dta_complete(Int4 handle, Int4 format, Int4 nobs) {
+boolean dta_complete(Int4 handle, Int4 format, Int4 rows) {
     UByte first = UByte(format);
-    return fileseek(handle, nobsplace, 0) >= 0 && filewrite(handle, &nobs, sizeof nobs) &&
+    return fileseek(handle, nobsplace, 0) >= 0 && filewrite(handle, &rows, sizeof rows) &&
            fileseek(handle, 0, 0) >= 0 && filewrite(handle, &first, 1);
 }
 

@@ -8,6 +8,7 @@
 #include "core/webfile.h"
 #include "data/cells.h"
 #include "data/dtafile.h"
+#include "data/dtawrite.h"
 #include "output/errors.h"
 
 namespace velmo {

@@ -12,7 +12,10 @@
 #include "core/tempfiles.h"
 #include "core/upcalls.h"
 #include "data/dataset.h"
-#include "data/dtafile.h"
+#include "data/dtamemory.h"
+#include "data/dtaread.h"
+#include "data/dtawrite.h"
+#include "data/structure.h"
 #include "output/errors.h"
 #include "output/print.h"
 

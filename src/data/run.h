@@ -10,8 +10,6 @@ extern Int4 firstobs, lastobs;          // the run: the `in` range or the whole 
 extern Int4 groupfirst, grouplast;      // the present by-group; without by the run's data, 1..nobs
 extern UByte bymode;                    // 0 no by, 1 first group, 2 a later one
 extern UByte bylastgroup;               // the last group runs
-extern Int4 nby;                        // variables in `by`
-extern Int4 bydepth;                    // nesting of program-style by, 100 at most
 extern UByte by_active;                 // a by prefix is in force, for _by()
 extern Int4 by_index;                   // _byindex()
 extern UByte by_last;                   // _bylastcall()

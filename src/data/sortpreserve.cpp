@@ -1,4 +1,5 @@
 // The order that a program puts back: pushed at its entry, popped at its end, nested by a counter.
+#include "data/sortpreserve.h"
 #include <string>
 #include <vector>
 #include "base/text.h"
@@ -6,6 +7,7 @@
 #include "core/objects.h"
 #include "data/cells.h"
 #include "data/sorting.h"
+#include "data/structure.h"
 #include "output/errors.h"
 
 namespace velmo {

@@ -1,6 +1,7 @@
 // Variables that go, move or change their type, and observations that come and go. Within a row the bytes of the
 // variables follow each other without gaps, so each of these is the same shift of bytes in every row; the tables
 // are changed only when nothing can fail any more.
+#include "data/structure.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include "base/memalloc.h"
 #include "base/text.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/chars.h"
 #include "data/dataset.h"

@@ -15,7 +15,5 @@ struct compileoptions {
 // 109 type mismatch, 111 unknown name, 130 too long, 132 unbalanced, 133 unknown function, 198 malformed, 509, 5, 6101.
 // Time-series operators make it call tsetup.
 Int4 exp_compile(exp& e, Int4 mode, const compileoptions& options = {});
-void exp_reset();                     // empties both pools; the parser calls it before a command's expressions
-void exp_clearsums();                 // both records
 
 }  // namespace velmo

@@ -1,6 +1,5 @@
 #include "expr/program.h"
 #include <cstring>
-#include "expr/compile.h"
 
 namespace velmo {
 

@@ -66,5 +66,7 @@ extern char strpool[strpoolsize];
 // the pool is full.
 Int4 poolnumber(Double value);
 Int4 pooltext(std::string_view text);
+void exp_reset();                     // empties both pools; the parser calls it before a command's expressions
+void exp_clearsums();                 // both records
 
 }  // namespace velmo

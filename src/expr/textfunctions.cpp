@@ -155,10 +155,10 @@ void text_string(machine& m) {
 }
 
 void text_stringfmt(machine& m) {
-    char fmt[fmtsize] = "";
+    char format[fmtsize] = "";
     boolean valid = chkfmt(m.str->view(), 1) == 0;
-    if (valid) copytext(fmt, sizeof fmt, m.str->view());
-    Int4 n = valid ? std::min(fmtread(fmt, *m.top), maxtext) : 0;
+    if (valid) copytext(format, sizeof format, m.str->view());
+    Int4 n = valid ? std::min(fmtread(format, *m.top), maxtext) : 0;
     m.top--;
     settext(*m.str, {dbuf, std::size_t(n)});
 }

@@ -1,7 +1,7 @@
 #include "expr/value.h"
 #include "base/saved.h"
+#include "core/rectangle.h"
 #include "core/tokenizer.h"
-#include "data/dataset.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
 #include "output/errors.h"

@@ -6,7 +6,6 @@
 #include "base/state.h"
 #include "base/text.h"
 #include "core/adopath.h"
-#include "core/settings.h"
 #include "core/tokenizer.h"
 #include "core/upcalls.h"
 #include "language/commandnames.h"
@@ -16,6 +15,8 @@
 #include "output/print.h"
 
 namespace velmo {
+
+Int4 adosize = 128;
 
 namespace {
 
@@ -81,7 +82,7 @@ void trimprograms(Int4 keep) {
     std::uint64_t total;
     while (true) {
         std::string oldest = oldestfamily(keep, total);
-        if (total < std::uint64_t(set_adosize) * 1000 || oldest.empty()) return;
+        if (total < std::uint64_t(adosize) * 1000 || oldest.empty()) return;
         dropprogram(oldest, "");
     }
 }

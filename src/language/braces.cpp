@@ -3,7 +3,6 @@
 #include <cstring>
 #include "base/text.h"
 #include "core/commands.h"
-#include "core/keywords.h"
 #include "core/quotes.h"
 #include "core/tokenizer.h"
 #include "output/errors.h"
@@ -32,11 +31,6 @@ void pairup(std::string_view text, char open, char close, std::vector<Int4>& par
 }
 
 }  // namespace
-
-std::size_t behindquote(std::string_view line, std::size_t i) {
-    quoted q;
-    return readquoted(line.substr(i), q) ? i + q.length : i + 1;
-}
 
 // Where the walk goes on behind a quote, a reference or an escape that begins at i.
 std::size_t bracewalk::behind(std::size_t i) {
@@ -101,14 +95,14 @@ boolean elsebehind(const char* text) {
     return *text == 'e' && std::strncmp(text, "else", 4) == 0 && !isnamechar(text[4]);
 }
 
+// A line that begins with q and a loop's word is taken for quietly's, though q alone is query.
 std::string_view wordbehindprefixes(char* text) {
-    static constexpr Int4 with_number = 1;
-    static constexpr keyword prefixes[] = {{"capture", 3, 0}, {"noisily", 1, 0}, {"quietly", 1, 0}, {"else", 4, 0},
-                                           {"break", 5, 0},   {"nobreak", 7, 0}, {"version", 4, with_number}};
     settokpos(text);
     std::string_view word = nexttoken();
-    for (Int4 which; (which = lookup(prefixes, word)) >= 0; word = nexttoken()) {
-        if (which != with_number) continue;
+    for (; true; word = nexttoken()) {
+        const command* row = commandrow(abbrev(word, "quietly", 1) ? "quietly" : tokbuf);
+        if (!row || !(row->flags & cmd_prefix) || (row->flags & cmd_groups)) break;
+        if (!(row->flags & cmd_colon)) continue;
         nexttoken();
         if (std::string_view(nexttoken()) != ":") return "";
     }

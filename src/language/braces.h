@@ -21,8 +21,6 @@ private:
     std::size_t behind(std::size_t i);
 };
 
-// Behind the quoted text that begins at line[i], or behind that character; a quote without its end takes the line.
-std::size_t behindquote(std::string_view line, std::size_t i);
 // The place of the brace that ends the block which the line stands in; -1 without one.
 Int4 closingbrace(std::string_view line);
 // Opening less closing braces.

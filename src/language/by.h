@@ -20,6 +20,12 @@ struct bycall {
     boolean last = false;
     std::string vars, options, marker;
 };
+// State
+extern UInt2* by;                   // variables of the prefix, maxvar + 1 at most
+extern Int4 nby;                    // their number
+extern Int4 bydepth;                // nesting over programs, maxbydepth at most
+extern bycall nextcall;
+
 // Makes the pending call's facts the session's (_by(), _byindex(), _bylastcall(), the locals _byvars, _byrc0, _byindex)
 // or, without one, says that no by is in force. Called inside the new level. 0 or a code.
 Int4 by_enter();

@@ -8,6 +8,7 @@
 #include "language/braces.h"
 #include "language/control.h"
 #include "language/dofile.h"
+#include "language/lines.h"
 #include "language/programs.h"
 #include "language/turn.h"
 #include "output/errors.h"
@@ -15,7 +16,6 @@
 namespace velmo {
 
 controlstate control;
-UByte wasexpanded = 0;
 
 namespace {
 

@@ -17,10 +17,7 @@ struct controlstate {
 
 // State
 extern controlstate control;
-extern UByte wasexpanded;    // the line was expanded before dispatch: its word can't be a loop at a level that stores
 
-// True when the line in cmdbuf, behind prefixes and opening braces, begins with a loop's word.
-boolean looppeek();
 // Runs the lines of a block, the first being what stands in cmdbuf (its opening brace and all before it blanked), up to
 // the line that holds the closing brace. The code of the failing line, or 0; lines behind a failing one, and behind a
 // continue, are read and skipped, so that structure stays in step with the source.
@@ -36,7 +33,5 @@ Int4 skipfailed(Int4 rc);
 void blanktobrace(const char* brace);
 // The command `{`: the cursor is behind the brace.
 Int4 runblock();
-// The unread rest of the innermost foreach list.
-std::string ferest();
 
 }  // namespace velmo

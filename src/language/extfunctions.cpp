@@ -1,4 +1,5 @@
 // The extended macro functions of the language itself; those of other subsystems stand with them.
+#include "language/extfunctions.h"
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -10,12 +11,13 @@
 #include "core/quotes.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"
+#include "core/tokenizer.h"
 #include "data/chars.h"
 #include "data/dataset.h"
 #include "data/labels.h"
 #include "data/timeseries.h"
-#include "language/expand.h"
-#include "language/stdparse.h"
+#include "language/options.h"
+#include "language/tempnames.h"
 #include "output/errors.h"
 #include "stored/families.h"
 
@@ -123,13 +125,7 @@ Int4 ext_tempvar(std::string& out) {
     return 0;
 }
 
-Int4 ext_tempfile(std::string& out) {
-    char path[pathsize];
-    tempfilecounter = tempfilecounter >= 1333000 ? 1 : tempfilecounter + 1;
-    if (Int4 rc = tempfilename(path, '_', tempfilecounter)) return error(rc);
-    out = path;
-    return 0;
-}
+Int4 ext_tempfile(std::string& out) { return newtempfile(out); }
 
 Int4 ext_sortedby(std::string& out) {
     for (const UInt2* key = srt; *key; key++) out += (out.empty() ? "" : " ") + std::string(varlist[*key - 1]);
@@ -286,9 +282,9 @@ Int4 ext_sysdir(std::string& out) {
 
 // piece #1 #2 of "string": cut at the last blank within the width, a longer word at the width.
 Int4 ext_piece(std::string& out) {
-    Int4 piece, width;
+    Int4 piece, room;
     if (Int4 rc = wholetoken(piece, 1, macrolen)) return rc;
-    if (Int4 rc = wholetoken(width, 2, macrolen)) return rc;
+    if (Int4 rc = wholetoken(room, 2, macrolen)) return rc;
     std::string text;
     if (std::string_view(nexttoken()) != "of" || (tokpeeknonblank() != '"' && tokpeeknonblank() != '`'))
         return error(198);
@@ -296,9 +292,9 @@ Int4 ext_piece(std::string& out) {
     std::string_view rest = trimmed(text);
     for (Int4 i = 1; !rest.empty(); i++, rest = ltrimmed(rest)) {
         std::size_t cut = rest.size();
-        if (cut > std::size_t(width)) {
-            cut = rest.rfind(' ', std::size_t(width));
-            if (cut == std::string_view::npos || cut == 0) cut = std::size_t(width);
+        if (cut > std::size_t(room)) {
+            cut = rest.rfind(' ', std::size_t(room));
+            if (cut == std::string_view::npos || cut == 0) cut = std::size_t(room);
         }
         if (i == piece) {
             out = rtrimmed(rest.substr(0, cut));

@@ -16,15 +16,16 @@
 #include "data/dataset.h"
 #include "data/preserve.h"
 #include "data/run.h"
-#include "data/sorting.h"
+#include "data/sortpreserve.h"
 #include "expr/value.h"
 #include "language/autoload.h"
 #include "language/by.h"
 #include "language/control.h"
 #include "language/dofile.h"
-#include "language/expand.h"
+#include "language/lines.h"
+#include "language/options.h"
 #include "language/programs.h"
-#include "language/stdparse.h"
+#include "language/tempnames.h"
 #include "language/turn.h"
 #include "output/errors.h"
 #include "output/print.h"
@@ -215,7 +216,6 @@ void levels_started() {
 }
 
 Int4 docall(Int4 mode) {
-    if (bymode) return error(190);
     if (dolevel >= maxlevels) return error(1000);
     frame f;
     f.sorts = false;

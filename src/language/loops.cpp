@@ -1,4 +1,7 @@
 // if, else, while, forvalues, foreach, continue.
+#include "language/definition.h"
+#include "language/lines.h"
+#include "language/lists.h"
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -16,6 +19,7 @@
 #include "language/braces.h"
 #include "language/control.h"
 #include "language/numlist.h"
+#include "language/options.h"
 #include "language/programs.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
@@ -24,15 +28,6 @@
 #include "output/formats.h"
 
 namespace velmo {
-
-boolean looppeek() {
-    static constexpr keyword loops[] = {{"forvalues", 4, 0}, {"foreach", 7, 0}, {"while", 2, 0}};
-    std::string_view word = wordbehindprefixes(cmdbuf);
-    for (Int4 depth = 0; word == "{" && depth < maxturns; depth++) word = wordbehindprefixes(tokpos);
-    boolean loop = lookup(loops, word) >= 0;
-    settokpos(cmdbuf);
-    return loop;
-}
 
 namespace {
 
@@ -299,25 +294,6 @@ Int4 cmd_forvalues() {
 
 namespace {
 
-// The open lists, innermost last: the text, or the macro that holds it, and how far it has been read.
-struct fragment { std::string text, macro; std::size_t at; };
-std::vector<fragment> lists;
-constexpr std::size_t maxlists = 9998;
-
-std::string_view listtext(const fragment& f) {
-    if (f.macro.empty()) return f.text;
-    const char* value = macroget(f.macro);
-    return value ? std::string_view(value) : std::string_view();
-}
-
-boolean nextelement(fragment& f, std::string& item) {
-    std::string_view text = listtext(f), rest = text.substr(std::min(f.at, text.size())), found;
-    if (!nextitem(rest, found)) return false;
-    item = found;
-    f.at = text.size() - rest.size();
-    return true;
-}
-
 // Runs a reader of the tokenizer on the text between the cursor and the brace.
 template <class F> Int4 onlist(char* brace, F read) {
     *brace = 0;
@@ -352,7 +328,7 @@ Int4 freenames(std::string& text) {
     return 0;
 }
 
-Int4 listmacro(fragment& f, boolean local) {
+Int4 listmacro(foreachlist& f, boolean local) {
     std::string name = nexttoken();
     f.macro = macroname(name, local);
     return validname(f.macro) ? 0 : badname(name);
@@ -369,7 +345,7 @@ Int4 numbers(std::string_view list, std::string& text) {
     return 0;
 }
 
-Int4 oflist(fragment& f, char* brace) {
+Int4 oflist(foreachlist& f, char* brace) {
     switch (lookup(listkinds, nexttoken())) {
     case list_local: return onlist(brace, [&] { return listmacro(f, true); });
     case list_global: return onlist(brace, [&] { return listmacro(f, false); });
@@ -381,10 +357,9 @@ Int4 oflist(fragment& f, char* brace) {
     }
 }
 
-Int4 readlist(std::string& name, fragment& f, char* brace) {
+Int4 readlist(std::string& name, foreachlist& f, char* brace) {
     if (Int4 rc = localname(name)) return rc;
     std::string_view word = nexttoken();
-    f.at = 0;
     if (word == "of") return oflist(f, brace);
     if (word != "in") return error(198);
     f.text = trimmed({tokpos, std::size_t(brace - tokpos)});
@@ -393,30 +368,24 @@ Int4 readlist(std::string& name, fragment& f, char* brace) {
 
 }  // namespace
 
-std::string ferest() {
-    if (lists.empty()) return "";
-    std::string_view text = listtext(lists.back());
-    return std::string(ltrimmed(text.substr(std::min(lists.back().at, text.size()))));
-}
-
 Int4 cmd_foreach() {
     if (!inprogram) return storeloop("foreach");
     std::string name, item;
-    fragment list;
+    foreachlist list;
     char* brace = findbrace(tokpos, true);
     if (!brace) return 100;
-    if (lists.size() >= maxlists) return error(198);
+    if (foreachlists.size() >= maxlists) return error(198);
     if (Int4 rc = readlist(name, list, brace)) return skipfailed(rc, brace);
     if (list.text.size() >= std::size_t(macrolen)) return skipfailed(error(103), brace);
     loop l(brace);
     Int4 rc = 0;
-    lists.push_back(list);
-    while (nextelement(lists.back(), item)) {
+    foreachlists.push_back(list);
+    while (nextelement(foreachlists.back(), item)) {
         rc = item.empty() ? (macroclear(name), 0) : macroset(name, item);
         if (!rc) rc = pass(l);
         if (!goeson(rc)) break;
     }
-    lists.pop_back();
+    foreachlists.pop_back();
     if (!exitflag) macroclear(name);
     return endloop(l, rc);
 }

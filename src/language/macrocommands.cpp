@@ -1,4 +1,5 @@
 // The commands that define, list and drop macros, and that make temporary names.
+#include "language/macrocommands.h"
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -8,11 +9,12 @@
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/quotes.h"
-#include "data/dataset.h"
 #include "data/run.h"
 #include "expr/value.h"
 #include "language/expand.h"
-#include "language/stdparse.h"
+#include "language/extfunctions.h"
+#include "language/options.h"
+#include "language/tempnames.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
@@ -200,9 +202,13 @@ Int4 generatenames(Int4 (*generate)(std::string&)) {
 
 }  // namespace
 
-Int4 ext_tempvar(std::string& out);
-Int4 ext_tempfile(std::string& out);
-Int4 cmd_tempvar() { return generatenames(ext_tempvar); }
-Int4 cmd_tempfile() { return generatenames(ext_tempfile); }
+Int4 cmd_tempvar() {
+    return generatenames([](std::string& name) -> Int4 {
+        name = newtempname();
+        return 0;
+    });
+}
+
+Int4 cmd_tempfile() { return generatenames(newtempfile); }
 
 }  // namespace velmo

@@ -1,4 +1,5 @@
 // The option table: each word behind the comma with the text of its parentheses, and whether a getter took it.
+#include "language/options.h"
 #include <cmath>
 #include <set>
 #include "base/text.h"
@@ -10,6 +11,8 @@
 #include "output/errors.h"
 
 namespace velmo {
+
+Int4 confidencelevel = 95;
 
 namespace {
 
@@ -172,7 +175,7 @@ Int4 getopt_vars(const char* name, Int4 min, std::vector<Int4>& vars, boolean& f
 
 Int4 getopt_level(Int4 min, Int4& level) {
     Int4 n;
-    level = set_level;
+    level = confidencelevel;
     if (Int4 rc = getopt_int("level", min, &level, 1, n)) return rc;
     return boundscheck("level()", level, 10, 99);
 }

@@ -4,13 +4,16 @@
 #include "base/text.h"
 #include "core/adopath.h"
 #include "core/macros.h"
+#include "core/quotes.h"
 #include "data/cells.h"
+#include "data/structure.h"
 #include "data/timeseries.h"
-#include "expr/compile.h"
 #include "language/expand.h"
+#include "language/options.h"
 #include "language/stdparse.h"
-#include "language/syntax.h"
-#include "language/turn.h"
+#include "language/parse.h"
+#include "language/syntaxoptions.h"
+#include "language/syntaxrules.h"
 #include "language/words.h"
 #include "output/errors.h"
 
@@ -115,16 +118,10 @@ boolean endword(std::string_view text, std::size_t i) {
 // Where free text ends: at if, in, using, [ or a comma outside quotes and parentheses, and at = when an =exp may
 // follow.
 std::size_t freetextend(std::string_view text, boolean exp) {
-    wordpiece string;
-    for (std::size_t i = 0; i < text.size(); i++) {
-        if (stringpiece(text.substr(i), string)) {
-            i += string.raw.size() - 1;
-        } else if (text[i] == '(') {
-            std::size_t n = matchingend(text.substr(i));
-            i = n ? i + n - 1 : text.size() - 1;
-        } else if (text[i] == ',' || text[i] == '[' || (exp && text[i] == '=') || endword(text, i)) {
-            return i;
-        }
+    for (std::size_t i = 0; i < text.size();) {
+        if (text[i] == ',' || text[i] == '[' || (exp && text[i] == '=') || endword(text, i)) return i;
+        std::size_t n = text[i] == '(' ? matchingend(text.substr(i)) : 0;
+        i = n ? i + n : text[i] == '(' ? text.size() : behindquote(text, i);
     }
     return text.size();
 }

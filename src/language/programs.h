@@ -30,18 +30,12 @@ extern UByte subprogramlevel;          // the running program is a subprogram
 extern UByte programclass;             // class of the running program
 extern Int4 loadingid;                 // nonzero while an ado-file is being loaded
 
-inline constexpr Int4 maxprogramlines = 3501, maxprogramtext = 135600;
-
-struct programoptions { UByte progclass, byable, sortpreserve; };
 
 // The program of that name seen from `home`, or null: the one that belongs to the home, else the oldest without one.
 object* findprogram(std::string_view name, std::string_view home);
 // The program of exactly that home ("" for none), or null.
 object* exactprogram(std::string_view name, std::string_view home);
 inline storedprogram& programheader(object* o) { return *reinterpret_cast<storedprogram*>(o->data()); }
-// Reads a body through nextline(0) up to `end` (or, with braces, until they balance, the first line being cmdbuf) and
-// stores it under name and home. 0, 1, 612, 1000, 950.
-Int4 programdefine(std::string_view name, std::string_view home, const programoptions& options, boolean braces);
 // Line i of a program into out (conslen bytes): behind one blank, or behind its whole indentation; false behind the
 // last.
 boolean programtext(object* o, Int4 i, char* out, boolean indented = false);

@@ -2,9 +2,10 @@
 #include <vector>
 #include "base/state.h"
 #include "core/events.h"
-#include "core/memory.h"
 
 namespace velmo {
+
+char* reviewring;
 
 namespace {
 

@@ -7,6 +7,9 @@
 
 namespace velmo {
 
+// State
+extern char* reviewring;           // conslen + 1
+
 void review_init();
 void reviewpush(std::string_view line);
 std::string reviewget(Int4 i);     // line i, 0 the newest; empty when there is none

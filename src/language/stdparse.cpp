@@ -9,6 +9,7 @@
 #include "data/run.h"
 #include "data/timeseries.h"
 #include "expr/compile.h"
+#include "language/options.h"
 #include "language/varlist.h"
 #include "output/errors.h"
 #include "output/print.h"

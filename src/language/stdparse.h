@@ -3,7 +3,7 @@
 // A command says what differs from the usual form, and finds the results in the fixed places below and in firstobs,
 // lastobs (data/run.h), eqexp and ifexp (expr/program.h), usingname (core/adopath.h):
 //   if (Int4 rc = stdparse({.varlist = must, .exp = must, .options = never})) return rc;
-// Then it asks for its options one by one and ends with getopt_done. Every failure has been printed.
+// Then it asks for its options one by one (options.h) and ends with getopt_done. Every failure has been printed.
 #pragma once
 #include <set>
 #include <string>
@@ -11,6 +11,7 @@
 #include "core/tokenizer.h"
 #include "data/run.h"
 #include "expr/program.h"
+#include "language/varlist.h"
 
 namespace velmo {
 
@@ -58,7 +59,7 @@ struct form {
 // State
 extern form parsing;          // the form being parsed; the usual one outside stdparse and who calls its parts
 
-// Results. vl_vr and vl_rcp are in core/memory.h.
+// Results, with vl_vr and vl_rcp (varlist.h).
 extern Int4 vl_n;             // entries
 extern Int4 vl_groups[5], vl_ngroups;     // end of each parenthesised group, as a count of entries
 extern Int4 vl_groupbegin;                // entries ahead of the first group
@@ -75,31 +76,6 @@ void stdparse_forget();       // drops the form kept under by
 Int4 parseif(partrule options = may);
 // The condition of if and while: an expression into ifexp, and nothing behind it.
 Int4 parsecondition();
-// Options alone, from a comma at the cursor or the end of the line.
-Int4 parseoptions();
-
-// Options. Each marks what it finds as consumed. An option with an argument is another one than the bare word.
-boolean getopt_flag(const char* name, Int4 min);
-boolean getopt_noflag(const char* name, Int4 min, boolean otherwise);    // name: true, noname: false
-// Numbers between commas or blanks: up to `limit` into out, their count in n (0: no such option). 198 when something
-// else stands there or there are too many; `.` is missing where allowed.
-Int4 getopt_num(const char* name, Int4 min, Double* out, Int4 limit, Int4& n, boolean allowmissing = false);
-Int4 getopt_int(const char* name, Int4 min, Int4* out, Int4 limit, Int4& n);
-// The text between the parentheses, trimmed, quotes around the whole removed; found is false without the option.
-Int4 getopt_str(const char* name, Int4 min, std::string& text, boolean& found);
-Int4 getopt_words(const char* name, Int4 min, std::vector<std::string>& words, Int4 limit, boolean& found);
-Int4 getopt_vars(const char* name, Int4 min, std::vector<Int4>& vars, boolean& found);
-Int4 getopt_level(Int4 min, Int4& level);      // level(#), 10 to 99, default the setting
-// The options as they were typed, for a parser that knows its options only at run time. The texts point into the line.
-struct typedoption { std::string_view word, argument, text; boolean hasargument; };
-std::vector<typedoption> typedoptions();
-// Under `set debug on` all options that commands ask for are noted, as "command option fewest-characters", with "()" for
-// one that has an argument: for checks of what is written about them.
-const std::set<std::string>& optionsasked();
-void getopt_again();              // no option is consumed: the same line is obeyed for another group
-// Reports the first option not consumed: "x invalid" or "x(...) invalid", 198.
-Int4 getopt_done();
-
 // The value of list entry i (from 0) at obs, through its operator if it has one.
 Double varvalue(Int4 i, Int4 obs);
 // Its variable, and the number of its operator record or 0.

@@ -1,7 +1,7 @@
 // syntax: from the notation
 //   syntax [varlist(...)] [if] [in] [=exp] [fweight aweight] [using/] [, Opt1 Opt2(type)]
 // to the descriptions of syntax.h. What stands in brackets is optional.
-#include "language/syntax.h"
+#include "language/parse.h"
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"

@@ -1,14 +1,16 @@
 // The options of a described program: each rule takes the first typed option that fits it; one that names another rule
 // in full is that rule's.
+#include "language/syntaxoptions.h"
 #include <algorithm>
 #include <cmath>
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/macros.h"
 #include "core/quotes.h"
-#include "data/dataset.h"
+#include "language/options.h"
 #include "language/stdparse.h"
-#include "language/syntax.h"
+#include "language/parse.h"
+#include "language/syntaxrules.h"
 #include "language/varlist.h"
 #include "language/words.h"
 #include "output/errors.h"

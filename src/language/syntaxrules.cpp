@@ -1,12 +1,12 @@
 // The description language of syntax.h, read into rules.
+#include "language/syntaxrules.h"
 #include <algorithm>
 #include <cmath>
 #include "base/state.h"
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/quotes.h"
-#include "language/syntax.h"
-#include "language/words.h"
+#include "language/parse.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -27,10 +27,10 @@ std::string_view skipped(std::string_view text) {
 
 // The value behind `=`: a string, or a run up to a blank or comma.
 std::size_t valueend(std::string_view text, std::string_view& value) {
-    wordpiece string;
-    if (stringpiece(text, string)) {
-        value = string.text;
-        return string.raw.size();
+    quoted string;
+    if (readquoted(text, string)) {
+        value = string.content;
+        return string.length;
     }
     value = text.substr(0, text.find_first_of(" ,"));
     return value.size();

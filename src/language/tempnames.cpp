@@ -1,5 +1,6 @@
 // Temporary names: variables and objects by a counter in base 36, files by a number. A level drops what was named since
 // its entry.
+#include "language/tempnames.h"
 #include <algorithm>
 #include <cstdlib>
 #include <vector>
@@ -7,7 +8,8 @@
 #include "core/objects.h"
 #include "core/tempfiles.h"
 #include "data/dataset.h"
-#include "language/expand.h"
+#include "data/structure.h"
+#include "output/errors.h"
 
 namespace velmo {
 
@@ -41,6 +43,14 @@ std::string newtempname() {
         tempnamecounter++;
         if (!used) return name;
     }
+}
+
+Int4 newtempfile(std::string& out) {
+    char path[pathsize];
+    tempfilecounter = tempfilecounter >= 1333000 ? 1 : tempfilecounter + 1;
+    if (Int4 rc = tempfilename(path, '_', tempfilecounter)) return error(rc);
+    out = path;
+    return 0;
 }
 
 boolean istempname(std::string_view name, Int4 from) {

@@ -9,6 +9,7 @@
 #include "core/commands.h"
 #include "core/events.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "core/upcalls.h"
 #include "data/cells.h"
 #include "data/run.h"
@@ -19,7 +20,6 @@
 #include "language/expand.h"
 #include "language/levels.h"
 #include "language/programs.h"
-#include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"
 #include "output/results.h"
@@ -28,6 +28,7 @@ namespace velmo {
 
 UByte exitflag = 0;
 UByte hardexit = 0;
+UByte wasexpanded = 0;
 Int4 sysclock = 1;
 
 namespace {
@@ -118,6 +119,20 @@ void report(std::int64_t starttime) {
     prtf(" t=%d.%02d %d:%02d:%02d\n", seconds, hundredths, now.hour, now.minute, now.second);
 }
 
+namespace {
+
+// True when the line in cmdbuf, behind prefixes and opening braces, begins with a loop's word.
+boolean looppeek() {
+    std::string_view word = wordbehindprefixes(cmdbuf);
+    for (Int4 depth = 0; word == "{" && depth < maxturns; depth++) word = wordbehindprefixes(tokpos);
+    const command* row = word.empty() ? nullptr : commandrow(tokbuf);
+    boolean loop = row && (row->flags & cmd_loop);
+    settokpos(cmdbuf);
+    return loop;
+}
+
+}  // namespace
+
 // std::bad_alloc from small work space ends here, after the guards have run.
 Int4 docmd() {
     if (shuttingdown || endpending) {
@@ -158,39 +173,5 @@ Int4 docmd() {
     return 1;
 }
 
-namespace {
-
-// The line with `-` ahead when it will run, whatever is quiet.
-void traceline() {
-    printing as(out_text);
-    saved quiet(quietlevel, shows_all);
-    prt(std::string(execflag ? "-" : " ") + cmdbuf + "\n");
-}
-
-// The next line of the running program: 1 behind its last one. Lines without text and star lines are passed over.
-Int4 nextprogramline() {
-    do {
-        object* o = runningprogram();
-        currentline = o ? lineknown(o, programline) : nullptr;
-        if (!currentline) return 1;
-        programtext(o, programline++, cmdbuf);
-        settokpos(cmdbuf);
-        if (tracing) traceline();
-    } while (currentline->blank);
-    return 0;
-}
-
-}  // namespace
-
-Int4 nextline(Int4 inlevel) {
-    if (inlevel && inprogram) return nextprogramline();
-    do {
-        if (dofile && breakpending) return 1;
-        getline();
-        settokpos(cmdbuf);
-        if (eofseen || (!dofile && breakpending)) return 1;
-    } while (tokpeeknonblank() == 0 || tokpeeknonblank() == '*');
-    return 0;
-}
 
 }  // namespace velmo

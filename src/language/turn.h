@@ -9,6 +9,7 @@ namespace velmo {
 // State
 extern UByte exitflag;       // set by exit: end the present reading level
 extern UByte hardexit;       // set by exit, VELMO: end the whole session
+extern UByte wasexpanded;    // the line was expanded before dispatch: its word can't be a loop at a level that stores
 extern Int4 sysclock;        // commands dispatched; from 0x7ffffffe it goes to 1
 // How deep commands may stand within each other, each prefix, block, loop and call counting: 1000 beyond. The stack of
 // 8 MB holds them, and what the innermost command needs, also under sanitizers.
@@ -16,8 +17,6 @@ inline constexpr Int4 maxturns = 600;
 
 // One turn on cmdbuf: 1 to keep reading at this level, 0 to stop.
 Int4 docmd();
-// Fills cmdbuf from the present source: 0 a line is ready, 1 the end of the source.
-Int4 nextline(Int4 inlevel);
 // Prints the outcome of a turn that began at starttime (milliseconds), in do-files and at the console.
 void report(std::int64_t starttime);
 // Runs the command whose word is in cmdword with the cursor behind it.

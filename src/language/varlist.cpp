@@ -9,6 +9,9 @@
 
 namespace velmo {
 
+Int4* vl_vr;
+tsvar* vl_rcp;
+
 boolean isstopword(const char* word) {
     static constexpr std::string_view words[] = {"with", "using", "if", "in", "%", "=", ",", "[", ""};
     for (std::string_view w : words)
@@ -26,16 +29,18 @@ Int4 appendvar(Int4 var, Int4 op = 0) {
     return 0;
 }
 
-Int4 appendrange(Int4 from, Int4 to) {
+boolean shown(const nametable& among, Int4 v) { return among.names[v - 1][0] != '('; }      // not (e)
+
+Int4 appendrange(const nametable& among, Int4 from, Int4 to) {
     for (Int4 v = from; v <= to; v++) {
-        if (issample(v)) continue;
+        if (!shown(among, v)) continue;
         if (Int4 rc = appendvar(v)) return rc;
     }
     return 0;
 }
 
 // `*` and `?` take all that match, `~` must match one.
-Int4 appendpattern(const std::string& token) {
+Int4 appendpattern(const nametable& among, const std::string& token) {
     boolean tilde = token.find('~') != std::string::npos;
     if (tilde && token.find_first_of("*?") != std::string::npos)
         return errorf(198, "%s:  may not combine ~ and *-or-? notation\n", token.c_str());
@@ -43,8 +48,8 @@ Int4 appendpattern(const std::string& token) {
     for (char& c : pattern)
         if (c == '~') c = '*';
     Int4 matched = 0, only = 0;
-    for (Int4 v = 1; v <= visnvar; v++) {
-        if (issample(v) || !wildmatch(varlist[v - 1], pattern, false)) continue;
+    for (Int4 v = 1; v <= among.n; v++) {
+        if (!shown(among, v) || !wildmatch(among.names[v - 1], pattern, false)) continue;
         matched++;
         only = v;
         if (tilde) continue;
@@ -56,15 +61,15 @@ Int4 appendpattern(const std::string& token) {
 }
 
 // A name, or a range name-name.
-Int4 appendname(const std::string& token) {
-    Int4 from = lookupvar(token, lookup_ref);
+Int4 appendname(const nametable& among, const std::string& token) {
+    Int4 from = lookupamong(among, token);
     if (from < 0) return -from;
     if (tokpeeknonblank() != '-') return appendvar(from);
     nexttoken(breakvarlist);
-    Int4 to = lookupvar(nexttoken(breakvarlist), lookup_ref);
+    Int4 to = lookupamong(among, nexttoken(breakvarlist));
     if (to < 0) return -to;
     if (to < from) return errorf(111, "Variables out of order\n");
-    return appendrange(from, to);
+    return appendrange(among, from, to);
 }
 
 // ---- Time-series elements: ops.var or ops.(var ...), where ops may hold parenthesised numlists.
@@ -113,11 +118,11 @@ Int4 operatorsof(const std::string& ops, std::vector<Int4>& out) {
     return 0;
 }
 
-Int4 appendoperated(const std::string& name, const std::vector<Int4>& operators) {
-    Int4 var = lookupvar(name, lookup_ref);
+Int4 appendoperated(const nametable& among, const std::string& name, const std::vector<Int4>& operators) {
+    Int4 var = lookupamong(among, name);
     if (var < 0) return -var;
-    if (isstring(var))
-        return errorf(109, "%s:  may not use time-series operators on string variables\n", varlist[var - 1]);
+    if (isstringtype(among.types[var - 1]))
+        return errorf(109, "%s:  may not use time-series operators on string variables\n", among.names[var - 1]);
     for (Int4 op : operators)
         if (Int4 rc = appendvar(var, op)) return rc;
     return 0;
@@ -139,7 +144,7 @@ boolean operatortext(std::string& ops) {
     return false;
 }
 
-Int4 appendtimeseries() {
+Int4 appendtimeseries(const nametable& among) {
     if (parsing.tsops == never) return error(6101);
     std::string ops, element = tokbuf;
     if (!operatortext(ops)) return opmsg(element, op_invalid);
@@ -147,11 +152,11 @@ Int4 appendtimeseries() {
     std::vector<Int4> operators;
     if (Int4 rc = operatorsof(ops, operators)) return rc;
     if (Int4 rc = tsetup()) return rc;
-    if (tokpeek() != '(') return appendoperated(nexttoken(breakvarlist), operators);
+    if (tokpeek() != '(') return appendoperated(among, nexttoken(breakvarlist), operators);
     nexttoken();
     while (std::string_view(nexttoken(breakvarlist)) != ")") {
         if (!tokbuf[0]) return error(198);
-        if (Int4 rc = appendoperated(tokbuf, operators)) return rc;
+        if (Int4 rc = appendoperated(among, tokbuf, operators)) return rc;
     }
     return 0;
 }
@@ -173,28 +178,29 @@ Int4 groupmark(char mark, grouping& g) {
     return 0;
 }
 
-Int4 appendelement(grouping& g) {
+Int4 appendelement(const nametable& among, grouping& g) {
     std::string token = tokbuf;
     if (token == "(" || token == ")") return groupmark(token[0], g);
-    if (token == "_all") return appendrange(1, visnvar);
+    if (token == "_all") return appendrange(among, 1, among.n);
     if (token == "_skip") return error(198);
-    if (isnamestart(token[0]) && (token.find('.') != std::string::npos || tokpeek() == '(')) return appendtimeseries();
-    if (token.find_first_of("*?~") != std::string::npos) return appendpattern(token);
-    return appendname(token);
+    boolean operated = token.find('.') != std::string::npos || tokpeek() == '(';
+    if (isnamestart(token[0]) && operated) return appendtimeseries(among);
+    if (token.find_first_of("*?~") != std::string::npos) return appendpattern(among, token);
+    return appendname(among, token);
 }
 
 }  // namespace
 
-Int4 existinglist() {
+Int4 existinglist(const nametable& among) {
     grouping g;
     while (!isstopword(nexttoken(breakvarlist)) && !isquoted()) {
         vl_given = 1;
-        if (Int4 rc = appendelement(g)) return rc;
+        if (Int4 rc = appendelement(among, g)) return rc;
     }
     ungettoken();
     if (g.open) return error(198);
     if (vl_given) return 0;
-    return parsing.varlist == must ? required("varlist") : appendrange(1, visnvar);
+    return parsing.varlist == must ? required("varlist") : appendrange(among, 1, among.n);
 }
 
 namespace {

@@ -4,11 +4,18 @@
 #include <string>
 #include <vector>
 #include "core/tokenizer.h"
+#include "data/dataset.h"
 
 namespace velmo {
 
-// Reads from the cursor up to a stop word. 0 or a code, printed.
-Int4 existinglist();
+struct tsvar;    // data/timeseries.h
+
+// State: the list of the running command
+extern Int4* vl_vr;           // variables, maxvar + 1 at most
+extern tsvar* vl_rcp;         // their time-series operators
+
+// Reads from the cursor up to a stop word; existing names are those of a table. 0 or a code, printed.
+Int4 existinglist(const nametable& among = datatable());
 Int4 newlist();
 // The names stem1 to stem9 between the two ends of a numbered series: same stem, digits at both ends, rising; else 198.
 Int4 seriesnames(const std::string& first, const std::string& last, std::vector<std::string>& names);

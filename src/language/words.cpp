@@ -5,50 +5,17 @@
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/quotes.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "output/errors.h"
 
 namespace velmo {
 
-boolean stringpiece(std::string_view text, wordpiece& out) {
-    quoted q;
-    if (!readquoted(text, q)) return false;
-    out = {q.content, text.substr(0, q.length)};
-    return true;
-}
-
-boolean nextpiece(std::string_view& text, std::string_view breaks, wordpiece& out) {
-    text = ltrimmed(text);
-    if (text.empty()) return false;
-    if (!stringpiece(text, out)) {
-        std::size_t n = std::max<std::size_t>(std::min(text.find_first_of(breaks), text.size()), 1);
-        out.text = out.raw = text.substr(0, n);
-    }
-    text.remove_prefix(out.raw.size());
-    return true;
-}
-
-std::size_t matchingend(std::string_view text) {
-    Int4 depth = 0;
-    wordpiece string;
-    for (std::size_t i = 0; i < text.size(); i++) {
-        if (stringpiece(text.substr(i), string)) {
-            i += string.raw.size() - 1;
-            continue;
-        }
-        depth += text[i] == '(' || text[i] == '[';
-        depth -= text[i] == ')' || text[i] == ']';
-        if (depth == 0) return i + 1;
-    }
-    return 0;
-}
-
 boolean stringargument(std::string& out) {
     while (*tokpos == ' ') tokpos++;
-    wordpiece string;
-    if (!stringpiece(tokpos, string)) return false;
-    out = string.text;
-    settokpos(tokpos + string.raw.size());
+    quoted string;
+    if (!readquoted(tokpos, string)) return false;
+    out = string.content;
+    settokpos(tokpos + string.length);
     return true;
 }
 
@@ -78,9 +45,9 @@ void clearpositionals() {
 
 Int4 positionals(std::string_view text, std::string_view breaks) {
     clearpositionals();
-    wordpiece piece;
+    quoted piece;
     for (Int4 i = 1; nextpiece(text, breaks, piece); i++)
-        if (Int4 rc = macroput("_" + std::to_string(i), piece.text)) return rc;
+        if (Int4 rc = macroput("_" + std::to_string(i), piece.content)) return rc;
     return 0;
 }
 

@@ -7,9 +7,12 @@
 #include "base/text.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "output/vtmllogs.h"
 
 namespace velmo {
 
+UByte logastext = 0;
+char logprefix[256];
 logstate sessionlog, commandlog;
 
 namespace {

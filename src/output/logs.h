@@ -23,6 +23,8 @@ struct logstate {
 
 // State
 extern logstate sessionlog, commandlog;
+extern UByte logastext;        // set logtype: 1 text, 0 vtml
+extern char logprefix[256];    // set prefix
 
 // The session's log from here on; true when the stream refuses it, and then it stays closed.
 boolean log_start(Int4 file, std::string_view name, boolean vtml);

@@ -7,6 +7,7 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "output/results.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

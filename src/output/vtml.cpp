@@ -8,10 +8,9 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "output/vtmlinternal.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
-
-UByte maccharset = 0;
 
 namespace {
 
@@ -208,7 +207,7 @@ Int4 addlength(void* data, const UByte* record, Int4 code) {
 
 void vtml_reset(vstream* s) {
     s->mode = vmode_none;
-    s->closed = s->logs_disabled = 0;
+    s->logs_disabled = 0;
     s->callback = nullptr;
     s->data = nullptr;
     s->linesize = s->save_linesize = 79;
@@ -246,8 +245,6 @@ Int4 vtml_measure(std::string_view text, UByte can_underline) {
     measure_done(s);
     return width;
 }
-
-Int4 vtmlwidth(std::string_view text) { return vtml_measure(text, 0); }
 
 void vtml_inner(vstream* s, std::string_view text) {
     work += innerwork;
@@ -343,12 +340,11 @@ void vstream_setmode(vstream* s, vmode m) {
 }
 
 vmode vstream_mode(const vstream* s) { return s->mode; }
-void vstream_setclosed(vstream* s, boolean closed) { s->closed = closed; }
 void vstream_setmuted(vstream* s, boolean muted) { s->muted = muted; }
 
 // The marker stands only at the end of a chunk, and may come in pieces.
 void vstream_write(vstream* s, std::string_view text) {
-    if (text.empty() || s->closed) return;
+    if (text.empty()) return;
     s->unshown = 1;
     if (nmeasuring == 0) work = 0;
     log_raw(s, text);
@@ -427,7 +423,7 @@ void vstream_partial(vstream* s) {
 // A colour directive as vstream_write would read it, but without its way through the parser when nothing waits.
 void vstream_setcolor(vstream* s, UByte colour) {
     static const char* const directives[6] = {nullptr, "{res}", "{txt}", nullptr, "{err}", "{com}"};
-    if (s->closed || s->mode == vmode_asis || s->mode == vmode_v6hlp) return;
+    if (s->mode == vmode_asis || s->mode == vmode_v6hlp) return;
     if (colour >= std::size(directives) || !directives[colour]) return;
     boolean holds = vstream_holds(s);
     if (!holds && s->word.n == 0 && (s->style & style_colour) == colour) return;

@@ -1,8 +1,10 @@
 // The characters of {c x}. To add one: a row, in any order; the names are compared exactly.
+#include "output/vtmlchars.h"
 #include "base/text.h"
-#include "output/vtmlinternal.h"
 
 namespace velmo {
+
+UByte maccharset = 0;
 
 namespace {
 
@@ -86,6 +88,13 @@ boolean vtml_char(std::string_view name, UByte& code, boolean& graphic) {
         return true;
     }
     return false;
+}
+
+UByte latin1code(UByte code) {
+    if (!maccharset || code < 128) return code;
+    for (const charrow& row : chars)
+        if (row.mac == code) return row.latin1;
+    return code;
 }
 
 }  // namespace velmo

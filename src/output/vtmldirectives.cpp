@@ -5,7 +5,9 @@
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
+#include "output/vtmlchars.h"
 #include "output/vtmlinternal.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include "base/saved.h"
 #include "output/vtmlinternal.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

@@ -10,6 +10,7 @@
 // work (braces sought, texts repeated and measured) than any output needs: no input takes time without bound.
 #pragma once
 #include "output/vtml.h"
+#include "output/vtmllogs.h"
 
 namespace velmo {
 
@@ -57,7 +58,6 @@ struct vlogbuffer {
 
 struct vstream {
     vmode mode;
-    UByte closed;            // all writes are ignored
     UByte unshown;           // something was written since the last partial line or flush
     UByte logs_disabled;
     vcallback callback;
@@ -110,9 +110,6 @@ void vtml_newline(vstream* s);
 boolean vtml_directive(vstream* s, std::string_view body);
 // True when the text behind a brace begins with the name of a directive, or with ?
 boolean vtml_isdirective(std::string_view text);
-
-// vtmlchars.cpp: the character that {c x} names; false when there is none
-boolean vtml_char(std::string_view name, UByte& code, boolean& graphic);
 
 // vtmlhelp.cpp
 void vtml_helptext(vstream* s, std::string_view text);

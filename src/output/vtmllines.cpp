@@ -1,4 +1,5 @@
 // Lines, words and links. line_place is the only way text gets into a line; line_emit the only way a line leaves.
+#include "output/vtmllines.h"
 #include <algorithm>
 #include <cstring>
 #include "base/columns.h"

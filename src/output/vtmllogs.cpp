@@ -1,9 +1,11 @@
 // Log sets. A write that fails clears the file's alive byte: the file stays attached and receives nothing more.
+#include "output/vtmllogs.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include "base/platform.h"
 #include "output/vtmlinternal.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

@@ -8,9 +8,19 @@
 #include "base/state.h"
 #include "core/commands.h"
 #include "core/events.h"
+#include "core/memory.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"
-#include "language/expand.h"
+#include "core/tokenizer.h"
+#include "data/dataset.h"
+#include "data/timeseries.h"
+#include "language/autoload.h"
+#include "language/by.h"
+#include "language/extfunctions.h"
+#include "language/options.h"
+#include "language/review.h"
+#include "language/varlist.h"
+#include "output/logs.h"
 #include "output/results.h"
 
 namespace velmo {
@@ -23,8 +33,8 @@ namespace velmo {
 #undef CMD
 #undef NOCMD
 
-#define CMD(word, min, handler, flags, from, until) {#word, min, cmd_##handler, UByte(flags), from, until},
-#define NOCMD(word, min, flags, from, until) {#word, min, nullptr, UByte(flags), from, until},
+#define CMD(word, min, handler, flags, from, until) {#word, min, cmd_##handler, UInt2(flags), from, until},
+#define NOCMD(word, min, flags, from, until) {#word, min, nullptr, UInt2(flags), from, until},
 constexpr command commandrows[] = {
 #include "core/commands.def"
 };
@@ -120,6 +130,22 @@ static_assert(settingsfine());
 
 extern const setting* const settings = settingrows;
 extern const Int4 nsettings = Int4(std::size(settingrows));
+
+// ---- Fixed tables.
+
+#define PLACE(variable) [](void* p) { variable = static_cast<decltype(variable)>(p); }
+#define TABLE(label, variable, n) {#label, PLACE(variable), sizeof *variable, (n) * sizeof *variable, false},
+#define TEXT(label, variable, n) {#label, PLACE(variable), namesize, n, true},
+static constexpr fixedrow fixedtablerows[] = {
+#include "session/fixedtables.def"
+};
+#undef TABLE
+#undef TEXT
+#undef PLACE
+static_assert(std::size(fixedtablerows) < std::size(fixedtables));
+
+extern const fixedrow* const fixedrows = fixedtablerows;
+extern const Int4 nfixedrows = Int4(std::size(fixedtablerows));
 
 // ---- Extended macro functions.
 

@@ -10,6 +10,7 @@
 #include "core/objects.h"
 #include "core/prefs.h"
 #include "core/rectangle.h"
+#include "core/room.h"
 #include "core/tempfiles.h"
 #include "base/platform.h"
 #include "smallmemory.h"

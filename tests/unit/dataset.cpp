@@ -9,8 +9,10 @@
 #include <vector>
 #include "core/memory.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/chars.h"
+#include "data/structure.h"
 #include "putlabel.h"
 #include "data/run.h"
 #include "data/sorting.h"
@@ -312,7 +314,7 @@ TEST_F(dataset, ties_come_out_as_defined) {
                 putstr(3, i, pick(5) ? "common prefix " + std::to_string(k) : std::string(pick(3), char(200)));
                 putstr(4, i, std::to_string(k));
                 putobs(5, i, pick(8) ? Double(k % 20000) - 9000 : missing);
-                putobs(6, i, Double(i) * 7919 - std::floor(i * 7919 / 3001.0) * 3001 + 2147480000);      // all different
+                putobs(6, i, Double(i) * 7919 - std::floor(i * 7919 / 3001.0) * 3001 + 2147480000);   // all different
             }
             sortseed = random() & 0x7FFFFFFF;
             sortboth(1, nobs, key);
@@ -414,7 +416,7 @@ TEST_F(dataset, running_out_of_room_changes_nothing) {
     EXPECT_EQ(rc, 900);
     EXPECT_EQ(nvar, maxvar - 1);
     EXPECT_EQ(maketemp(typebyte, false), maxvar);
-    droptemp();
+    shrinkvars(nvar - 1);
     EXPECT_EQ(nvar, maxvar - 1);
 }
 

@@ -13,8 +13,13 @@
 #include <vector>
 #include "base/platform.h"
 #include "core/macros.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/dtafile.h"
+#include "data/dtamemory.h"
+#include "data/dtaread.h"
+#include "data/dtawrite.h"
+#include "data/structure.h"
 #include "smallmemory.h"
 
 using namespace velmo;

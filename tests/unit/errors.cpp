@@ -6,6 +6,7 @@
 #include "base/saved.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "output/vtmllines.h"
 
 using namespace velmo;
 using std::string;

@@ -14,6 +14,7 @@
 #include "data/chars.h"
 #include "data/labels.h"
 #include "data/run.h"
+#include "data/structure.h"
 #include "expr/compile.h"
 #include "expr/evaluate.h"
 #include "expr/functions.h"

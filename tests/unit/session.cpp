@@ -1,8 +1,4 @@
 // A session made anew in a process that has had one: nothing of the first is left in the second.
-#include "session/session.h"
-#include <gtest/gtest.h>
-#include <cstring>
-#include <filesystem>
 #include "base/poll.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -12,11 +8,16 @@
 #include "core/objects.h"
 #include "data/dataset.h"
 #include "data/preserve.h"
-#include "language/expand.h"
 #include "language/dofile.h"
+#include "language/tempnames.h"
 #include "language/turn.h"
 #include "output/results.h"
+#include "output/vtmllines.h"
+#include "session/session.h"
 #include "stored/families.h"
+#include <gtest/gtest.h>
+#include <cstring>
+#include <filesystem>
 
 using namespace velmo;
 namespace fs = std::filesystem;

@@ -1,5 +1,8 @@
 // The markup engine, seen through the records it hands to a consumer.
 #include "output/vtml.h"
+#include "output/vtmlchars.h"
+#include "output/vtmllines.h"
+#include "output/vtmllogs.h"
 #include <cstdio>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -143,7 +146,6 @@ TEST(Vtml, PlacesTextInColumns) {
     EXPECT_EQ(shown({"{col 20:{.-}}|\n"}).size(), 80u + 2) << "a column that is never reached";
     EXPECT_EQ(shown({"x{.-}\n{.-}\ny\n"}), "x\n" + string(79, '-') + "\n" + string(79, '-') + "\ny\n");
     EXPECT_EQ(shown({"{title:abc}\n"}), "abc\n---\n");
-    EXPECT_EQ(vtmlwidth("{bf:ab}{hline 4}{c -(}"), 7);
 }
 
 TEST(Vtml, CharactersByNameAndCharset) {

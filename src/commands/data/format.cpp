@@ -61,7 +61,6 @@ Int4 checkkinds(const fmtspec& spec) {
 Int4 cmd_format() {
     std::string text;
     fmtspec spec{};
-    if (bymode) return error(190);
     if (nvar == 0) return error(111);
     boolean formatfirst = tokpeeknonblank() == '%';
     if (formatfirst)

@@ -4,7 +4,9 @@
 #include <vector>
 #include "base/text.h"
 #include "data/cells.h"
+#include "data/structure.h"
 #include "estimate/groups.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "data/cells.h"
 #include "data/run.h"
+#include "data/structure.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"
@@ -14,7 +15,6 @@ namespace velmo {
 
 // rename oldname newname
 Int4 cmd_rename() {
-    if (bymode) return error(190);
     Int4 var = lookupvar(nexttoken(), lookup_ref);
     if (var < 0) return -var;
     std::string name = nexttoken();

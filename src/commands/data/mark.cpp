@@ -8,9 +8,10 @@
 #include "data/cells.h"
 #include "data/timeseries.h"
 #include "estimate/sample.h"
-#include "expr/compile.h"
 #include "language/expand.h"
+#include "language/options.h"
 #include "language/stdparse.h"
+#include "language/tempnames.h"
 #include "language/words.h"
 #include "output/errors.h"
 

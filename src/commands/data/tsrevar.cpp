@@ -7,8 +7,9 @@
 #include "data/run.h"
 #include "data/timeseries.h"
 #include "expr/evaluate.h"
-#include "language/expand.h"
+#include "language/options.h"
 #include "language/stdparse.h"
+#include "language/tempnames.h"
 #include "output/errors.h"
 #include "stored/families.h"
 

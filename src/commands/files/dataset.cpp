@@ -11,9 +11,13 @@
 #include "core/macros.h"
 #include "data/cells.h"
 #include "data/dtafile.h"
+#include "data/dtamemory.h"
+#include "data/dtaread.h"
+#include "data/dtawrite.h"
 #include "data/preserve.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
 #include "output/errors.h"
@@ -102,7 +106,6 @@ Int4 savename(char (&path)[pathsize]) {
 
 // save [filename] [, replace nolabel old midscale all internal]
 Int4 cmd_save() {
-    if (bymode) return error(190);
     if (nvar == 0) return error(111);
     char path[pathsize];
     saveoptions o;
@@ -137,20 +140,15 @@ boolean tousing() {
     return false;
 }
 
-// The list at the cursor, read against the file's names: the tables stand for the file's meanwhile. In the file's
-// order, each variable once; all without a list.
+// The list at the cursor, read against the file's names. In the file's order, each variable once; all without a list.
 Int4 filelist(dtafile& f, std::vector<Int4>& keep) {
     Int4 n = f.head.nvar();
     if (n > maxvar) return error(900);
     std::vector<std::array<char, namesize>> names(std::size_t(n) + 1);
     for (Int4 i = 0; i < n; i++) copytext(names[std::size_t(i)].data(), namesize, f.head.names[std::size_t(i)]);
-    onexit index(namesmoved);
-    saved list(varlist, reinterpret_cast<char(*)[namesize]>(names.data()));
-    saved types(typ, f.head.types.data());
-    saved all(nvar, n), visible(visnvar, n);
-    namesmoved();
+    nametable among{reinterpret_cast<const char(*)[namesize]>(names.data()), f.head.types.data(), n, &f.numbers};
     vl_n = vl_ngroups = vl_given = 0;
-    if (Int4 rc = existinglist()) return rc;
+    if (Int4 rc = existinglist(among)) return rc;
     if (vl_given && vl_n == 0) return required("varlist");
     for (Int4 v = 1; v <= n && !vl_given; v++) keep.push_back(v);
     if (vl_given) keep.assign(vl_vr, vl_vr + vl_n);
@@ -228,7 +226,6 @@ Int4 setorigin(const origin& o) {
 
 // use filename [, clear nolabel internal];  use [varlist] [if exp] [in range] using filename [, ...]
 Int4 cmd_use() {
-    if (bymode) return error(190);
     char* start = tokpos;
     char name[tokensize];
     useoptions o;
@@ -256,7 +253,6 @@ Int4 cmd_use() {
 
 // preserve [, changed]: a copy is kept whether the data have changed or not.
 Int4 cmd_preserve() {
-    if (bymode) return error(190);
     if (Int4 rc = parseoptions()) return rc;
     getopt_flag("changed", 7);
     if (Int4 rc = getopt_done()) return rc;
@@ -265,7 +261,6 @@ Int4 cmd_preserve() {
 
 // restore [, not preserve]
 Int4 cmd_restore() {
-    if (bymode) return error(190);
     if (Int4 rc = parseoptions()) return rc;
     boolean cancel = getopt_flag("not", 3), keep = getopt_flag("preserve", 8);
     if (Int4 rc = getopt_done()) return rc;

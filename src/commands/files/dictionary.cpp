@@ -2,6 +2,7 @@
 #include <algorithm>
 #include "base/saved.h"
 #include "base/text.h"
+#include "commands/files/infix.h"
 #include "data/dataset.h"
 #include "data/labels.h"
 #include "output/errors.h"

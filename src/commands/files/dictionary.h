@@ -60,13 +60,5 @@ Int4 closetable(fieldtable& table);
 
 // Reads a dictionary through its `}`: of infile, or of infix. 6, 181's message with 614, 611 to 614, 691, all printed.
 Int4 readdictionary(linereader& lines, boolean infix, fieldtable& table);
-// One item of infix, whose first token is in hand.
-Int4 infixitem(dicttokens& t, fieldtable& table);
-
-// ---- Reading by the table.
-
-// Observations first..last of the data into the dataset, whose variables are made. 0, 1, 611, 612 (what was read
-// stays), 691, 901 and those of the number rule.
-Int4 readfields(linereader& lines, const fieldtable& table, Int4 first, Int4 last);
 
 }  // namespace velmo

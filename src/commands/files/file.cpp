@@ -13,9 +13,9 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/webfile.h"
-#include "data/dataset.h"
 #include "data/run.h"
 #include "expr/value.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -461,7 +461,6 @@ Int4 cmd_file() {
                                         {"query", 1, 4}, {"set", 0, 5},  {"seek", 0, 6}, {"debug", 0, 7}};
     static Int4 (*const actions[])() = {writehandle,  readhandle, openhandle, closehandle,
                                         queryhandles, sethandle,  seekhandle, debughandle};
-    if (bymode) return error(190);
     Int4 word = lookup(words, nexttoken());
     return word < 0 ? error(198) : actions[word]();
 }

@@ -1,4 +1,5 @@
 // The reader of observations by a field table.
+#include "commands/files/fixedfields.h"
 #include <algorithm>
 #include "base/text.h"
 #include "commands/files/dictionary.h"

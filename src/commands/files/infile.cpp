@@ -2,10 +2,14 @@
 #include "commands/files/infile.h"
 #include "base/saved.h"
 #include "base/text.h"
+#include "commands/files/fixedfields.h"
+#include "commands/files/infilefree.h"
 #include "commands/files/textrows.h"
 #include "core/adopath.h"
+#include "core/room.h"
 #include "data/labels.h"
 #include "data/run.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 
@@ -127,7 +131,6 @@ Int4 bydictionary(boolean infix) {
 // infile varlist using filename [if] [in] [, automatic byvariable(#) clear]
 // infile using dictfile [if] [in] [, using(datafile) clear]
 Int4 cmd_infile() {
-    if (bymode) return error(190);
     tokenpos here;
     savetokpos(&here);
     if (std::string_view(nexttoken()) == "using") return bydictionary(false);

@@ -26,7 +26,5 @@ Int4 parserest(const form& f, Int4& first, Int4& last);
 Int4 bydictionary(boolean infix);
 // Makes the variables of a table (the old data go) and reads the data at the reader's place.
 Int4 readtable(linereader& lines, const fieldtable& table);
-// infile varlist using filename
-Int4 infilefree();
 
 }  // namespace velmo

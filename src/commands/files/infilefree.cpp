@@ -1,5 +1,6 @@
 // infile in free form: values one behind the other, apart by blanks, tabs, commas and line ends. Until the first comma
 // of the file line ends mean nothing; from then on one ends a value, and two commas have an empty one between them.
+#include "commands/files/infilefree.h"
 #include <algorithm>
 #include <cstring>
 #include "base/poll.h"
@@ -8,7 +9,9 @@
 #include "commands/files/infile.h"
 #include "commands/files/textrows.h"
 #include "core/adopath.h"
+#include "core/room.h"
 #include "data/run.h"
+#include "data/structure.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"

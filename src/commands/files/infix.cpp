@@ -1,4 +1,5 @@
 // infix: data in fixed columns, told by short items, names and columns.
+#include "commands/files/infix.h"
 #include "commands/files/infile.h"
 #include "base/saved.h"
 #include "base/text.h"
@@ -143,7 +144,6 @@ Int4 bycolumns() {
 // infix using dictfile [if] [in] [, using(datafile) clear]
 // infix items using datafile [if] [in] [, clear]
 Int4 cmd_infix() {
-    if (bymode) return error(190);
     tokenpos here;
     savetokpos(&here);
     if (std::string_view(nexttoken()) == "using") return bydictionary(true);

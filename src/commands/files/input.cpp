@@ -6,7 +6,9 @@
 #include "commands/files/textnumber.h"
 #include "data/cells.h"
 #include "data/run.h"
+#include "data/structure.h"
 #include "language/dofile.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
 #include "output/errors.h"
@@ -116,7 +118,6 @@ boolean namesfollow() {
 
 // input [varlist] [, automatic label], lines, end
 Int4 cmd_input() {
-    if (bymode) return error(190);
     inputstate s;
     s.newvars = namesfollow();
     boolean wasempty = nvar == 0 && nobs == 0;

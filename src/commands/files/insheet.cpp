@@ -12,11 +12,13 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "commands/files/textnumber.h"
+#include "core/room.h"
 #include "core/webfile.h"
 #include "data/cells.h"
 #include "data/labels.h"
 #include "data/run.h"
-#include "language/stdparse.h"
+#include "data/structure.h"
+#include "language/options.h"
 #include "language/varlist.h"
 #include "output/errors.h"
 #include "output/print.h"
@@ -532,7 +534,6 @@ Int4 readsheet(Int4 handle, const insheetoptions& o, const std::vector<std::stri
 
 // insheet [varlist] using filename [, tab comma delimiter("c") clear names nonames double]
 Int4 cmd_insheet() {
-    if (bymode) return error(190);
     std::vector<std::string> names;
     char file[tokensize], path[pathsize];
     if (Int4 rc = readnames(names)) return rc;

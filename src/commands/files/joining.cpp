@@ -2,9 +2,13 @@
 #include <algorithm>
 #include <cstring>
 #include "base/text.h"
+#include "core/room.h"
 #include "data/cells.h"
 #include "data/chars.h"
+#include "data/dtamemory.h"
+#include "data/dtaread.h"
 #include "data/labels.h"
+#include "data/structure.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -94,7 +98,7 @@ Int4 join_store(joining& j, const sharedvar& s, const UByte* row, Int4 obs) {
         return 0;
     }
     Double v = readcell(row + j.f.offsets[std::size_t(s.filevar) - 1], filetype(j, s));
-    UByte needed = type < typefloat ? typeneeded(type, v) : type;
+    UByte needed = typeneeded(type, v);
     if (needed != type)
         if (Int4 rc = widen(j, s.var, needed)) return rc;
     putobs(s.var, obs, v);

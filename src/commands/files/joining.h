@@ -6,6 +6,8 @@
 #include <vector>
 #include "core/rectangle.h"
 #include "data/dtafile.h"
+#include "data/dtamemory.h"
+#include "data/dtaread.h"
 
 namespace velmo {
 

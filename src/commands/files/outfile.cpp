@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "commands/files/celltext.h"
 #include "expr/walk.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 

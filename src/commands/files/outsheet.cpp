@@ -3,6 +3,7 @@
 #include "core/webfile.h"
 #include "data/dataset.h"
 #include "expr/walk.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 

@@ -10,6 +10,7 @@
 #include "data/posting.h"
 #include "data/run.h"
 #include "expr/value.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "language/varlist.h"
 #include "output/errors.h"
@@ -61,7 +62,6 @@ Int4 readpostoptions(postchoice& o) {
 
 // postfile postname newvarlist using filename [, replace double every(#)]
 Int4 cmd_postfile() {
-    if (bymode) return error(190);
     std::string name = nexttoken();
     if (!validname(name)) return badname(name);
     if (post_columns(name)) return nameerror(name_defined, name);
@@ -114,7 +114,6 @@ Int4 nopost(const std::string& name) { return errorf(111, "post %s not found\n",
 
 // post postname (exp) (exp) ...: values of the first observation.
 Int4 cmd_post() {
-    if (bymode) return error(190);
     std::string name = nexttoken();
     Int4 columns = post_columns(name);
     if (!columns) return nopost(name);
@@ -125,7 +124,6 @@ Int4 cmd_post() {
 
 // postclose postname | _all
 Int4 cmd_postclose() {
-    if (bymode) return error(190);
     std::string name = nexttoken();
     if (nexttoken()[0]) return error(198);
     if (name == "_all") return post_closeall();

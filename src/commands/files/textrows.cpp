@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cstring>
 #include "commands/files/textnumber.h"
+#include "core/room.h"
 #include "data/run.h"
+#include "data/structure.h"
 #include "expr/evaluate.h"
 #include "output/errors.h"
 

@@ -6,7 +6,7 @@
 #include "core/keywords.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
-#include "language/expand.h"
+#include "language/macrocommands.h"
 #include "language/programs.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
@@ -178,7 +178,6 @@ Int4 dropscalars() {
 // scalar [define] name = exp, dir, list, drop. A first word that an = follows is a name.
 Int4 cmd_scalar() {
     static constexpr keyword words[] = {{"define", 2, 0}, {"dir", 2, 1}, {"drop", 4, 2}, {"list", 1, 1}};
-    if (bymode) return error(190);
     Int4 word = lookup(words, nexttoken());
     if (tokpeeknonblank() == '=') {
         ungettoken();

@@ -100,7 +100,6 @@ Int4 cmd_confirm() {
         {"new", 0, q_new}, {"integer", 4, q_integer}, {"numeric", 3, q_numeric}, {"string", 3, q_string},
     };
     static constexpr keyword subjects[] = {{"variable", 1, variable}, {"number", 1, number}, {"file", 1, file}};
-    if (bymode) return error(190);
     Int4 form = lookup(whole, std::string(nexttoken()).substr(0, 9));
     if (form == existence) return tokpeeknonblank() ? 0 : foundwhere("", "something", 6);
     if (form == names) return confirmnames();

@@ -16,6 +16,7 @@
 #include "output/logs.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "output/vtmllines.h"
 
 namespace velmo {
 

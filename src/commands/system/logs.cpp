@@ -4,10 +4,10 @@
 #include "base/poll.h"
 #include "base/text.h"
 #include "core/keywords.h"
-#include "core/settings.h"
+#include "core/tokenizer.h"
 #include "core/webfile.h"
 #include "data/run.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "output/errors.h"
 #include "output/logs.h"
 #include "output/print.h"
@@ -48,9 +48,9 @@ std::string suffixof(std::string_view name) {
 // An option, then the suffix, then the setting tells the type. Of two options the one that the setting isn't wins.
 boolean isvtml(const char* name, const logoptions& o) {
     if (o.text != o.vtml) return o.vtml;
-    if (o.text) return set_logtext;
+    if (o.text) return logastext;
     std::string suffix = suffixof(name);
-    return suffix == ".log" ? false : suffix == ".vtml" ? true : !set_logtext;
+    return suffix == ".log" ? false : suffix == ".vtml" ? true : !logastext;
 }
 
 Int4 nothingbehind() { return nexttoken()[0] ? error(198) : 0; }
@@ -159,7 +159,6 @@ Int4 showlog() {
 }  // namespace
 
 Int4 cmd_log() {
-    if (bymode) return error(190);
     if (tokpeeknonblank() == 0) return showlog();
     Int4 word = lookup(subcommands, nexttoken());
     if (word < 0) return error(198);
@@ -171,7 +170,6 @@ Int4 cmd_log() {
 Int4 cmd_cmdlog() {
     char name[tokensize];
     logoptions o;
-    if (bymode) return error(190);
     if (tokpeeknonblank() == 0) return showcmdlog();
     Int4 word = lookup(subcommands, nexttoken());
     if (word < 0) return error(198);
@@ -196,7 +194,7 @@ Int4 ext_log(std::string& out) {
     if (word == "filename") out = open ? sessionlog.name : "";
     else if (word == "status") out = !open ? "closed" : sessionlog.on ? "on" : "off";
     else if (word == "type") out = !open ? "" : sessionlog.vtml ? "vtml" : "text";
-    else if (word == "prefix") out = set_prefix;
+    else if (word == "prefix") out = logprefix;
     else return error(198);
     return 0;
 }

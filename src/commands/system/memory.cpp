@@ -9,10 +9,13 @@
 #include "core/keywords.h"
 #include "core/macros.h"
 #include "core/objects.h"
+#include "core/room.h"
 #include "core/settings.h"
 #include "core/tokenizer.h"
 #include "data/dataset.h"
 #include "data/run.h"
+#include "language/autoload.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "language/turn.h"
 #include "output/errors.h"
@@ -51,7 +54,7 @@ void storeusage(const usage& u) {
         {"N_cur", Double(nobs)},      {"N_curmax", Double(maxobs)}, {"k_cur", Double(nvar)},
         {"w_cur", Double(width)},     {"M_total", u.total},         {"M_data", u.rows},
         {"M_dyn", u.objects},         {"size_ptr", pointersize},    {"k", Double(shownvars())},
-        {"width", Double(width)},     {"adosize", Double(set_adosize)}, {"matsize", Double(matsize)},
+        {"width", Double(width)},     {"adosize", Double(adosize)}, {"matsize", Double(matsize)},
         {"n_repart", Double(n_repart)}, {"n_shift", Double(n_shift)},
     };
     for (const auto& row : rows) rstore(row.name, row.value);
@@ -123,7 +126,7 @@ Int4 debugterm() {
 
 wide address(const void* p) { return wide(reinterpret_cast<UPint>(p)); }
 
-Int4 fixedrows() {
+Int4 showtables() {
     wide total = 0;
     prtf("mtr.n = %d\n", nfixedtables);
     for (Int4 i = 0; i < nfixedtables; i++) {
@@ -131,7 +134,7 @@ Int4 fixedrows() {
         wide start = address(t.p), end = start + t.size;
         long long gap = i + 1 < nfixedtables ? static_cast<long long>(address(fixedtables[i + 1].p) - end) : 0;
         prtf("%2d. %8llx + %08llx = %08llx  ", i + 1, start, wide(t.size), end);
-        if (Int4 rc = prtf("(%s)  gap %lld\n", t.label, gap)) return rc;
+        if (Int4 rc = prtf("(%s)  gap %lld\n", fixedrows[i].label, gap)) return rc;
         total += t.size;
     }
     if (nfixedtables == Int4(std::size(fixedtables))) prt("NTRACKS too small\n");
@@ -141,7 +144,7 @@ Int4 fixedrows() {
 Int4 debugmemory() {
     prtf("maxmaxvar=%d maxlrecl=%d\n", maxvar, maxlrecl());
     prtf("conslen=%d macrolen=%d\n", conslen, macrolen);
-    if (Int4 rc = fixedrows()) return rc;
+    if (Int4 rc = showtables()) return rc;
     prtf("nvar %d nobs %d\n", nvar, nobs);
     prtf("mvar %d mobs %d tobs %d\n", mvar, maxobs, tmaxobs);
     prtf("lrecl %d\n", lrecl);

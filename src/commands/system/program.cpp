@@ -9,9 +9,9 @@
 #include "core/macros.h"
 #include "core/tokenizer.h"
 #include "data/run.h"
-#include "language/expand.h"
+#include "language/definition.h"
+#include "language/options.h"
 #include "language/programs.h"
-#include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/print.h"
 
@@ -200,7 +200,6 @@ Int4 setdir() {
 
 // sysdir [list], sysdir set codeword "path"
 Int4 cmd_sysdir() {
-    if (bymode) return error(190);
     std::string_view word = nexttoken();
     if (word.empty() || word == "list") return listdirs();
     return word == "set" ? setdir() : error(198);

@@ -11,50 +11,19 @@
 #include "core/prefs.h"
 #include "core/quotes.h"
 #include "core/settings.h"
+#include "core/tokenizer.h"
 #include "data/run.h"
 #include "data/sorting.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "matrix/random.h"
 #include "output/errors.h"
 #include "output/formats.h"
+#include "output/logs.h"
 #include "output/print.h"
 #include "output/results.h"
+#include "output/vtmlchars.h"
 
 namespace velmo {
-
-// ---- Arguments.
-
-Int4 nothingelse() { return nexttoken()[0] ? error(198) : 0; }
-
-Int4 readbounded(std::string_view name, Int4 lo, Int4 hi, Int4& value) {
-    Double n;
-    if (!readnumber(nexttoken(breaknum), n) || n != std::floor(n)) return error(198);
-    Int4 whole = Int4(std::clamp(n, -2147483648.0, 2147483647.0));
-    if (Int4 rc = boundscheck(name, whole, lo, hi)) return rc;
-    value = whole;
-    return 0;
-}
-
-Int4 readreal(Double& value) {
-    Double n;
-    if (!readnumber(nexttoken(breaknum), n) || !std::isfinite(n)) return error(198);
-    if (Int4 rc = nothingelse()) return rc;
-    value = n;
-    return 0;
-}
-
-Int4 permanentoption(boolean& permanent) {
-    if (Int4 rc = parseoptions()) return rc;
-    permanent = getopt_flag("permanent", 4);
-    return getopt_done();
-}
-
-Int4 recorded(const char* name) {
-    if (!prefs_save()) return fileerror(603, prefs_file());
-    printing as(out_text);
-    prtcolour();
-    return prtrawf("({cmd:set %s} preference recorded)\n", name);
-}
 
 namespace {
 
@@ -98,7 +67,6 @@ Int4 take(const setting& row) {
 
 // set word argument
 Int4 cmd_set() {
-    if (bymode) return error(190);
     if (nexttoken()[0] == 0) return error(198);
     const setting* row = settingrow(tokbuf);
     if (!row) return notallowed(tokcontent());
@@ -116,7 +84,7 @@ Int4 setting_pagesize() {
     return 0;
 }
 
-Int4 setting_level() { return macroset("S_level", std::to_string(set_level)); }
+Int4 setting_level() { return macroset("S_level", std::to_string(confidencelevel)); }
 
 Int4 setting_network() {
     network_store();
@@ -153,11 +121,11 @@ Int4 setting_charset() {
     std::string word = nexttoken();
     if (word != "latin1" && word != "mac") return errorf(198, "charset %s invalid\n", tokcontent());
     if (Int4 rc = nothingelse()) return rc;
-    set_maccharset = word == "mac";
+    maccharset = word == "mac";
     return 0;
 }
 
-std::string shown_charset() { return set_maccharset ? "mac" : "latin1"; }
+std::string shown_charset() { return maccharset ? "mac" : "latin1"; }
 
 // set more on|off [, permanent], or a number (0 is off), which is for the session only.
 Int4 setting_more() {
@@ -195,11 +163,11 @@ Int4 setting_logtype() {
         return 198;
     }
     if (Int4 rc = nothingelse()) return rc;
-    set_logtext = UByte(value);
+    logastext = UByte(value);
     return 0;
 }
 
-std::string shown_logtype() { return set_logtext ? "text" : "vtml"; }
+std::string shown_logtype() { return logastext ? "text" : "vtml"; }
 
 Int4 setting_dp() {
     static constexpr keyword words[] = {{"period", 3, 0}, {"comma", 3, 1}};

@@ -11,8 +11,8 @@
 #include "core/webfile.h"
 #include "data/run.h"
 #include "expr/value.h"
+#include "language/options.h"
 #include "language/review.h"
-#include "language/stdparse.h"
 #include "language/turn.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -126,7 +126,6 @@ Int4 cmd_push() {
 }
 
 Int4 cmd_more() {
-    if (bymode) return error(190);
     if (nexttoken()[0]) return error(198);
     vstream_more(results);
     return breakpending;

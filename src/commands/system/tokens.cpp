@@ -3,9 +3,10 @@
 #include <vector>
 #include "base/text.h"
 #include "core/macros.h"
+#include "core/quotes.h"
 #include "language/expand.h"
 #include "language/numlist.h"
-#include "language/stdparse.h"
+#include "language/options.h"
 #include "language/words.h"
 #include "output/errors.h"
 #include "stored/families.h"
@@ -22,8 +23,7 @@ std::string tokenizedtext() {
     settokpos(start);
     std::string_view line = start;
     std::size_t end = 0;
-    wordpiece string;
-    while (end < line.size() && line[end] != ',') end += stringpiece(line.substr(end), string) ? string.raw.size() : 1;
+    while (end < line.size() && line[end] != ',') end = behindquote(line, end);
     settokpos(start + end);
     return std::string(line.substr(0, end));
 }
@@ -61,7 +61,6 @@ struct taken { std::string token; std::string_view rest; boolean matched; };
 
 Int4 taketoken(std::string_view text, std::string_view breaks, boolean quotes, boolean match, taken& out) {
     text = ltrimmed(text);
-    wordpiece piece{};
     out.matched = match && !text.empty() && text[0] == '(';
     if (out.matched) {
         std::size_t end = matchingend(text);
@@ -69,8 +68,10 @@ Int4 taketoken(std::string_view text, std::string_view breaks, boolean quotes, b
         out.token = text.substr(1, end - 2);
         text.remove_prefix(end);
     } else {
+        quoted piece;
+        std::string_view from = text;
         nextpiece(text, breaks, piece);
-        out.token = quotes ? piece.raw : piece.text;
+        out.token = quotes ? from.substr(0, piece.length) : piece.content;
     }
     out.rest = breaks == " " ? ltrimmed(text) : text;
     return 0;

@@ -7,11 +7,14 @@
 #include "commands/tables/tabletext.h"
 #include "core/division.h"
 #include "core/macros.h"
+#include "core/room.h"
 #include "data/chars.h"
 #include "data/dataset.h"
 #include "data/dtafile.h"
+#include "data/dtaread.h"
 #include "data/labels.h"
 #include "data/run.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -236,7 +239,6 @@ Int4 describefile() {
 
 // describe [varlist] [, short detail nodate all numbers fullnames]
 Int4 cmd_describe() {
-    if (bymode) return error(190);
     if (std::string_view(nexttoken()) == "using") return describefile();
     ungettoken();
     describeoptions o;

@@ -8,10 +8,10 @@
 #include "base/text.h"
 #include "core/keywords.h"
 #include "core/macros.h"
-#include "data/dataset.h"
+#include "core/tokenizer.h"
+#include "data/cells.h"
 #include "data/run.h"
 #include "expr/value.h"
-#include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
@@ -283,7 +283,6 @@ Int4 walkitems(displaystate& s) {
 }  // namespace
 
 Int4 cmd_display() {
-    if (bymode) return error(190);
     printing as(out_result);
     saved quiet(quietlevel, version < 220 ? shows_all : quietlevel);
     displaystate s{};

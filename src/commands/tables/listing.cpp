@@ -8,6 +8,7 @@
 #include "data/cells.h"
 #include "data/labels.h"
 #include "expr/walk.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -157,9 +158,9 @@ Int4 cmd_list() {
                   getopt_flag("doublespace", 2)};
     std::vector<listcolumn> columns;
     makecolumns(columns, o);
-    std::int64_t width = numberwidth() - 1;
-    for (const listcolumn& c : columns) width += c.width + 2;
-    boolean display = getopt_noflag("display", 1, width > linesize);
+    std::int64_t taken = numberwidth() - 1;
+    for (const listcolumn& c : columns) taken += c.width + 2;
+    boolean display = getopt_noflag("display", 1, taken > linesize);
     if (Int4 rc = getopt_done()) return rc;
     if (columns.empty()) return 0;
     if (!display && o.header) tablehead(columns, o);

@@ -8,6 +8,7 @@
 #include "data/dataset.h"
 #include "data/labels.h"
 #include "estimate/sample.h"
+#include "language/options.h"
 #include "language/stdparse.h"
 #include "matrix/percentiles.h"
 #include "output/errors.h"

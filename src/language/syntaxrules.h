@@ -9,14 +9,10 @@
 #pragma once
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 #include "language/numlist.h"
 
 namespace velmo {
-
-// State
-extern UByte syntaxmode;       // 1 during syntax, 0 during a plain parse
 
 enum listkind : Int4 { list_none, list_existing, list_new, list_any };
 struct listrules {
@@ -40,8 +36,6 @@ struct optionrule {
     listrules list;
 };
 
-using assignments = std::vector<std::pair<std::string, std::string>>;    // stored name, value ("" deletes)
-
 // One attribute of a description: word, word=value or word(value); false at the end. A malformed one has no word.
 struct attribute { std::string_view word, value; boolean hasvalue; };
 boolean nextattribute(std::string_view& text, attribute& out);
@@ -49,12 +43,5 @@ boolean nextattribute(std::string_view& text, attribute& out);
 // Descriptions: 0 or 197, 1003 (printed).
 Int4 readlistrules(std::string_view text, listrules& rules);
 Int4 readoptionrules(std::string_view text, std::vector<optionrule>& rules, boolean& catchall);
-// The names of the list just parsed, checked against the rules. 0, 102, 103 or 109 (printed).
-Int4 listnames(const listrules& rules, std::string& names);
-// Assigns the options that were typed by their rules. 0 or a code (printed).
-Int4 takeoptions(const std::vector<optionrule>& rules, boolean catchall, assignments& out);
-
-// Reads and clears the level's descriptions, parses the user's text, and sets the result locals. 0 or a code (printed).
-Int4 parsedescribed(std::string_view usertext);
 
 }  // namespace velmo

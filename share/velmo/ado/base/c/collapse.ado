@@ -5,9 +5,11 @@ program define collapse
 	syntax anything(name=clist id="list of variables") [if] [in] [fweight aweight] [, BY(varlist) CW]
 	Parse `clist'
 	CheckNames "`by'" `targets'
-	marksample touse
 	if "`cw'" != "" {
+		marksample touse
 		markout `touse' `sources', strok
+		local if if `touse'
+		local in
 	}
 	forvalues i = 1/`n' {
 		tempvar r`i'
@@ -19,7 +21,7 @@ program define collapse
 	}
 	preserve
 	quietly {
-		noisily _bystats `requests' `exp' if `touse', by(`by') reduce
+		noisily _bystats `requests' `exp' `if' `in', by(`by') reduce
 		forvalues i = 1/`n' {
 			Dress `source`i'' `r`i'' `stat`i''
 		}

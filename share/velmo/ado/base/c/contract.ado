@@ -12,9 +12,10 @@ program define contract
 		display as error "`freq' already defined"
 		exit 110
 	}
-	marksample touse, novarlist
 	if "`miss'" != "" {
-		markout `touse' `varlist', strok
+		marksample touse, strok
+		local if if `touse'
+		local in
 	}
 	if "`weight'" != "" {
 		local exp [`weight' `exp']
@@ -22,7 +23,7 @@ program define contract
 	preserve
 	quietly {
 		tempvar count
-		noisily _bystats double `count' = count() `exp' if `touse', by(`varlist') reduce
+		noisily _bystats double `count' = count() `exp' `if' `in', by(`varlist') reduce
 		keep `varlist' `count'
 		if "`zero'" != "" {
 			fillin `varlist'

@@ -60,6 +60,9 @@ Int4 addslot(UByte type, boolean internal);        // room in row and tables onl
 // The scratch variable `_delete` of `type`; variable or minus code (not printed). keep 0: a failure is remembered and
 // later calls fail at once; type 0 forgets it.
 Int4 maketemp(UByte type, boolean keep);
+// Starts a change of type: a new variable at the end under `name` with var's label, which the caller fills before it
+// calls swapin (structure.h). 0, 901, 902, 903.
+Int4 recast(Int4 var, std::string_view name, UByte newtype);
 // Renames: table and all records keyed by the name.
 Int4 renamevar(Int4 var, std::string_view newname);
 void setsortnone(const Int4* vars, Int4 n);        // cuts srt at the first of these variables

@@ -4,9 +4,8 @@
 
 namespace velmo {
 
-// Starts a change of type: a new variable at the end under `name` with var's label; the caller fills it and calls
-// swapin, which gives it the old one's value label, format and place. 0, 901, 902, 903.
-Int4 recast(Int4 var, std::string_view name, UByte newtype);
+// Ends a change of type that recast began: the new variable, filled, gets the old one's value label, format and place.
+// 0, 901, 902, 903.
 Int4 swapin(Int4 var);
 // The whole change: recast, copy of observations 1..nobs, swapin; the variable keeps its number. 0, 901, 903, not
 // printed.

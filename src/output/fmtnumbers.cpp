@@ -2,6 +2,7 @@
 // text. Most numbers that are shown are whole or of middling size: their image is made by integer arithmetic, all
 // others' by the library's exact conversion. In the general form most need no image at all: quickform finds the rounded
 // digits by one multiplication, and knows when that can't tell.
+#include "output/fmtnumbers.h"
 #include <algorithm>
 #include <bit>
 #include <charconv>

@@ -19,13 +19,6 @@ struct fmtspec {
     UByte dpcomma;     // 1 when written with a comma between width and decimals
 };
 
-// The decimal image of a double: 19 significant digits, correctly converted.
-struct digrec {
-    Int4 decpt;        // place of the decimal point relative to the first digit; 1 for zero
-    char digits[26];   // the digit characters, zero-terminated
-    UByte negative;
-};
-
 // State
 extern char dbuf[512];         // the last rendering
 extern UByte dpcomma;          // set dp comma is in force
@@ -34,9 +27,6 @@ inline constexpr const char* defaultfmt = "%10.0g";    // of display
 // Parses `fmt`. kind 1 admits numeric formats (dates too), 2 string formats, 3 both; kind + 10 also admits ~.
 // Returns 0 when valid, nonzero when not; fills *spec unless it is null.
 Int4 chkfmt(std::string_view fmt, Int4 kind, fmtspec* spec = nullptr);
-
-// The decimal image of x, which must be finite.
-void decimalimage(Double x, digrec& out);
 
 // Renders value for people into dbuf by a format that passed chkfmt, and returns its length.
 Int4 fmtnum(const char* fmt, Double value);

@@ -1,4 +1,5 @@
 // Number and date rendering against vectors that tests/reference/formats/make.py wrote, and worked cases.
+#include "output/fmtnumbers.h"
 #include "output/formats.h"
 #include <gtest/gtest.h>
 #include <charconv>

@@ -24,6 +24,8 @@ struct helpplace {
 boolean findhelp(std::string_view name, helpplace& place);
 // All names that help can be had on.
 std::vector<std::string> helpnames();
+// The pages that have the word, in small letters, among their keywords.
+std::vector<std::string> helpabout(std::string_view word);
 
 // The text of a place into `text`: 0, or the code of a file that can't be read, printed.
 Int4 helptext(const helpplace& place, std::string& text);

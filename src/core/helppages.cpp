@@ -8,6 +8,8 @@
 
 namespace velmo {
 
+UByte loghelp = 0;
+
 namespace {
 
 constexpr std::string_view marker = "{vtml}\n", entrymark = "{* entry: ", endmark = "{* end}",

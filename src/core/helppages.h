@@ -13,6 +13,9 @@
 
 namespace velmo {
 
+// State
+extern UByte loghelp;      // the setting: pages that are shown go to logs, too
+
 struct helpplace {
     std::string page;      // the page's name, without its suffix
     std::string path;      // its file

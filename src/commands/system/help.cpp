@@ -8,7 +8,6 @@
 #include "base/text.h"
 #include "core/helppages.h"
 #include "core/quotes.h"
-#include "core/settings.h"
 #include "core/tokenizer.h"
 #include "language/commandnames.h"
 #include "language/dofile.h"
@@ -93,8 +92,8 @@ Int4 showpage(const helpplace& place) {
     lastlinks = linksof(place, text);
     if (!levelshows()) return 0;
     prtfresh();
-    if (!set_loghelp) logs_hold(true);
-    onexit giveback([] { if (!set_loghelp) logs_hold(false); });
+    if (!loghelp) logs_hold(true);
+    onexit giveback([] { if (!loghelp) logs_hold(false); });
     prtraw("\n{txt}");
     prtraw(modeof(text));
     Int4 rc = feedlines(text);

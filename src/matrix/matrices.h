@@ -1,8 +1,9 @@
 // Named matrices. In the store a matrix is up to three objects of one name: the body, and the names of its rows and of
 // its columns, of the types `matrixkind`, +1 and +2. That is a family's type of matrices (stored/families.h gives it as a
-// number), or obj_estimate for what an estimation keeps for itself, where the body stands alone.
+// number), or obj_estimate for what an estimation keeps for itself, where the body stands alone and the object `colnames`
+// of the same type names the rows and columns of every matrix that has as many.
 //
-//   body    | count i32: entries when sparse, else 0 | rows i16 | cols i16 | elements, by the object's layout byte |
+//   body    | count i32: entries when sparse, else 0 | rows i16 | cols i16 | elements, in a layout that their size tells |
 //   layout  1 full: rows x cols doubles, row by row; 2 symmetric: the lower triangle by rows; 3 sparse: entries of
 //           value f64, row u16, column u16 in row-major order, 12 bytes each
 //   names   rows (or cols) records of 83 bytes: equation 32, name 32, operator 19; zeros behind, none when full
@@ -50,9 +51,11 @@ boolean matfind(std::string_view name, Int4* rows = nullptr, Int4* cols = nullpt
 // A copy, with names (by `_1`... without an object of names). 0; 111 (printed: "matrix NAME not found"), 908, 909.
 Int4 matcopy(std::string_view name, matrix& m);
 // Stores it in place of one of that name, as the newest; `m.symmetric` or `layout` says how. All or nothing: 0 or 950
-// (printed). The name is taken for granted: checkmatrixname looks at those that are typed.
+// (printed). The name is taken for granted: checkmatrixname looks at those that are typed. Takes the name from a user's
+// scalar; in another family its poster calls stored_claim (stored/families.h).
 Int4 matput(std::string_view name, const matrix& m, matlayout layout = mat_full);
-// Sets one element (from 0) of a full or symmetric one in place.
+// Sets one element (from 0) of a full or symmetric one in place. matel: missing outside.
+matlayout matlayoutof(std::string_view name);
 void matset(std::string_view name, Int4 i, Int4 j, Double value);
 Double matel(std::string_view name, Int4 i, Int4 j);
 boolean matdrop(std::string_view name);                        // all three; false when there is none

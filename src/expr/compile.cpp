@@ -12,6 +12,7 @@
 #include "expr/compiler.h"
 #include "expr/functions.h"
 #include "output/errors.h"
+#include "stored/posted.h"
 #include "stored/scalars.h"
 
 namespace velmo {
@@ -205,12 +206,26 @@ boolean compilesystem(std::string_view name, boolean subscript) {
     return false;
 }
 
-// _b[], _coef[], _se[], [eq]_b[], [eq]name: values of the posted estimates, and no estimates can be posted yet.
+// _b[name], _coef[name], _se[name] and the same behind [eq]; [eq]name is a coefficient. A value of the posted estimates,
+// read now; what stands ahead of it tells which coefficient it is, to whoever looks at the code.
 boolean compilecoefficient(std::string_view name, span s) {
-    boolean named = (name == "_b" || name == "_coef" || name == "_se") && s.b + Int4(name.size()) < s.e;
-    if (!named && at(s.b) != '[') return false;
-    if (!cc.options.nocoef) fail(301);
-    emitliteral(0);
+    std::string_view text = spantext(s), eq;
+    if (text[0] == '[') {
+        std::size_t close = text.find(']');
+        eq = text.substr(1, close - 1);
+        text.remove_prefix(close + 1);
+        name = text.substr(0, text.find('['));
+    }
+    boolean error = name == "_se", named = error || name == "_b" || name == "_coef";
+    if (named && text.size() > name.size() && text.back() == ']')
+        text = text.substr(name.size() + 1, text.size() - name.size() - 2);
+    else if (spantext(s)[0] != '[') return false;
+    if (text.empty()) fail(198);
+    Int4 at = 0;
+    if (!cc.options.nocoef) failon(findcoefficient(eq, text, at));
+    emit(cw_skip);
+    emitoperand(at + 1);
+    emitliteral(cc.options.nocoef ? 0 : error ? standarderror(at) : coefficient(at));
     return true;
 }
 

@@ -16,6 +16,7 @@
 #include "output/dates.h"
 #include "output/errors.h"
 #include "stored/families.h"
+#include "stored/posted.h"
 
 namespace velmo {
 
@@ -156,6 +157,13 @@ void compilecaller(const call& c) {
 
 // ---- Stored results: read now.
 
+void compilesample() {
+    Int4 var = findvar("(e)");
+    if (!var || !posted()) return emitliteral(0);
+    emit(cw_load, exp_numeric);
+    emitoperand(var);
+}
+
 void compilestored(family f, const call& c) {
     std::string_view name = spantext(c.text);
     Double value;
@@ -164,7 +172,7 @@ void compilestored(family f, const call& c) {
     switch (stored_get(f, name, value, text)) {
     case result_scalar: return emitliteral(value);
     case result_macro: return emittext(text);
-    case result_function: return emitliteral(0);     // e(sample), without estimates
+    case result_function: return compilesample();
     default: return emitliteral(missing);
     }
 }

@@ -171,8 +171,9 @@ std::string resultvalue(std::string_view word, std::string_view name) {
     family f;
     Double value;
     std::string text;
-    if (family_find(word, f) && stored_get(f, name, value, text) == result_scalar) return numbertext(value);
-    return text;
+    if (!family_find(word, f)) return text;
+    resultkind kind = stored_get(f, name, value, text);
+    return kind == result_scalar ? numbertext(value) : kind == result_matrix && f == e_results ? "matrix" : text;
 }
 
 std::string charvalue(std::string_view owner, std::string_view name) {

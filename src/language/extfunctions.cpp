@@ -353,6 +353,7 @@ Int4 storednames(family f, std::string& out) {
 }  // namespace
 
 Int4 ext_rresults(std::string& out) { return storednames(r_results, out); }
+Int4 ext_eresults(std::string& out) { return storednames(e_results, out); }
 Int4 ext_sresults(std::string& out) { return storednames(s_results, out); }
 
 // local name: the value as it is, which a reference would expand.

@@ -47,16 +47,17 @@ struct row {
     Int4 type[3];                // of scalars, macros, matrices; 0 for kinds that it hasn't
     Int4 own;                    // type of objects that belong to it but aren't its results
     const char* function;        // a result that is computed when it is read
+    struct { const char *name, *object; } matrices[2];     // names of own objects that are read as matrices
     fixedscalars* fixed;
     UByte bylevel;               // the types are those of the outermost level; each level has its own
     UByte keepsplace;            // a scalar posted again stays where it is in the order
 };
 constexpr row rows[] = {
-    {"r", {obj_rscalar, obj_rmacro, obj_rmatrix}, 0, nullptr, &rscalars, 0, 1},
-    {"e", {obj_escalar, obj_emacro, obj_ematrix}, obj_estimate, "sample", nullptr, 0, 1},
-    {"s", {0, obj_smacro, 0}, 0, nullptr, nullptr, 0, 0},
-    {"return", {obj_retscalar, obj_retmacro, obj_retmatrix}, 0, nullptr, nullptr, 1, 0},
-    {nullptr, {obj_scalar, 0, obj_matrix}, 0, nullptr, nullptr, 0, 0},
+    {"r", {obj_rscalar, obj_rmacro, obj_rmatrix}, 0, nullptr, {}, &rscalars, 0, 1},
+    {"e", {obj_escalar, obj_emacro, obj_ematrix}, obj_estimate, "sample", {{"b", "_b"}, {"V", "VCE"}}, nullptr, 0, 1},
+    {"s", {0, obj_smacro, 0}, 0, nullptr, {}, nullptr, 0, 0},
+    {"return", {obj_retscalar, obj_retmacro, obj_retmatrix}, 0, nullptr, {}, nullptr, 1, 0},
+    {nullptr, {obj_scalar, 0, obj_matrix}, 0, nullptr, {}, nullptr, 0, 0},
 };
 static_assert(std::size(rows) == named_results + 1);
 
@@ -65,6 +66,14 @@ Int4 levelshift(const row& r) { return r.bylevel ? macrolevel - obj_local : 0; }
 constexpr resultkind objectkinds[] = {result_scalar, result_macro, result_matrix};
 
 Int4 objectsof(resultkind kind) { return kind == result_matrix ? 3 : 1; }
+
+// The own object that a name is read from as a matrix, if it is there.
+const char* ownmatrix(const row& r, std::string_view name) {
+    if (r.own && objcount(r.own))
+        for (const auto& m : r.matrices)
+            if (m.name && name == m.name && objfind(m.object, r.own)) return m.object;
+    return nullptr;
+}
 
 boolean dropkind(Int4 type, resultkind kind, std::string_view name) {
     if (!type) return false;
@@ -145,6 +154,7 @@ resultkind stored_get(family f, std::string_view name, Double& value, std::strin
         if (kind == result_macro) text = fieldtext(reinterpret_cast<char*>(o->data()), o->datalen);
         return kind;
     }
+    if (ownmatrix(r, name)) return result_matrix;
     return r.function && name == r.function ? result_function : result_none;
 }
 
@@ -163,6 +173,9 @@ std::vector<std::string> stored_names(family f, resultkind kind) {
         for (object* o = objnext(nullptr, nullptr, type); o; o = objnext(o, nullptr, type)) names.emplace_back(o->name);
     if (kind == result_scalar && r.fixed)
         for (Int4 i = r.fixed->n; i > 0; i--) names.emplace_back(r.fixed->at[i - 1].name);
+    if (kind == result_matrix)
+        for (const auto* m = std::end(r.matrices); m-- != r.matrices;)
+            if (m->name && ownmatrix(r, m->name)) names.emplace_back(m->name);
     std::reverse(names.begin(), names.end());
     return names;
 }

@@ -1,9 +1,12 @@
 // return, sreturn, scalar: the commands that fill, show and empty the stores of results.
+#include "commands/matrix/results.h"
 #include <string>
 #include <vector>
 #include "base/poll.h"
+#include "base/saved.h"
 #include "base/text.h"
 #include "core/keywords.h"
+#include "core/objects.h"
 #include "data/run.h"
 #include "expr/evaluate.h"
 #include "language/macrocommands.h"
@@ -13,13 +16,12 @@
 #include "output/formats.h"
 #include "output/print.h"
 #include "stored/families.h"
+#include "stored/posted.h"
 #include "stored/scalars.h"
 
 namespace velmo {
 
 namespace {
-
-enum programclasses : UByte { class_r = 1, class_s = 2 };
 
 // name = exp, to the end of the line; the value is in eqexp.
 Int4 assignment(std::string& name, UByte mode) {
@@ -35,8 +37,6 @@ Int4 droptoken(std::string& name) {
     return name.empty() || nexttoken()[0] ? error(198) : 0;
 }
 
-Int4 nothingbehind() { return nexttoken()[0] ? error(198) : 0; }
-
 std::string numberfor(Double value) {
     fmtnum("%18.0g", value);
     return std::string(trimmed(dbuf));
@@ -49,21 +49,53 @@ Int4 showresult(const char* family, const std::string& name, const std::string& 
     return prtnl();
 }
 
+std::string sizefor(family f, const std::string& name) {
+    boolean own = f == e_results && (name == "b" || name == "V");
+    saved<Int4> kind(matrixkind, own ? Int4(obj_estimate) : family_type(f, result_matrix));
+    Int4 rows = 0, cols = 0;
+    matfind(!own ? name : name == "b" ? "_b" : "VCE", &rows, &cols);
+    return "matrix " + std::to_string(rows) + " x " + std::to_string(cols);
+}
+
+}  // namespace
+
 Int4 listfamily(family f) {
     Double value;
     std::string text;
-    for (resultkind kind : {result_scalar, result_macro})
+    for (resultkind kind : {result_scalar, result_macro, result_matrix})
         for (const std::string& name : stored_names(f, kind)) {
             stored_get(f, name, value, text);
-            std::string shown = kind == result_scalar ? numberfor(value) : "\"" + text + "\"";
+            std::string shown = kind == result_scalar  ? numberfor(value)
+                                : kind == result_macro ? "\"" + text + "\""
+                                                       : sizefor(f, name);
             if (showresult(family_word(f), name, shown)) return breakpending;
         }
     return 0;
 }
 
+Int4 nothingbehind() { return nexttoken()[0] ? error(198) : 0; }
+
+Int4 putscalar(family f) {
+    std::string name;
+    if (Int4 rc = assignment(name, mode_num)) return rc;
+    return stored_put(f, name, exp_getnum(eqexp, 1));
+}
+
+Int4 takematrix(family f) {
+    std::string name = nexttoken(), from = nexttoken();
+    if (from == "=") from = nexttoken();
+    if (name.empty() || from.empty()) return error(198);
+    if (Int4 rc = nothingbehind()) return rc;
+    boolean own = f == e_results && (name == "b" || name == "V");
+    if (own || !validname(name)) return badname(name);
+    return stored_movematrix(named_results, from, f, name) ? 0 : matnotfound(from);
+}
+
+namespace {
+
 Int4 dirfamily(family f) {
     printing as(out_text);
-    for (resultkind kind : {result_scalar, result_macro})
+    for (resultkind kind : {result_scalar, result_macro, result_matrix})
         for (const std::string& name : stored_names(f, kind))
             if (prtf("%s(%s)\n", family_word(f), name.c_str())) return breakpending;
     return 0;
@@ -77,29 +109,22 @@ Int4 dropfrom(family f) {
     return 0;
 }
 
-template <family f> Int4 putmacro(std::string_view name, std::string_view text) { return stored_put(f, name, text); }
-
-Int4 returnscalar() {
-    std::string name;
-    if (Int4 rc = assignment(name, mode_num)) return rc;
-    return stored_put(return_results, name, exp_getnum(eqexp, 1));
-}
-
 }  // namespace
 
 // In an r-class program drop and clear act on what it is building, and dir and list show that behind r().
 Int4 cmd_return() {
-    enum { w_local, w_scalar, w_dir, w_list, w_drop, w_clear, w_add };
-    static constexpr keyword words[] = {{"local", 3, w_local}, {"scalar", 3, w_scalar}, {"dir", 3, w_dir},
-                                        {"list", 2, w_list},   {"drop", 4, w_drop},     {"clear", 5, w_clear},
-                                        {"add", 3, w_add}};
+    enum { w_local, w_scalar, w_matrix, w_dir, w_list, w_drop, w_clear, w_add };
+    static constexpr keyword words[] = {{"local", 3, w_local}, {"scalar", 3, w_scalar}, {"matrix", 3, w_matrix},
+                                        {"dir", 3, w_dir},     {"list", 2, w_list},     {"drop", 4, w_drop},
+                                        {"clear", 5, w_clear}, {"add", 3, w_add}};
     Int4 word = lookup(words, nexttoken());
     boolean building = inprogram && programclass == class_r;
     family target = building ? return_results : r_results;
     if (word < 0) return error(198);
-    if (!building && (word == w_local || word == w_scalar || word == w_add)) return error(151);
+    if (!building && (word <= w_matrix || word == w_add)) return error(151);
     if (word == w_local) return macrodefine(define_return, putmacro<return_results>);
-    if (word == w_scalar) return returnscalar();
+    if (word == w_scalar) return putscalar(return_results);
+    if (word == w_matrix) return takematrix(return_results);
     if (word == w_drop) return dropfrom(target);
     if (Int4 rc = nothingbehind()) return rc;
     if (word == w_add) return stored_add(r_results, return_results);

@@ -8,6 +8,8 @@ program define clear
 	drop _all
 	label drop _all
 	scalar drop _all
+	constraint drop _all
+	estimates clear
 	return clear
 	sreturn clear
 	discard

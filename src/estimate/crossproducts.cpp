@@ -7,7 +7,6 @@
 #include "language/stdparse.h"
 #include "matrix/kernels.h"
 #include "matrix/lanes.h"
-#include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
 

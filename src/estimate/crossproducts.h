@@ -7,6 +7,7 @@
 #include "base/poll.h"
 #include "estimate/sample.h"
 #include "matrix/matrices.h"
+#include "output/errors.h"
 
 namespace velmo {
 

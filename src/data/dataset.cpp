@@ -252,6 +252,13 @@ void dataset_commandended() {
 
 boolean issample(Int4 var) { return varlist[var - 1][0] == '('; }
 
+std::vector<Int4> samplemarkers() {
+    std::vector<Int4> vars;
+    for (Int4 v = 1; v <= nvar; v++)
+        if (issample(v)) vars.push_back(v);
+    return vars;
+}
+
 namespace {
 
 struct typeword { UByte type; std::string_view word; };

@@ -3,12 +3,13 @@
 // varlist, typ, mapi, fmt, lbl are parallel and indexed by v - 1; srt holds the variable numbers of the sort key with a
 // zero behind. A variable's label, characteristics and notes are objects keyed by its name.
 //
-// Two names bypass the checks of addvar: `_delete`, a scratch variable, and `(e)`, the byte variable that marks the
-// estimation sample, found by exact name only and dropped when every other variable is.
+// Names that bypass the checks of addvar: `_delete`, a scratch variable, and `(e)` and its like, the byte variables that
+// mark estimation samples, found by exact name only and dropped when every other variable is.
 #pragma once
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 #include "core/rectangle.h"
 
 namespace velmo {
@@ -69,9 +70,11 @@ void setsortnone(const Int4* vars, Int4 n);        // cuts srt at the first of t
 void markchanged(Int4 var);
 void cleardata(boolean keeplabels);         // empties the dataset, and tells it
 
-boolean issample(Int4 var);                // the variable is (e)
+// The sample of estimates: (e), or of those put by a variable (h1), (h2)... All are bytes of 0 and 1.
+boolean issample(Int4 var);
+std::vector<Int4> samplemarkers();
 inline boolean isstring(Int4 var) { return typ[var - 1] < 245; }
-inline Int4 shownvars() { return nvar - (findvar("(e)") ? 1 : 0); }
+inline Int4 shownvars() { return nvar - Int4(samplemarkers().size()); }
 // "byte", "str12" and so on into out (8 bytes), and back; 0 when the word is no type (`str#` checked to 1..244).
 char* typename_of(UByte type, char* out);
 UByte typecode(std::string_view word);

@@ -29,7 +29,7 @@ struct dtahead {
     std::string label;                   // of the dataset, up to 80 bytes
     std::string stamp;                   // "dd Mon yyyy hh:mm"; empty in formats that have none
     std::vector<UByte> types;            // storage types as memory has them, whatever the format
-    std::vector<std::string> names;      // valid and different, or "(e)"
+    std::vector<std::string> names;      // valid and different, or a sample's
     std::vector<UInt2> sort;             // variable numbers of the sort key, without a zero at the end
     std::vector<std::string> formats;
     std::vector<std::string> vallabels;  // "" for none

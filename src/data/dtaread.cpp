@@ -214,7 +214,7 @@ void renamepoints(dtafile& f) {
 Int4 checknames(dtafile& f) {
     for (std::size_t i = 0; i < f.head.names.size(); i++) {
         const std::string& name = f.head.names[i];
-        boolean sample = name == "(e)" && f.head.types[i] == typebyte;
+        boolean sample = name.size() > 2 && name[0] == '(' && name.back() == ')' && f.head.types[i] == typebyte;
         if (!sample && (!validname(name) || hascontrol(name))) return unfit(f);
         if (!f.numbers.emplace(name, Int4(i) + 1).second) return unfit(f);
     }

@@ -1,6 +1,8 @@
 #include "estimate/coeftable.h"
 #include <algorithm>
 #include <cmath>
+#include "base/poll.h"
+#include "base/text.h"
 #include "matrix/probability.h"
 #include "output/errors.h"
 #include "output/formats.h"

@@ -77,12 +77,12 @@ namespace {
 
 // Appends `copies` copies of an observation.
 Int4 copyobservation(Int4 obs, Int4 copies) {
-    Int4 sample = findvar("(e)");
+    std::vector<Int4> samples = samplemarkers();
     for (Int4 k = 0; k < copies; k++) {
         if (Int4 rc = nextobsroom()) return rc;
         std::memcpy(rowptr(nobs + 1), rowptr(obs), std::size_t(width));
         nobs++;
-        if (sample) putobs(sample, nobs, 0);
+        for (Int4 v : samples) putobs(v, nobs, 0);
         if (tick()) return 1;
     }
     return 0;

@@ -32,7 +32,7 @@ struct merging {
     mergeoptions o;
     std::vector<sharedvar> keys, others;     // shared variables
     Int4 mark = 0;                           // the variable _merge
-    Int4 sample = 0;                         // (e), or 0
+    std::vector<Int4> samples;               // markers, which are 0 in new observations
     const UByte* row = nullptr;              // the file's next row, null behind the last
     std::vector<UByte> held;                 // the row before
 };
@@ -159,7 +159,7 @@ Int4 appendcopy(const merging& m, Int4 obs) {
     if (Int4 rc = nextobsroom()) return rc;
     nobs++;
     std::memcpy(rowptr(nobs), rowptr(obs), std::size_t(width));
-    if (m.sample) putobs(m.sample, nobs, 0);
+    for (Int4 v : m.samples) putobs(v, nobs, 0);
     return 0;
 }
 
@@ -239,7 +239,7 @@ Int4 cmd_merge() {
     if (Int4 rc = join_addvars(m.j)) return rc;
     if (Int4 rc = addvar(m.o.mark, typebyte)) return rc;
     m.mark = nvar;
-    m.sample = findvar("(e)");
+    m.samples = samplemarkers();
     m.j.direct.clear();                  // shared variables change under update only
     join_layout(m.j);
     if (Int4 rc = wanted.empty() ? rowmerge(m) : matchmerge(m)) return rc;

@@ -22,6 +22,7 @@
 #include "language/varlist.h"
 #include "output/errors.h"
 #include "output/print.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -248,6 +249,7 @@ Int4 cmd_use() {
     if (!rc && o.labels) rc = dta_takelabels(f);
     if (!rc) rc = o.internal ? setorigin(came) : setfile(f.path, f.head.stamp);
     halfread = halfread && rc;
+    if (f.accepted && !o.internal) stored_clear(e_results);      // their sample has gone with the data
     return rc;
 }
 

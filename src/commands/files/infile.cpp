@@ -96,7 +96,7 @@ Int4 fillfrom(linereader& lines, const fieldtable& table) {
 }  // namespace
 
 Int4 readtable(linereader& lines, const fieldtable& table) {
-    cleardata(true);
+    replacedata();
     Int4 rc = fillfrom(lines, table);
     return rows_end(rc, rc == 612);
 }

@@ -232,7 +232,7 @@ Int4 infilefree() {
     Int4 handle = webopen(path, web_binary | web_textread);
     if (handle < 0) return -handle;
     onexit close([handle] { webclose(handle); });
-    cleardata(true);
+    replacedata();
     return rows_end(fill(handle, o));
 }
 

@@ -94,7 +94,7 @@ Int4 append(const inputstate& s) {
     if (Int4 rc = nextobsroom()) return rc;
     for (Int4 v = 1; v <= nvar; v++) clearcell(v, nobs + 1);
     storevalues(s, nobs + 1);
-    if (Int4 sample = findvar("(e)")) putobs(sample, nobs + 1, 0);
+    for (Int4 v : samplemarkers()) putobs(v, nobs + 1, 0);
     nobs++;
     srt[0] = 0;
     return 0;

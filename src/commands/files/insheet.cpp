@@ -12,6 +12,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "commands/files/textnumber.h"
+#include "commands/files/textrows.h"
 #include "core/room.h"
 #include "core/webfile.h"
 #include "data/cells.h"
@@ -503,7 +504,7 @@ Int4 checknames(const std::vector<std::string>& names, const sheet& s) {
 }
 
 Int4 fillsheet(Int4 handle, const sheet& s, const std::vector<std::string>& names, boolean header) {
-    cleardata(true);
+    replacedata();
     Int4 rc = makevariables(s, names, header);
     tightenrows();
     if (!rc) rc = storesheet(handle, s, header);

@@ -36,7 +36,7 @@ Int4 join_open(joining& j, std::string_view name) {
     if (Int4 rc = dta_open(name, j.f)) return rc;
     for (Int4 v = 1; v <= j.f.head.nvar(); v++) {
         const std::string& variable = j.f.head.names[std::size_t(v) - 1];
-        if (variable == "(e)") continue;
+        if (variable[0] == '(') continue;
         Int4 var = findvar(variable);
         (var ? j.both : j.fresh).push_back({var, v, var ? typ[var - 1] : UByte(0)});
     }
@@ -58,7 +58,7 @@ Int4 join_addvars(joining& j) {
     dtachar c;
     for (boolean found = true; found;) {
         if (Int4 rc = dta_nextchar(j.f, c, found)) return rc;
-        if (found && c.owner != "(e)") j.chars.push_back(c);
+        if (found && c.owner[0] != '(') j.chars.push_back(c);
     }
     for (const sharedvar& s : j.both)
         if (typ[s.var - 1] == filetype(j, s)) j.direct.push_back(s);

@@ -7,6 +7,7 @@
 #include "data/structure.h"
 #include "expr/evaluate.h"
 #include "output/errors.h"
+#include "stored/posted.h"
 
 namespace velmo {
 
@@ -52,6 +53,11 @@ Int4 rows_add() {
     grouplast = ++nobs;
     if (ifgiven && !exp_iftest(nobs)) nobs--;
     return 0;
+}
+
+void replacedata() {
+    if (nvar || nobs) posted_clear();
+    cleardata(true);
 }
 
 Int4 rows_end(Int4 rc, boolean keep) {

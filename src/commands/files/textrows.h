@@ -23,6 +23,8 @@ inline void rows_number(const rowcell& cell, Double value) {
 // Stores the text in a string cell, cut to its type. In a numeric cell, the value by the number rule: an empty text is
 // missing, `obs` is what a message says. The text needs the margins of plainnumber. 0 or numbers_read's codes.
 Int4 rows_text(const rowcell& cell, std::string_view text, boolean quoted, Int4 obs);
+// The data in memory give way to a file's, and the estimates with them.
+void replacedata();
 // The row in hand becomes an observation if the `if` test holds for it. 0, or 901 (printed).
 Int4 rows_add();
 // The end: the flags of the dataset, and how many observations were read. A failure other than Break, and other than

@@ -184,7 +184,7 @@ Int4 readoptions(describeoptions& o) {
 
 // The dataset in memory, with the variables of the varlist unless `brief`.
 dataview memoryview(boolean all, boolean brief) {
-    Int4 hidden = findvar("(e)") && !all ? 1 : 0;
+    Int4 hidden = all ? 0 : nvar - shownvars();
     dataview d{true, std::string(macrotext("S_FN")), datalabel, std::string(macrotext("S_FNDATE")), nobs,
                nvar - hidden, width - hidden, char_exists("_dta", "note0"), datachanged != 0, {}, {}};
     for (Int4 i = 0; i < vl_n && !brief; i++) {
@@ -208,7 +208,7 @@ Int4 fileview(dtafile& f, boolean all, dataview& d) {
     }
     d.notes = notes[0];
     for (std::size_t i = 0; i < h.types.size(); i++) {
-        if (h.names[i] == "(e)" && !all) continue;
+        if (h.names[i][0] == '(' && !all) continue;
         d.k++;
         d.width += varsize(h.types[i]);
         d.vars.push_back({Int4(i) + 1, h.names[i], h.types[i], h.formats[i], h.vallabels[i], h.varlabels[i],

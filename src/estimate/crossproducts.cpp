@@ -7,7 +7,6 @@
 #include "language/stdparse.h"
 #include "matrix/kernels.h"
 #include "matrix/lanes.h"
-#include "output/errors.h"
 #include "output/formats.h"
 #include "output/print.h"
 
@@ -32,20 +31,66 @@ Int4 estimationweights(Int4 first, Int4 n, UByte* in, Double* weight, Double& to
     return 0;
 }
 
+// Rows of the constant and the sources' values, of n observations. Where all are doubles the data's rows are walked along.
+void getrows(const std::vector<source>& sources, Int4 first, Int4 n, Double* rows, std::size_t width, Double* column) {
+    boolean doubles = std::all_of(sources.begin(), sources.end(), [](source s) {
+        return !s.op && typ[s.var - 1] == typedouble;
+    });
+    for (Int4 i = 0; i < n; i++) rows[std::size_t(i) * width] = 1;
+    if (!doubles) {
+        for (std::size_t j = 0; j < sources.size(); j++) {
+            getsource(sources[j], first, n, column);
+            for (Int4 i = 0; i < n; i++) rows[std::size_t(i) * width + j + 1] = column[i];
+        }
+        return;
+    }
+    std::vector<std::size_t> offset;
+    for (source s : sources) offset.push_back(mapi[s.var - 1]);
+    constexpr Int4 ahead = 8;     // rows in a permuted order would else be waited for one by one
+    Int4 known = ptrmark - first - ahead;
+    for (Int4 i = 0; i < n; i++, rows += width) {
+        const UByte* row = rowptr(first + i);
+        if (i < known && !offset.empty()) {
+            const UByte* later = rowptr(first + i + ahead);
+            for (std::size_t j = 0; j < offset.size(); j += 8) __builtin_prefetch(later + offset[j]);
+            __builtin_prefetch(later + offset.back());
+        }
+        for (std::size_t j = 0; j < offset.size(); j++) rows[j + 1] = readraw<Double>(row + offset[j]);
+    }
+}
+
+// Observations a block of rows has, so that it stays near.
+Int4 rowstep(Int4 width) { return std::clamp(4096 / width, 16, blocksize); }
+Int4 rowwidth(std::size_t k) { return (Int4(k) + 4) / 4 * 4; }
+
+// Leaves in the map the observations that lack no value; of a binary outcome which it is goes to `outcome`.
+void complete(const estsample& s, const rowbuffers& r, Int4 first, Int4 n, UByte* in, UByte* outcome) {
+    std::size_t width = std::size_t(r.width), k = s.sources.size();
+    for (Int4 at = 0; at < n; at += r.step) {
+        Int4 count = std::min(r.step, n - at);
+        getrows(s.sources, first + at, count, r.x.get<Double>(), width, r.column.get<Double>());
+        for (Int4 i = 0; i < count; i++) {
+            const Double* row = r.x.get<Double>() + std::size_t(i) * width + 1;
+            boolean lacks = false;
+            for (std::size_t j = 0; j < k; j++) lacks |= row[j] == missing;
+            in[at + i] &= !lacks;
+            if (s.binary) outcome[at + i] = row[0] != 0;
+        }
+    }
+}
+
 Int4 drawmap(estsample& s, Double& total) {
-    Double x[blocksize];
+    rowbuffers r(s.sources.size());
+    if (!r.got()) return error(909);
+    UByte outcome[blocksize] = {};
     return overblocks([&](Int4 first, Int4 n) -> Int4 {
         UByte* in = s.in() + (first - s.first);
         exp_ifblock(first, n, in);
-        for (std::size_t j = s.sources.size(); j-- > 0;) {
-            getsource(s.sources[j], first, n, x);
-            for (Int4 i = 0; i < n; i++) in[i] &= x[i] != missing;
-        }
+        complete(s, r, first, n, in, outcome);
         if (weighttype)
             if (Int4 rc = estimationweights(first, n, in, s.weights() + (first - s.first), total)) return rc;
         s.n += Int4(std::count(in, in + n, 1));
-        if (s.binary)
-            for (Int4 i = 0; i < n; i++) in[i] = UByte(in[i] + (in[i] && x[i] != 0));
+        for (Int4 i = 0; i < n; i++) in[i] = UByte(in[i] + (in[i] & outcome[i]));
         return 0;
     });
 }
@@ -67,45 +112,38 @@ Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsa
     if (Int4 rc = drawmap(out, total)) return rc;
     boolean counts = weighttype == weight_f || weighttype == weight_i;
     if (form.empty) return 0;
-    if (out.n == 0 || (counts && total == 0)) return error(2000);
-    if (out.n > 1 || (counts && total > 1)) return 0;
-    error(2001);
+    boolean none = out.n == 0 || (counts && total == 0);
+    if (!none && (out.n > 1 || (counts && total > 1))) return 0;
+    error(none ? 2000 : 2001);
     return 2000;
 }
 
-rowreader::rowreader(const estsample& sample)
-    : s(sample), k(Int4(s.sources.size())), width((k + 4) / 4 * 4), step(std::clamp(4096 / width, 16, blocksize)),
-      x(std::size_t(step) * std::size_t(width) * sizeof(Double)), column(std::size_t(step) * sizeof(Double)),
-      weight(std::size_t(step) * sizeof(Double)), obs(std::size_t(step) * sizeof(Int4)) {
+rowbuffers::rowbuffers(std::size_t k)
+    : width(rowwidth(k)), step(rowstep(width)), x(std::size_t(step) * std::size_t(width) * sizeof(Double)),
+      column(std::size_t(step) * sizeof(Double)), weight(std::size_t(step) * sizeof(Double)),
+      obs(std::size_t(step) * sizeof(Int4)) {
     if (x.p) std::fill_n(x.get<Double>(), std::size_t(step) * std::size_t(width), 0.0);
 }
 
-rowsblock rowreader::block(Int4 at, Int4 n) {
+rowsblock readrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n) {
     const UByte* in = s.in() + at;
-    Int4* numbers = obs.get<Int4>();
+    Double *rows = r.x.get<Double>(), *weight = r.weight.get<Double>();
+    Int4* numbers = r.obs.get<Int4>();
     Int4 count = 0;
     for (Int4 i = 0; i < n; i++) {
-        numbers[count] = i;
+        numbers[count] = s.first + at + i;
+        weight[count] = s.weights() ? s.weights()[at + i] : 1;
         count += in[i] != 0;
     }
-    Double *rows = x.get<Double>(), *values = column.get<Double>();
-    std::size_t wide = std::size_t(width);
-    for (Int4 j = 0; j < k && count > 0; j++) {
-        getsource(s.sources[std::size_t(j)], s.first + at, n, values);
-        Double* to = rows + 1 + j;
-        if (j == 0 && s.binary)
-            for (Int4 i = 0; i < count; i++) to[std::size_t(i) * wide] = in[numbers[i]] - 1;
-        else if (count == n)
-            for (Int4 i = 0; i < n; i++) to[std::size_t(i) * wide] = values[i];
-        else
-            for (Int4 i = 0; i < count; i++) to[std::size_t(i) * wide] = values[numbers[i]];
+    if (!count) return {0, r.width, rows, nullptr, numbers};
+    std::size_t width = std::size_t(r.width);
+    getrows(s.sources, s.first + at, n, rows, width, r.column.get<Double>());
+    for (Int4 i = 0, to = 0; i < n; i++) {
+        if (s.binary) rows[std::size_t(i) * width + 1] = in[i] - 1;
+        if (in[i] && to++ != i)
+            std::copy_n(rows + std::size_t(i) * width, width, rows + std::size_t(to - 1) * width);
     }
-    for (Int4 i = 0; i < count; i++) {
-        rows[std::size_t(i) * wide] = 1;
-        if (s.weights()) weight.get<Double>()[i] = s.weights()[at + numbers[i]];
-        numbers[i] += s.first + at;
-    }
-    return {count, width, rows, s.weights() ? weight.get<Double>() : nullptr, numbers};
+    return {count, r.width, rows, s.weights() ? weight : nullptr, numbers};
 }
 
 // ---- Cross-products.
@@ -191,10 +229,10 @@ void takeextremes(const rowsblock& b, crossproducts& out) {
 }
 
 Int4 sumproducts(const estsample& s, crossform form, crossproducts& out) {
-    rowreader sizes(s);
-    tiles t(sizes.width, sizes.step);
+    Int4 width = rowwidth(s.sources.size());
+    tiles t(width, rowstep(width));
     if (!t.got()) return error(909);
-    std::vector<Double> center(t.width, 0), d(std::size_t(sizes.step) * t.width);
+    std::vector<Double> center(t.width, 0), d(std::size_t(rowstep(width)) * t.width);
     std::copy(out.means.begin(), out.means.end(), center.begin() + 1);
     Int4 rc = overrows(s, [&](const rowsblock& b) {
         if (form.extremes) takeextremes(b, out);

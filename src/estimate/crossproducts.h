@@ -7,6 +7,7 @@
 #include "base/poll.h"
 #include "estimate/sample.h"
 #include "matrix/matrices.h"
+#include "output/errors.h"
 
 namespace velmo {
 
@@ -35,22 +36,22 @@ struct rowsblock {
     const Double* row(Int4 i) const { return x + std::size_t(i) * std::size_t(width); }
 };
 
-// The buffers of a walk over the rows.
-struct rowreader {
-    const estsample& s;
-    Int4 k, width, step;                 // observations a block
+// The buffers of a walk over the rows of k sources, and one block of them: of the observations at to at + n - 1 of the run
+// (from 0), at most `step`, those of the sample.
+struct rowbuffers {
+    Int4 width, step;
     workspace x, column, weight, obs;
-    explicit rowreader(const estsample& sample);
+    explicit rowbuffers(std::size_t k);
     boolean got() const { return x.p && column.p && weight.p && obs.p; }
-    rowsblock block(Int4 at, Int4 n);    // the observations at to at + n - 1 of the run (from 0)
 };
+rowsblock readrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n);
 
 // one(block) for the sample, in order. 0, 1, 909 (printed).
 template <class F> Int4 overrows(const estsample& s, F one) {
-    rowreader reader(s);
-    if (!reader.got()) return error(909);
-    for (Int4 at = 0; at < s.run; at += reader.step) {
-        rowsblock b = reader.block(at, std::min(reader.step, s.run - at));
+    rowbuffers r(s.sources.size());
+    if (!r.got()) return error(909);
+    for (Int4 at = 0; at < s.run; at += r.step) {
+        rowsblock b = readrows(s, r, at, std::min(r.step, s.run - at));
         if (b.n > 0) one(static_cast<const rowsblock&>(b));
         if (tick()) return 1;
     }

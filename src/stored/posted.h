@@ -36,8 +36,8 @@ std::vector<axisname> postednames();             // of the coefficients
 boolean hasequations(const std::vector<axisname>& names);
 std::vector<std::string> equations(const std::vector<axisname>& names);    // in their order, `_` for none
 
-// Begins a post: e() is emptied, or without `clear` only what is told above; then the record is kept. 0 or 950 (printed,
-// e() empty).
+// Begins a post: e() is emptied, or without `clear` only what is told above; then the record is kept. 0 or 950
+// (printed, e() empty).
 Int4 posted_begin(const postrecord& r, boolean clear);
 Int4 posted_setnames(const std::vector<axisname>& names);      // 0 or 950
 // Takes the body of a user's matrix, whose names go. It must be there.
@@ -50,18 +50,18 @@ void posted_clear();
 Int4 postedmatrix(std::string_view name, matrix& m);
 Double coefficient(Int4 at);                     // from 0
 Double standarderror(Int4 at);                   // 0 where the variance is not positive
-// Where a coefficient stands, from 0. The name is that of one, or else names a variable that has one; `eq` is the name of
-// an equation, or # and its number, or empty for the first that has it. 0; 111, 301 (printed).
+// Where a coefficient stands, from 0. The name is that of one, or else names a variable that has one; `eq` is the name
+// of an equation, or # and its number, or empty for the first that has it. 0; 111, 301 (printed).
 Int4 findcoefficient(std::string_view eq, std::string_view name, Int4& at);
-// Whether an equation is named so: its name, or -1 with 111 printed.
+// The equation of that name, or of # and its number: 0 or 111 (printed).
 Int4 findequation(std::string_view eq, std::string& name);
 
 // The sample: whether a variable may be one (0; 111, 471 printed), and making it that, after the checks.
 Int4 checksample(std::string_view name, Int4& var);
 Int4 posted_sample(Int4 var);                    // 0, 901, 903: printed
 
-// Estimates put by: hold (0; 110, 301, 950 ...), and taking them back (0, 111). At most one at a level is `automatic`: it
-// comes back when the level ends.
+// Estimates put by: hold (0; 110, 301, 900, 902, 950, 1000), and taking them back (0, 111): printed. At most one at a
+// level is `automatic`: it comes back when the level ends.
 Int4 estimates_hold(std::string_view name, boolean copy, boolean automatic);
 Int4 estimates_unhold(std::string_view name);
 Int4 estimates_drop(std::string_view name);      // 0, 111

@@ -26,7 +26,8 @@ template <class F> string printed(F print) {
 }
 
 constexpr const char* rule = "-------------+----------------------------------------------------------------\n";
-const string top = string(13, '-') + "\1" + string(64, '-') + "\n", bottom = string(13, '-') + "\2" + string(64, '-') + "\n";
+// Rules as a line of the stream holds them, with codes for the corners.
+const string left(13, '-'), right(64, '-'), top = left + "\1" + right + "\n", bottom = left + "\2" + right + "\n";
 
 coefrow row(const char* name, Double b, Double se) { return {readaxisname(name), b, se}; }
 
@@ -95,5 +96,6 @@ TEST(CoefTable, HeaderOfMaximumLikelihood) {
                               "Log likelihood = -27.175156                       Prob > chi2     =          .\n");
     h.status = mlheader::ended_questionable;
     h.chi2 = 2e7;
-    EXPECT_EQ(printed(print).substr(80, 77), "(estimated coefficients questionable)             Wald chi2(2)    =  2.000e+07");
+    EXPECT_NE(printed(print).find("\n(estimated coefficients questionable)             Wald chi2(2)    =  2.000e+07\n"),
+              string::npos);
 }

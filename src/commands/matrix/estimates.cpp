@@ -120,8 +120,9 @@ Int4 repost() {
     Int4 samplevar = 0;
     while (tokpeeknonblank() && tokpeeknonblank() != ',') {
         std::string what = nexttoken(), sign = nexttoken(), name = nexttoken();
-        if ((what != "b" && what != "V") || sign != "=" || name.empty() || !names[what == "V"].empty()) return error(198);
-        names[what == "V"] = name;
+        std::string& place = names[what == "V"];
+        if ((what != "b" && what != "V") || sign != "=" || name.empty() || !place.empty()) return error(198);
+        place = name;
     }
     if (Int4 rc = parseoptions()) return rc;
     if (Int4 rc = samplename(sample)) return rc;

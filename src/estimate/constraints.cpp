@@ -344,21 +344,27 @@ Int4 buildconstraints(std::string_view text, std::vector<constraintrow>& rows) {
     return 0;
 }
 
+namespace {
+
+std::string numberfor(Double x) {
+    char text[512];
+    return {text, std::size_t(fmttrimmed("%10.0g", x, text))};
+}
+
+}  // namespace
+
 std::string constrainttext(const Double* row) {
     std::vector<axisname> names = postednames();
     std::string out;
-    char number[512];
     for (std::size_t i = 0; i < names.size(); i++) {
         Double x = row[i];
         if (x == 0) continue;
         out += x < 0 ? (out.empty() ? "- " : " - ") : out.empty() ? "" : " + ";
-        fmttrimmed("%10.0g", std::fabs(x), number);
-        if (std::fabs(x) != 1) out += number + std::string("*");
+        if (std::fabs(x) != 1) out += numberfor(std::fabs(x)) + "*";
         if (names[i].eq[0]) out += "[" + std::string(names[i].eqtext()) + "]";
         out += barename(names[i]);
     }
-    fmttrimmed("%10.0g", row[names.size()], number);
-    return (out.empty() ? "0" : out) + " = " + number;
+    return (out.empty() ? "0" : out) + " = " + numberfor(row[names.size()]);
 }
 
 }  // namespace velmo

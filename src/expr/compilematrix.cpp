@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "expr/compiler.h"
 #include "expr/evaluate.h"
+#include "expr/matrixread.h"
 #include "output/errors.h"
 #include "stored/families.h"
 #include "stored/posted.h"
@@ -115,27 +116,22 @@ boolean compilejoin(span s) {
 
 namespace {
 
-struct reference {
-    Int4 family;
-    std::string_view name;
-};
-
-void emitreference(Int2 word, UByte pushes, const reference& r) {
+void emitreference(Int2 word, UByte pushes, const matrixname& r) {
     Int4 offset = pooled(r.name);
     emit(word, pushes);
     emitoperand(offset);
-    emitoperand(r.family);
+    emitoperand(r.f);
 }
 
 // One subscript as a number; a string is the name of a row or column.
-void compilesubscript(const reference& r, span s, boolean column) {
+void compilesubscript(const matrixname& r, span s, boolean column) {
     compilespan(s);
     if (toptype() != exp_string) return;
     expect(exp_string, 1);
     emitreference(column ? cw_matcolnumb : cw_matrownumb, exp_numeric, r);
 }
 
-void compileelement(const reference& r, span row, span column) {
+void compileelement(const matrixname& r, span row, span column) {
     Int4 start = cc.e->codelast + 1;
     compilesubscript(r, column, true);
     compilesubscript(r, row, false);
@@ -185,7 +181,7 @@ void compilerange(span s, Int4 column) {
 
 boolean ispart(span s) { return findrange(s) >= 0 || isdot(s) || at(s.b) == '"' || at(s.b) == '`'; }
 
-void compilepart(const reference& r, span row, span column) {
+void compilepart(const matrixname& r, span row, span column) {
     needmatrices();
     emitreference(cw_matload, exp_matrix, r);
     compilerange(row, 0);
@@ -198,7 +194,7 @@ void compilepart(const reference& r, span row, span column) {
 }  // namespace
 
 boolean compilematrixname(std::string_view name, span s) {
-    reference r{named_results, name};
+    matrixname r{named_results, name};
     if (!matfind(name)) return false;
     Int4 behind = s.b + Int4(name.size());
     if (behind == s.e) {
@@ -217,7 +213,7 @@ boolean compilematrixname(std::string_view name, span s) {
     return true;
 }
 
-void compilestoredmatrix(Int4 f, std::string_view name) { emitreference(cw_matload, exp_matrix, {f, name}); }
+void compilestoredmatrix(Int4 f, std::string_view name) { emitreference(cw_matload, exp_matrix, {family(f), name}); }
 
 // ---- Functions
 
@@ -265,15 +261,12 @@ void compilerow(const functionof& row, const call& c) {
 }
 
 // The matrix that the first argument names, as A, "A", r(A), e(A) or return(A).
-reference referenced(const call& c) {
+matrixname referenced(const call& c) {
     std::string_view text = spantext(argument(c, 0));
-    std::size_t open = text.find('(');
-    family f;
     if (text.size() > 1 && text[0] == '"') text = text.substr(1, text.size() - 2);
-    else if (open != text.npos && family_find(text.substr(0, open), f) && text.back() == ')')
-        return {f, text.substr(open + 1, text.size() - open - 2)};
-    if (!matfind(text)) failon(matnotfound(text));
-    return {named_results, text};
+    matrixname r = readmatrixname(text);
+    if (r.f == named_results && !matfind(r.name)) failon(matnotfound(r.name));
+    return r;
 }
 
 void needarguments(const call& c, Int4 n) {
@@ -282,7 +275,7 @@ void needarguments(const call& c, Int4 n) {
 
 void compileplace(const call& c) {
     needarguments(c, 2);
-    reference r = referenced(c);
+    matrixname r = referenced(c);
     compilespan(argument(c, 1));
     expect(exp_string, 1);
     emitreference(c.name == "rownumb" ? cw_matrownumb : cw_matcolnumb, exp_numeric, r);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include "base/saved.h"
 #include "base/state.h"
+#include "expr/matrixread.h"
 #include "matrix/products.h"
 #include "stored/families.h"
 #include "stored/posted.h"
@@ -21,12 +22,7 @@ namespace {
 
 std::string_view pooled(Int2 offset) { return strpool + offset; }
 
-// e(b) and e(V) stand for what an estimation keeps under other names.
-Int4 loadfrom(Int4 f, std::string_view name, matrix& out) {
-    saved kind(matrixkind, family_type(family(f), result_matrix));
-    if (f != e_results || matfind(name)) return matcopy(name, out);
-    return postedmatrix(name == "b" ? "_b" : "VCE", out);
-}
+Int4 loadfrom(Int4 f, std::string_view name, matrix& out) { return readmatrix({family(f), name}, out); }
 
 void loadmatrix(machine& m, Int4 f, std::string_view name) {
     matrix x;

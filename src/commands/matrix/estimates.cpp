@@ -264,8 +264,10 @@ Int4 matrix_makecns() {
         if (Int4 rc = buildconstraints(text, rows)) return rc;
     }
     saved<Int4> kind(matrixkind, obj_estimate);
-    matdrop("Cns");
-    if (rows.empty()) return 0;
+    if (rows.empty()) {
+        matdrop("Cns");
+        return 0;
+    }
     matrix m;
     if (Int4 rc = makematrix(m, Int4(rows.size()), Int4(rows[0].size()))) return rc;
     for (std::size_t i = 0; i < rows.size(); i++) std::copy(rows[i].begin(), rows[i].end(), m.row(Int4(i)));

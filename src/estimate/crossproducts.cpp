@@ -175,17 +175,22 @@ boolean scaleweights(estsample& s, boolean print, Double& total) {
 // Sums over rows of a(i) b(j) for four i and four j, each in the rows' order.
 void addtile(const Double* a, const Double* b, Int4 n, std::size_t width, Double* sums) {
     pair2 s[4][2];
+#pragma GCC unroll 4
     for (Int4 i = 0; i < 4; i++)
+#pragma GCC unroll 2
         for (Int4 j = 0; j < 2; j++) s[i][j] = loadpair(sums + 4 * i + 2 * j);
     for (Int4 r = 0; r < n; r++, a += width, b += width) {
         pair2 b0 = loadpair(b), b1 = loadpair(b + 2);
+#pragma GCC unroll 4
         for (Int4 i = 0; i < 4; i++) {
             pair2 t = {a[i], a[i]};
             s[i][0] += t * b0;
             s[i][1] += t * b1;
         }
     }
+#pragma GCC unroll 4
     for (Int4 i = 0; i < 4; i++)
+#pragma GCC unroll 2
         for (Int4 j = 0; j < 2; j++) storepair(sums + 4 * i + 2 * j, s[i][j]);
 }
 

@@ -131,7 +131,7 @@ program define Adjusted
 	args p k adjust
 	local m = `k'*(`k'-1)/2
 	if "`adjust'" == "bonferroni" {
-		c_local p = min(1, `m'*`p')
+		c_local p = cond(`p' < ., min(1, `m'*`p'), .)
 	}
 	else if "`adjust'" == "sidak" {
 		c_local p = 1-(1-`p')^`m'

@@ -37,7 +37,12 @@ PHRASES = {name: re.split(r"\s*;; ", text) for name, text in {
         ;; trim({str}) + "{text}" ;; char(233)"""}.items()}
 TEMPLATES = {k: re.split(r" ;;\s+", v.strip().replace("\\\n", "")) for k, v in (
 ("reads", r"""summarize {vars}{if}{in}{w}{, detail|, meanonly|, format|} ;; {byp} summarize {vars}{if}{w}{|, detail} ;;
-list {vars}{if}{in}{, nolabel|, noobs|, display|, nodisplay doublespace|, noheader|} ;; {byp} list {vars}{if} ;;
+{byp} correlate {vars}{if}{w}{, covariance|, means|, wrap noformat|} ;; _rmcoll {vars}{if}{w}{|, noconstant} ;;
+matrix accum A = {vars}{if}{in}{w}{|, noconstant|, deviations means(M)} ;; matrix vecaccum v = {num} {vars}{if}{w} ;;
+matrix opaccum A = {num}, group({var}) opvar({num}) ;; matrix symeigen X v = A ;; matrix svd X v Y = A ;;
+matrix glsaccum A = {num}{w}, group({var}) glsmat({A|X|{str}}) row({num}) ;; pairwise {vars}{if}{w}{|, obs sig sidak} ;;
+_pctile {num}{if}{w}{|, nq({int}) altdef|, p({int} {int}{int})} ;; corrmatrix {vars}{if}{w} ;;
+matfrom {vars}{if}{in}, to(A){| missing} ;; list {vars}{if}{in}{, nolabel|, noobs|, display|, nodisplay doublespace|, noheader|} ;; {byp} list {vars}{if} ;;
 describe{| {vars}|, short|, detail|, numbers|, fullnames} ;; describe using {file}{|, short} ;;
 inspect {vars}{if}{in} ;; codebook {vars}{if}{|, tabulate({int})|, notes} ;; {byp} count{if}{in} ;;
 assert {cond}{if}{|, rc0} ;; {byp} assert {cond} ;;
@@ -114,7 +119,7 @@ save {file}, replace{| old| nolabel| all| midscale} ;; use {file}, clear{| nolab
 use {vars} using {file}{if}{in}, clear ;; use {file} ;; preserve ;; restore{|, preserve|, not} ;;
 set maxvar {2047|2100|3000|5000|9000} ;; set memory {int}m ;; discard ;; clear"""),
 ("loose", r"""expand min(5, {model}){if} ;;
-insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
+matto A{|, names({new} {new})|, replace} ;; insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
 infile {str9 {new} {new}|{new}-{new}|{new} {new}|byte {new}:{lab} str3 {new}} using t{int}.raw{if}{in}, clear{|\
  automatic| byvariable({int})} ;; infix {new} 1-{int} str {new} 3-9 using t{int}.raw{if}{in}, clear ;;
 infile using t{int}.raw, clear ;; infix using t{int}.raw{in}, clear ;;

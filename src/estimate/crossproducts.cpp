@@ -32,7 +32,8 @@ Int4 estimationweights(Int4 first, Int4 n, UByte* in, Double* weight, Double& to
     return 0;
 }
 
-// Rows of the constant and the sources' values, of n observations. Where all are doubles the data's rows are walked along.
+// Rows of the constant and the sources' values, of n observations. Where all are doubles the data's rows are walked
+// along.
 void getrows(const std::vector<source>& sources, Int4 first, Int4 n, Double* rows, std::size_t width, Double* column) {
     boolean doubles = std::all_of(sources.begin(), sources.end(), [](source s) {
         return !s.op && typ[s.var - 1] == typedouble;

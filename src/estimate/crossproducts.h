@@ -23,8 +23,8 @@ struct estsample {
     UByte* in() const { return map.get<UByte>(); }
     Double* weights() const { return weight.get<Double>(); }      // null without weights
 };
-// Casewise over the sources. Weights that are missing or not above 0 leave out (iweights: that are missing). 0; 1; 109 a
-// string; 401 an fweight that isn't whole; 2000 no observations, or one, with the message of 2001; 909. Printed.
+// Casewise over the sources. Weights that are missing or not above 0 leave out (iweights: that are missing). 0; 1; 109
+// a string; 401 an fweight that isn't whole; 2000 no observations, or one, with the message of 2001; 909. Printed.
 Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsample& out);
 
 // Rows of the sample: of each the constant 1 and the k sources, zeros up to the width, a multiple of 4.
@@ -36,8 +36,8 @@ struct rowsblock {
     const Double* row(Int4 i) const { return x + std::size_t(i) * std::size_t(width); }
 };
 
-// The buffers of a walk over the rows of k sources, and one block of them: of the observations at to at + n - 1 of the run
-// (from 0), at most `step`, those of the sample.
+// The buffers of a walk over the rows of k sources, and one block of them: of the observations at to at + n - 1 of the
+// run (from 0), at most `step`, those of the sample.
 struct rowbuffers {
     Int4 width, step;
     workspace x, column, weight, obs;

@@ -13,12 +13,6 @@ namespace {
 
 constexpr Int4 mostturns = 30;       // of the iteration, for each value
 
-struct rowsof {
-    Double* p;
-    Int4 stride;
-    Double* operator[](Int4 i) const { return p + std::size_t(i) * std::size_t(stride); }
-};
-
 // The hypotenuse, without overflow of squares. Moler and Morrison 1983.
 Double hypotenuse(Double a, Double b) {
     Double p = std::max(std::fabs(a), std::fabs(b)), q = std::min(std::fabs(a), std::fabs(b));
@@ -97,8 +91,8 @@ struct tridiagonal {
     }
 };
 
-// The implicit QL iteration on diagonal d and subdiagonal e (e[i] beside d[i] and d[i+1]); the rows of z, vectors of the
-// basis, become the eigenvectors. Dubrulle 1970 (imtql2).
+// The implicit QL iteration on diagonal d and subdiagonal e (e[i] beside d[i] and d[i+1]); the rows of z, vectors of
+// the basis, become the eigenvectors. Dubrulle 1970 (imtql2).
 struct qliteration {
     rowsof z;
     Int4 n;

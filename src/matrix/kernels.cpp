@@ -14,13 +14,6 @@ UByte sweeplargest = 1;
 
 namespace {
 
-// Rows of a buffer.
-struct rowsof {
-    Double* p;
-    Int4 stride;
-    Double* operator[](Int4 i) const { return p + std::size_t(i) * std::size_t(stride); }
-};
-
 void copyrows(const Double* from, Int4 fromstride, Double* to, Int4 tostride, Int4 rows, Int4 cols) {
     for (Int4 i = 0; i < rows; i++)
         std::copy_n(from + std::size_t(i) * std::size_t(fromstride), cols, to + std::size_t(i) * std::size_t(tostride));

@@ -1,5 +1,5 @@
-// Loops over rows of doubles, two to a vector register. Who calls them has one result a place, or says that the order of
-// a sum is free.
+// Loops over rows of doubles, two to a vector register. Who calls them has one result a place, or says that the order
+// of a sum is free.
 #pragma once
 #include <cstring>
 #include "matrix/compadd.h"
@@ -12,6 +12,13 @@ inline pair2 loadpair(const Double* p) {
     return v;
 }
 inline void storepair(Double* p, pair2 v) { std::memcpy(p, &v, sizeof v); }
+
+// Rows of a buffer.
+struct rowsof {
+    Double* p;
+    Int4 stride;
+    Double* operator[](Int4 i) const { return p + std::size_t(i) * std::size_t(stride); }
+};
 
 // y += t x
 inline void addscaled(Double* y, const Double* x, Double t, Int4 n) {

@@ -83,7 +83,8 @@ TEST(kernels, sweep) {
         for (Int4 k = 0; k < 4; k++) s += x[i][k] * x[j][k];
         return s;
     };
-    struct { std::vector<Int4> forced; Int4 heldback, dropped; } cases[] = {{{}, -1, 1}, {{0, 1}, -1, 2}, {{}, 2, 2}, {{2, 1}, -1, 0}};
+    struct { std::vector<Int4> forced; Int4 heldback, dropped; }
+        cases[] = {{{}, -1, 1}, {{0, 1}, -1, 2}, {{}, 2, 2}, {{2, 1}, -1, 0}};
     for (auto& c : cases) {
         square m(3, collinear);
         UByte flag[3] = {};
@@ -148,7 +149,8 @@ TEST(kernels, singular) {
             constexpr Int4 m = 9, n = 6;
             Double a[m][n], u[m][n], w[n], v[n][n];
             for (auto& row : a)
-                for (Int4 j = 0; j < n; j++) row[j] = j < rank ? scale * normal(random) : row[j % rank] * (j == 4 ? 0 : 2);
+                for (Int4 j = 0; j < n; j++)
+                    row[j] = j < rank ? scale * normal(random) : row[j % rank] * (j == 4 ? 0 : 2);
             EXPECT_EQ(svd(a[0], u[0], w, v[0], m, n), 0);
             Int4 positive = 0;
             for (Int4 j = 0; j < n; j++) {

@@ -239,7 +239,8 @@ Int4 addgls(const grouprows& g, const glsmatrix& w, matrix& sums) {
     for (Int4 i = 0; i < g.n; i++) {
         const Double* weights = w.row(g.value[std::size_t(i)]);
         std::fill(t.begin(), t.end(), 0.0);
-        for (Int4 j = 0; j < g.n; j++) addscaled(t.data(), g.row(j), weights[w.index(g.value[std::size_t(j)])], g.width);
+        for (Int4 j = 0; j < g.n; j++)
+            addscaled(t.data(), g.row(j), weights[w.index(g.value[std::size_t(j)])], g.width);
         for (Int4 a = 0; a < g.width; a++) addscaled(sums.row(a), t.data(), g.row(i)[a], a + 1);
         if (tick()) return 1;
     }

@@ -1,6 +1,7 @@
 #include "estimate/crossproducts.h"
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <string>
 #include "base/text.h"
 #include "data/cells.h"
@@ -45,7 +46,11 @@ void getrows(const std::vector<source>& sources, Int4 first, Int4 n, Double* row
         return;
     }
     std::vector<std::size_t> offset;
-    for (source s : sources) offset.push_back(mapi[s.var - 1]);
+    boolean together = true;
+    for (source s : sources) {
+        together &= offset.empty() || mapi[s.var - 1] == offset.back() + sizeof(Double);
+        offset.push_back(mapi[s.var - 1]);
+    }
     constexpr Int4 ahead = 8;     // rows in a permuted order would else be waited for one by one
     Int4 known = ptrmark - first - ahead;
     for (Int4 i = 0; i < n; i++, rows += width) {
@@ -55,7 +60,9 @@ void getrows(const std::vector<source>& sources, Int4 first, Int4 n, Double* row
             for (std::size_t j = 0; j < offset.size(); j += 8) __builtin_prefetch(later + offset[j]);
             __builtin_prefetch(later + offset.back());
         }
-        for (std::size_t j = 0; j < offset.size(); j++) rows[j + 1] = readraw<Double>(row + offset[j]);
+        if (together && !offset.empty()) std::memcpy(rows + 1, row + offset[0], offset.size() * sizeof(Double));
+        else
+            for (std::size_t j = 0; j < offset.size(); j++) rows[j + 1] = readraw<Double>(row + offset[j]);
     }
 }
 
@@ -168,17 +175,22 @@ boolean scaleweights(estsample& s, boolean print, Double& total) {
 // Sums over rows of a(i) b(j) for four i and four j, each in the rows' order.
 void addtile(const Double* a, const Double* b, Int4 n, std::size_t width, Double* sums) {
     pair2 s[4][2];
+#pragma GCC unroll 4
     for (Int4 i = 0; i < 4; i++)
+#pragma GCC unroll 2
         for (Int4 j = 0; j < 2; j++) s[i][j] = loadpair(sums + 4 * i + 2 * j);
     for (Int4 r = 0; r < n; r++, a += width, b += width) {
         pair2 b0 = loadpair(b), b1 = loadpair(b + 2);
+#pragma GCC unroll 4
         for (Int4 i = 0; i < 4; i++) {
             pair2 t = {a[i], a[i]};
             s[i][0] += t * b0;
             s[i][1] += t * b1;
         }
     }
+#pragma GCC unroll 4
     for (Int4 i = 0; i < 4; i++)
+#pragma GCC unroll 2
         for (Int4 j = 0; j < 2; j++) storepair(sums + 4 * i + 2 * j, s[i][j]);
 }
 
@@ -206,6 +218,10 @@ struct tiles {
         std::size_t row = i / 4;
         return sums.get<Double>()[(row * (row + 1) / 2 + j / 4) * 16 + i % 4 * 4 + j % 4];
     }
+    void tolower(matrix& m, Int4 from) const {
+        for (Int4 i = from; i < m.rows; i++)
+            for (Int4 j = from; j <= i; j++) m.at(i, j) = sum(std::size_t(i - from), std::size_t(j - from));
+    }
 };
 
 // First pass of deviations: the sums of weights and values, in column 0, and the means.
@@ -228,22 +244,37 @@ void takeextremes(const rowsblock& b, crossproducts& out) {
         }
 }
 
-Int4 sumproducts(const estsample& s, crossform form, crossproducts& out) {
+Int4 rawproducts(const estsample& s, crossform form, crossproducts& out) {
     Int4 width = rowwidth(s.sources.size());
     tiles t(width, rowstep(width));
     if (!t.got()) return error(909);
-    std::vector<Double> center(t.width, 0), d(std::size_t(rowstep(width)) * t.width);
-    std::copy(out.means.begin(), out.means.end(), center.begin() + 1);
     Int4 rc = overrows(s, [&](const rowsblock& b) {
         if (form.extremes) takeextremes(b, out);
-        if (!form.deviations) return t.add(b.x, b.weight, b.n, false);
-        for (std::size_t i = 0; i < std::size_t(b.n); i++)
-            for (std::size_t j = 0; j < t.width; j++) d[i * t.width + j] = b.x[i * t.width + j] - center[j];
-        t.add(d.data(), b.weight, b.n, true);
+        t.add(b.x, b.weight, b.n, false);
     });
-    Int4 from = form.deviations ? 1 : 0;
-    for (Int4 i = from; i < out.m.rows; i++)
-        for (Int4 j = from; j <= i; j++) out.m.at(i, j) = t.sum(std::size_t(i), std::size_t(j));
+    t.tolower(out.m, 0);
+    return rc;
+}
+
+// The second pass of deviations, which need no constant.
+Int4 deviationproducts(const estsample& s, crossform form, crossproducts& out) {
+    std::size_t k = s.sources.size();
+    Int4 width = (Int4(k) + 3) / 4 * 4, step = rowstep(rowwidth(k));
+    tiles t(width, step);
+    workspace deviations(std::size_t(step) * std::size_t(width) * sizeof(Double));
+    Double* d = deviations.get<Double>();
+    if (k && (!t.got() || !d)) return error(909);
+    std::fill_n(d, std::size_t(step) * std::size_t(width), 0.0);
+    Int4 rc = overrows(s, [&](const rowsblock& b) {
+        if (form.extremes) takeextremes(b, out);
+        for (Int4 i = 0; i < b.n; i++) {
+            Double* to = d + std::size_t(i) * t.width;
+            const Double* row = b.row(i) + 1;
+            for (std::size_t j = 0; j < k; j++) to[j] = row[j] - out.means[j];
+        }
+        t.add(d, b.weight, b.n, true);
+    });
+    t.tolower(out.m, 1);
     return rc;
 }
 
@@ -258,9 +289,8 @@ Int4 sscp_accum(estsample& s, crossform form, crossproducts& out) {
         out.high.assign(s.sources.size(), -floatmissing);
     }
     if (weighttype == weight_a && !scaleweights(s, form.print, out.sumweights)) return 0;
-    if (form.deviations)
-        if (Int4 rc = sumcolumns(s, out)) return rc;
-    if (Int4 rc = sumproducts(s, form, out)) return rc;
+    if (Int4 rc = form.deviations ? sumcolumns(s, out) : 0) return rc;
+    if (Int4 rc = form.deviations ? deviationproducts(s, form, out) : rawproducts(s, form, out)) return rc;
     for (Int4 i = 0; i < k + 1; i++)
         for (Int4 j = 0; j < i; j++) out.m.at(j, i) = out.m.at(i, j);
     if (weighttype == weight_a) out.m.at(0, 0) = s.n;

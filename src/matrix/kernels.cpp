@@ -190,11 +190,14 @@ Int4 factorise(rowsof a, Int4 n, std::vector<Int4>& order, boolean& odd) {
 using eight = Double[8];
 void subtractrows(const Double* arow, Int4 from, Int4 to, const eight* x, eight& out) {
     pair2 s[4];
+#pragma GCC unroll 4
     for (Int4 c = 0; c < 4; c++) s[c] = loadpair(out + 2 * c);
     for (Int4 j = from; j < to; j++) {
         pair2 t = {arow[j], arow[j]};
+#pragma GCC unroll 4
         for (Int4 c = 0; c < 4; c++) s[c] -= t * loadpair(x[j] + 2 * c);
     }
+#pragma GCC unroll 4
     for (Int4 c = 0; c < 4; c++) storepair(out + 2 * c, s[c]);
 }
 

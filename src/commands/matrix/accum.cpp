@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 #include <vector>
+#include "commands/matrix/target.h"
 #include "core/macros.h"
 #include "data/cells.h"
 #include "estimate/crossproducts.h"
@@ -18,13 +19,6 @@ namespace velmo {
 namespace {
 
 // ---- What they share: name = varlist, the names of a result, its shape.
-
-Int4 targetname(std::string& name) {
-    name = nexttoken();
-    if (Int4 rc = checkmatrixname(name)) return rc;
-    nexttoken();
-    return std::string_view(tokbuf) == "=" ? 0 : error(198);
-}
 
 Int4 parsetarget(std::string& name, partrule varlist) {
     if (Int4 rc = targetname(name)) return rc;

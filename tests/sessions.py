@@ -45,6 +45,7 @@ display {exp} " " {sexp} " " %{format} {num}[{int}] _skip({int}) _dup({int}) "{t
 display {num}[_n+{int}]{| , _newline({int}) _col({int})} _quote "{text}" ;; lookfor {text} ;;
 duplicates {report|list|examples} {vars}{if}{in} ;; notes{| {var}| list {vars}} ;; label list{| {lab}} ;; label dir ;;
 char list{| {var}[]} ;; memory ;; query ;; macro list ;; scalar list ;; return list ;; sreturn list ;;
+help {summarize|{text}|log(|x()|#{int}|r({codes})|set {text}|label {text}|\\||} ;; HELPCHK {text} ;; search r({codes}) ;;
 dir{| *.dta| *.raw} ;; program dir ;; program list {simple|ranks|group|nest|after} ;;
 which {egen|list|simple|nothing|_gmean} ;; about ;; sysdir{| list| set PERSONAL "x y"} ;; adopath ;; pwd ;; discard ;;
 type t{int}.raw ;; numlist "{int}/{int} {int}({int}){int}"{|, sort|, integer descending|, range(>0)} ;;

@@ -140,7 +140,7 @@ def newcomer(work):
     s = session(work)
     s.ask(b"?", b"what there is help on"); s.wait(b"\xe2\x94\x80more"); s.send(b"q"); s.wait(b"\n\\. ")
     s.ask(b"set more off", b"\n\\. "); s.ask(b"?count", b"how many observations"); s.ask(b".help exit", b"leave: the session")
-    s.ask(b"sumarize", b"r\\(199\\);\nnear to it: summarize"); s.ask(b"codebok", b"near to it: codebook")
+    s.ask(b"sumarize", b"r\\(199\\);\nnear to it: summarize"); s.ask(b"codebok", b"near to it: codebook"); s.ask(b"load x", b"near to it: use")
     s.ask(b"capture sumarize", b"\n\\. "); s.ask(b"display 1", b"\n1\n"); s.send(b"quit\r"); same(s.end(), 0)
     assert b"near" not in s.shown().split(b"capture sumarize")[-1]
 

@@ -8,6 +8,8 @@
 
 namespace velmo {
 
+UByte loghelp = 0;
+
 namespace {
 
 constexpr std::string_view marker = "{vtml}\n", entrymark = "{* entry: ", endmark = "{* end}",
@@ -137,6 +139,22 @@ std::vector<std::string> helpnames() {
             if (entrynames(takeline(rest), entries)) names.insert(names.end(), entries.begin(), entries.end());
     }
     return names;
+}
+
+std::vector<std::string> helpabout(std::string_view word) {
+    std::vector<std::string> pages, found;
+    pathnames("", ".hlp", pages);
+    helpplace place;
+    std::string text;
+    for (const std::string& page : pages) {
+        if (!hasfile(page, place) || readpage(place.path, text)) continue;
+        std::size_t mark = text.rfind(keywordsmark);
+        if (mark == text.npos) continue;
+        std::string keywords = text.substr(mark + keywordsmark.size());
+        for (char& c : keywords) c = isletter(c) || isdigit(c) || c == '-' ? lowerchar(c) : ' ';
+        if (keywords.find(" " + std::string(word) + " ") != keywords.npos) found.push_back(page);
+    }
+    return found;
 }
 
 boolean ismarkup(std::string_view text) { return takeline(text) == marker.substr(0, marker.size() - 1); }

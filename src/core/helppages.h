@@ -13,6 +13,9 @@
 
 namespace velmo {
 
+// State
+extern UByte loghelp;      // the setting: pages that are shown go to logs, too
+
 struct helpplace {
     std::string page;      // the page's name, without its suffix
     std::string path;      // its file
@@ -24,6 +27,8 @@ struct helpplace {
 boolean findhelp(std::string_view name, helpplace& place);
 // All names that help can be had on.
 std::vector<std::string> helpnames();
+// The pages that have the word, in small letters, among their keywords.
+std::vector<std::string> helpabout(std::string_view word);
 
 // The text of a place into `text`: 0, or the code of a file that can't be read, printed.
 Int4 helptext(const helpplace& place, std::string& text);

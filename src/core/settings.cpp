@@ -6,7 +6,7 @@
 namespace velmo {
 
 UByte set_debug = 0, set_beep = 1, set_graphics = 1, set_virtual = 0, set_getsockopt = 0, set_checksum = 1;
-UByte set_netdebug = 0, set_loghelp = 0, set_plot = 0, set_rssmat = 0, set_bmat = 0, set_override = 0;
+UByte set_netdebug = 0, set_plot = 0, set_rssmat = 0, set_bmat = 0, set_override = 0;
 UByte set_httpproxy = 0, set_httpproxyauth = 0;
 Int4 set_textsize = 100, set_varlabelpos = 32, set_scrollbufsize = 32000;
 Int4 set_entries = 100, set_timeout1 = 120, set_timeout2 = 300, set_httpproxyport = 80;

@@ -43,7 +43,7 @@ void network_store();
 extern UByte set_debug;       // rows of its own are there
 // Settings whose subsystem isn't built yet.
 extern UByte set_beep, set_graphics, set_virtual, set_getsockopt, set_checksum, set_netdebug;
-extern UByte set_loghelp, set_plot, set_rssmat, set_bmat, set_override, set_httpproxy, set_httpproxyauth;
+extern UByte set_plot, set_rssmat, set_bmat, set_override, set_httpproxy, set_httpproxyauth;
 extern Int4 set_textsize, set_varlabelpos, set_scrollbufsize, set_entries;
 extern Int4 set_timeout1, set_timeout2, set_httpproxyport;
 extern Double set_tol;

@@ -17,6 +17,13 @@ std::vector<source> listsources() {
     return sources;
 }
 
+void getsource(source s, Int4 first, Int4 n, Double* out) {
+    if (s.op)
+        for (Int4 i = 0; i < n; i++) out[i] = s.value(first + i);
+    else
+        getcolumn(s.var, first, n, out);
+}
+
 Int4 checkweight(Double w, boolean keepzero, boolean& use) {
     use = w != missing && (w != 0 || keepzero);
     if (w == missing) return 0;
@@ -81,13 +88,6 @@ void fetchdoubles(sampleblock& b, const source* sources) {
     }
 }
 
-void fetchcolumn(source s, Int4 first, Int4 n, Double* out) {
-    if (s.op)
-        for (Int4 i = 0; i < n; i++) out[i] = s.value(first + i);
-    else
-        getcolumn(s.var, first, n, out);
-}
-
 }  // namespace
 
 Int4 selectblock(sampleblock& b, Int4 first, Int4 n) {
@@ -113,7 +113,7 @@ void fetchblock(sampleblock& b, const source* sources, Int4 k) {
     } else {
         Double values[blocksize];
         for (Int4 j = 0; j < k; j++) {
-            fetchcolumn(sources[j], b.first, b.n, values);
+            getsource(sources[j], b.first, b.n, values);
             for (Int4 i = 0; i < b.n; i++) b.x[i][j] = values[i];
         }
     }
@@ -152,7 +152,7 @@ void drawvalues(const std::vector<source>& sources, boolean casewise, Int4 first
             continue;
         }
         Double* x = out.values(Int4(j)) + out.n;
-        fetchcolumn(s, first, n, x);
+        getsource(s, first, n, x);
         for (Int4 i = 0; casewise && i < n; i++) mask[i] &= x[i] != missing;
     }
 }

@@ -17,6 +17,7 @@ struct source {
     Double value(Int4 obs) const;
 };
 std::vector<source> listsources();     // the entries of the list that was parsed
+void getsource(source s, Int4 first, Int4 n, Double* out);      // a column's values
 
 // What an observation of weight w is worth: `use` is false for missing, and for 0 unless zeros are kept. 0, or 402
 // (negative), 401 (an fweight that isn't whole), printed.

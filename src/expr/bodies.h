@@ -1,10 +1,12 @@
-// The bodies of the functions: of numbers (mathfunctions.cpp, datefunctions.cpp), and of strings on the machine's
-// stacks (textfunctions.cpp). Arguments come first to last. A missing argument gives missing unless said.
+// The bodies of the functions: of numbers (mathfunctions.cpp, datefunctions.cpp), and of strings and matrices on the
+// machine's stacks (textfunctions.cpp, matrixwords.cpp, matrixfunctions.cpp). Arguments come first to last. A missing argument gives missing unless said.
 #pragma once
 #include <cmath>
 #include <string_view>
+#include <vector>
 #include "base/types.h"
 #include "expr/program.h"
+#include "matrix/matrices.h"
 
 namespace velmo {
 
@@ -103,12 +105,16 @@ struct textslot {
     char buf[strbufsize];
     std::string_view view() const { return {p, std::size_t(n)}; }
 };
-// Where a program stands: both stacks by their top entries, the next operand word, the observation.
+// Where a program stands: its stacks by their top entries, the next operand word and the last one, the observation. A
+// word that fails leaves its code, printed, and goes to the end.
 struct machine {
     Double* top;
     textslot* str;
     const Int2* at;
     Int4 obs;
+    const Int2* end;
+    std::vector<matrix>* matrices;
+    Int4 rc;
 };
 #define HAND(id, operands)
 #define VALUE(id, value)

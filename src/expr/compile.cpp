@@ -31,10 +31,15 @@ void emitoperand(Int4 operand) {
 
 void emit(Int2 word, UByte pushes) {
     emitoperand(word);
-    if (pushes == pushesnothing) return;
+    if (pushes != pushesnothing) notetype(pushes);
+}
+
+void notetype(UByte pushes) {
     if (cc.ntypes == numstack || (pushes == exp_string && cc.nstrings == strstack)) fail(130);
+    if (pushes == exp_matrix && cc.nmatrices == matstack) fail(130);
     cc.types[cc.ntypes++] = pushes;
     cc.nstrings += pushes == exp_string;
+    cc.nmatrices += pushes == exp_matrix;
 }
 
 void emitliteral(Double value) {
@@ -57,6 +62,7 @@ void expect(UByte type, Int4 n) {
     for (; n > 0; n--) {
         if (cc.ntypes == 0 || toptype() != type) fail(109);
         cc.nstrings -= type == exp_string;
+        cc.nmatrices -= type == exp_matrix;
         cc.ntypes--;
     }
 }
@@ -75,7 +81,7 @@ constexpr operatorrow operators[] = {
     {'>', '=', cw_ge, cw_textge},    {'<', '=', cw_le, cw_textle},    {'<', 0, cw_lt, cw_textlt},
     {'>', 0, cw_gt, cw_textgt},      {'!', '=', cw_ne, cw_textne},    {'~', '=', cw_ne, cw_textne},
     {'+', 0, cw_add, cw_textadd},    {'-', 0, cw_subtract, cw_none},  {'*', 0, cw_multiply, cw_none},
-    {'/', 0, cw_divide, cw_none},    {'^', 0, cw_power, cw_none},
+    {'/', 0, cw_divide, cw_none},    {'#', 0, cw_none, cw_none},      {'^', 0, cw_power, cw_none},
 };
 constexpr Int4 noperators = std::size(operators);
 constexpr Int4 powerlevel = noperators - 1;
@@ -110,7 +116,7 @@ Int4 operatorat(Int4 i, span s) {
 boolean maybeoperator(char c) {
     switch (c) {
     case '|': case '&': case '=': case '>': case '<': case '!': case '~': case '+': case '-': case '*': case '/':
-    case '^': return true;
+    case '^': case '#': return true;
     default: return false;
     }
 }
@@ -139,6 +145,9 @@ void compilebinary(span s, split hit) {
     const operatorrow& row = operators[hit.level];
     compilespan({s.b, hit.at});
     compilespan({hit.at + (row.second ? 2 : 1), s.e});
+    constexpr std::string_view matrixoperators = "+-*/#";
+    boolean matrices = row.first == '#' || toptype() == exp_matrix || toptype(1) == exp_matrix;
+    if (matrices && matrixoperators.find(row.first) != matrixoperators.npos) return compilematrixoperator(row.first);
     boolean texts = row.textword != cw_none && toptype() == exp_string && toptype(1) == exp_string;
     expect(texts ? exp_string : exp_numeric, 2);
     boolean astext = texts && row.textword == cw_textadd;
@@ -150,6 +159,11 @@ boolean compileunary(span s) {
     char c = at(s.b);
     if (c != '!' && c != '~' && c != '-') return false;
     compilespan({s.b + 1, s.e});
+    if (c == '-' && toptype() == exp_matrix) {
+        if (!cc.matrices) fail(509);
+        emit(cw_matnegate);
+        return true;
+    }
     expect(exp_numeric, 1);
     emit(c == '-' ? cw_negate : cw_not, exp_numeric);
     return true;
@@ -280,16 +294,26 @@ boolean compilescalar(std::string_view name) {
     return kind != scalar_none;
 }
 
+// Two subscripts are a matrix's.
+boolean hastwo(span s) {
+    for (Int4 i = s.b; i < s.e; i++) {
+        if (mate(i) > i) i = mate(i);
+        else if (at(i) == ',') return true;
+    }
+    return false;
+}
+
 void compilename(std::string_view name, span s) {
     Int4 behind = s.b + Int4(name.size());
     boolean subscript = behind < s.e;
     if (compilesystem(name, subscript) || compilecoefficient(name, s)) return;
     boolean dotted = name.find('.') != name.npos;
     if (cc.visible && dotted) return compiletimeseries(name, subscript);
-    Int4 var = cc.visible ? findvariable(name) : 0;
+    Int4 var = cc.visible && !(subscript && hastwo({behind + 1, s.e - 1})) ? findvariable(name) : 0;
     if (var && !subscript) return compileload(var);
     if (var) return compileloadat(var, {behind + 1, s.e - 1});
-    if (subscript || !compilescalar(name)) failon(notfound(name));
+    if (compilematrixname(name, s) || (!subscript && compilescalar(name))) return;
+    failon(cc.matrices ? matnotfound(name) : notfound(name));
 }
 
 void compileatom(span s) {
@@ -304,14 +328,6 @@ void compileatom(span s) {
     else compilename(name, s);
 }
 
-// In matrix-join mode commas and `\` join; what they join are matrices.
-void refusejoin(span s) {
-    for (Int4 i = s.b; i < s.e; i++) {
-        if (mate(i) > i) i = mate(i);
-        else if (at(i) == ',' || at(i) == '\\') fail(509);
-    }
-}
-
 boolean isenclosed(span s) { return s.e - s.b >= 2 && mate(s.b) == s.e - 1 && (at(s.b) == '(' || at(s.b) == '['); }
 
 }  // namespace
@@ -321,15 +337,21 @@ boolean isenclosed(span s) { return s.e - s.b >= 2 && mate(s.b) == s.e - 1 && (a
 void compilespan(span s) {
     saved deeper(cc.depth, cc.depth + 1);
     if (cc.depth > maxcode) fail(130);
+    boolean enclosed = isenclosed(s);
     while (isenclosed(s)) s = {s.b + 1, s.e - 1};
     if (s.b >= s.e) fail(198);
-    if (cc.matjoin) refusejoin(s);
+    saved joining(cc.matjoin, cc.matjoin || (enclosed && cc.matrices));
+    if (cc.matjoin && compilejoin(s)) return;
     split hit = findsplit(s);
     if (hit.level >= 0 && hit.level < powerlevel) return compilebinary(s, hit);
     boolean powerfirst = version < 500;
     if (!powerfirst && compileunary(s)) return;
     if (hit.level == powerlevel) return compilebinary(s, hit);
     if (powerfirst && compileunary(s)) return;
+    if (at(s.e - 1) == '\'' && mate(s.e - 1) < 0) {
+        compilespan({s.b, s.e - 1});
+        return compiletranspose();
+    }
     compileatom(s);
 }
 
@@ -340,6 +362,7 @@ void checkresult(Int4 mode) {
     boolean fits = mode == mode_str   ? type == exp_string
                    : mode == mode_any ? type != exp_matrix
                    : mode == mode_mat ? type == exp_matrix
+                   : mode == mode_nummat ? type != exp_string
                                       : type == exp_numeric;
     if (!fits) fail(109);
     cc.e->restype = type;
@@ -351,9 +374,10 @@ void begin(exp& e, Int4 mode, const compileoptions& options) {
     e.usesmat = 0;
     cc.e = &e;
     cc.options = options;
-    cc.visible = mode != mode_mat && mode != mode_nummat;
+    cc.matrices = mode == mode_mat || mode == mode_nummat;
+    cc.visible = !cc.matrices;
     cc.matjoin = options.matjoin;
-    cc.depth = cc.ntypes = cc.nstrings = 0;
+    cc.depth = cc.ntypes = cc.nstrings = cc.nmatrices = 0;
     cc.arguments.clear();
 }
 

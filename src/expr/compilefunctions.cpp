@@ -35,18 +35,9 @@ constexpr functionrow functions[] = {
 #undef UNTIL
 };
 
-// A call: the arguments stand in cc.arguments from `from`, and `text` is all that stands between the parentheses.
-struct call {
-    std::string_view name;
-    span text;
-    Int4 from, n;
-};
-
 void needarguments(const call& c, Int4 least, Int4 most) {
     if (c.n < least || c.n > most) fail(198);
 }
-
-span argument(const call& c, Int4 i) { return cc.arguments[std::size_t(c.from + i)]; }
 
 void compilearguments(const call& c) {
     for (Int4 i = c.n - 1; i >= 0; i--) compilespan(argument(c, i));
@@ -173,8 +164,11 @@ void compilestored(family f, const call& c) {
     case result_scalar: return emitliteral(value);
     case result_macro: return emittext(text);
     case result_function: return compilesample();
-    default: return emitliteral(missing);
+    case result_matrix: return compilestoredmatrix(f, name);
+    default: break;
     }
+    if (f == e_results && posted() && (name == "b" || name == "V")) return compilestoredmatrix(f, name);
+    emitliteral(missing);
 }
 
 void compileresult(const call& c) { compilestored(r_results, c); }
@@ -281,7 +275,7 @@ void compiletin(const call& c) {
 constexpr struct { const char* name; void (*compile)(const call& c); } specials[] = {
     {"cond", compilecond},         {"string", compilestring},      {"substr", compilesubstr},
     {"abbrev", compileabbrev},     {"sum", compilesum},            {"scalar", compilehidden},
-    {"variable", compilehidden},   {"r", compileresult},           {"e", compileestimate},
+    {"variable", compilehidden},   {"matrix", compilehidden},      {"r", compileresult},           {"e", compileestimate},
     {"return", compilereturn},    {"_caller", compilecaller},     {"missing", compilemissing},
     {"normd", compilenormden},     {"normden", compilenormden},    {"date", compiledate},
     {"daily", compiledate},        {"yearly", compiledate},        {"halfyearly", compiledate},
@@ -305,6 +299,8 @@ void compilerow(const functionrow& row, const call& c) {
     if (row.counted) emitoperand(c.n);
 }
 
+}  // namespace
+
 // Splits at the commas outside brackets and quotes; an empty text has no arguments.
 Int4 splitarguments(span s) {
     if (s.b == s.e) return 0;
@@ -321,8 +317,6 @@ Int4 splitarguments(span s) {
     return n;
 }
 
-}  // namespace
-
 const functionrow* findfunction(std::string_view name) {
     for (const functionrow& row : functions) {
         if (name == row.name && version <= row.until) return &row;
@@ -334,14 +328,12 @@ void compilecall(std::string_view name, span text) {
     if (version < 320 && name == "uniform") name = "uniform0";
     const functionrow* row = findfunction(name);
     auto special = findspecial(name);
-    if (!row && special == std::end(specials)) {
-        failon(errorf(133, "Unknown function %s()\n", std::string(name).c_str()));
-    }
     saved joining(cc.matjoin, false);
     call c{name, text, Int4(cc.arguments.size()), 0};
     c.n = splitarguments(text);
     if (row) compilerow(*row, c);
-    else special->compile(c);
+    else if (special != std::end(specials)) special->compile(c);
+    else if (!compilematrixcall(c)) failon(errorf(133, "Unknown function %s()\n", std::string(name).c_str()));
     cc.arguments.resize(std::size_t(c.from));
 }
 

@@ -31,10 +31,11 @@ struct compiler {
     exp* e;
     compileoptions options;
     boolean visible;                // names mean variables
+    boolean matrices;               // a matrix mode: operators may make matrices
     boolean matjoin;                // commas join matrices: not within the arguments of a function
     Int4 depth;                     // spans being compiled
     UByte types[numstack];          // what the stacks will hold: exptype
-    Int4 ntypes, nstrings;
+    Int4 ntypes, nstrings, nmatrices;
     cuttext text;
     std::vector<span> arguments;    // of the calls being compiled, innermost last
 };
@@ -49,10 +50,30 @@ void compilecall(std::string_view name, span arguments);
 inline constexpr UByte pushesnothing = 128;
 void emit(Int2 word, UByte pushes = pushesnothing);
 void emitoperand(Int4 operand);
+void notetype(UByte pushes);        // an entry that stands on a stack already
 void emitliteral(Double value);
 void emittext(std::string_view text);
 // Pops n entries, each of which must have that type: 109.
 void expect(UByte type, Int4 n);
 UByte toptype(Int4 below = 0);      // the type of an entry counted from the top
+
+// A call's arguments stand in cc.arguments from `from`, and `text` is all that stands between the parentheses.
+struct call {
+    std::string_view name;
+    span text;
+    Int4 from, n;
+};
+inline span argument(const call& c, Int4 i) { return cc.arguments[std::size_t(c.from + i)]; }
+Int4 splitarguments(span s);        // adds them to cc.arguments; how many
+
+// Matrices (compilematrix.cpp). An operator on the two entries on top, one of which is a matrix; a transpose of the top.
+void compilematrixoperator(char op);
+void compiletranspose();
+// A and B joined at a comma or `\` outside brackets, when matrices are; false without one.
+boolean compilejoin(span s);
+// A matrix's name, with or without subscripts; false when there is none of that name.
+boolean compilematrixname(std::string_view name, span s);
+void compilestoredmatrix(Int4 family, std::string_view name);
+boolean compilematrixcall(const call& c);        // false when no function of matrices has that name
 
 }  // namespace velmo

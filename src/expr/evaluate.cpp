@@ -19,14 +19,15 @@ namespace {
 // ---- One observation
 
 // Stack entry 0 is the top of an empty stack, and the value of an empty program.
-Double runone(exp& e, Int4 obs, char* text, Int4& textlength) {
+Double runone(exp& e, Int4 obs, char* text, Int4& textlength, std::vector<matrix>* matrices = nullptr,
+              Int4* rc = nullptr) {
     Double stack[numstack + 1];
     stack[0] = missing;
     textslot slots[strstack + 1];
     if (obs == firstobs) std::fill_n(e.sums, e.sumlast + 1, 0.0);
-    machine m{stack, slots, e.code, obs};
     const Int2* at = e.code;
     const Int2* end = at + e.codelast + 1;
+    machine m{stack, slots, at, obs, end, matrices, 0};
     Double* top = stack;
     while (at < end) {
         switch (*at++) {
@@ -83,6 +84,7 @@ Double runone(exp& e, Int4 obs, char* text, Int4& textlength) {
         default: break;
         }
     }
+    if (rc) *rc = m.rc;
     if (e.restype != exp_string) return *top;
     textlength = m.str->n;
     std::memcpy(text, m.str->p, std::size_t(textlength));
@@ -238,6 +240,14 @@ Int4 exp_getstr(exp& e, Int4 obs, char* buf) {
     runone(e, obs, buf, n);
     buf[n] = 0;
     return n;
+}
+
+Int4 exp_getmat(exp& e, matrix& out, Double& value) {
+    std::vector<matrix> matrices;
+    Int4 n, rc = 0;
+    value = settled(runone(e, 1, nullptr, n, &matrices, &rc));
+    if (!rc && e.restype == exp_matrix) out = std::move(matrices.back());
+    return rc;
 }
 
 boolean exp_iftest(Int4 obs) { return !ifgiven || exp_getnum(ifexp, obs) != 0; }

@@ -1,7 +1,8 @@
 // The evaluator: runs code words over one observation, or over a block of up to 256. The bodies of both come from one
-// table, so they give the same bits. Nothing here fails: what is undefined is missing.
+// table, so they give the same bits. What is undefined is missing; nothing fails but programs that make matrices.
 #pragma once
 #include "expr/program.h"
+#include "matrix/matrices.h"
 
 namespace velmo {
 
@@ -11,6 +12,9 @@ inline constexpr Int4 blocksize = 256;
 Double exp_getnum(exp& e, Int4 obs);
 // A string result into buf (246 bytes); its length.
 Int4 exp_getstr(exp& e, Int4 obs, char* buf);
+// The result at observation 1 of a program compiled for a matrix mode: by its restype a matrix with names, or a number.
+// 0, or the code of a matrix instruction (printed).
+Int4 exp_getmat(exp& e, matrix& out, Double& value);
 // True if no `if` was given or its value at obs is not 0 (missing is not 0).
 boolean exp_iftest(Int4 obs);
 

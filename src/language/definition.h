@@ -7,7 +7,6 @@ namespace velmo {
 
 inline constexpr Int4 maxprogramlines = 3501, maxprogramtext = 135600;
 
-
 struct programoptions { UByte progclass, byable, sortpreserve; };
 // Reads a body through nextline(0) up to `end` (or, with braces, until they balance, the first line being cmdbuf) and
 // stores it under name and home. 0, 1, 612, 1000, 950.

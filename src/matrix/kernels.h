@@ -19,9 +19,11 @@ Int4 matrin3(Double* M, Int4 stride, Int4 n, Int4 first, Int4 last, UByte* flag,
 
 Int4 cholesky(const Double* A, Double* L, Int4 stride, Int4 n);            // 0 or 506
 Int4 luinverse(const Double* A, Double* out, Int4 stride, Int4 n);         // 0, 504, 909
-// Eigenvectors as columns of X, eigenvalues descending in v. 0, 9802, 909.
+// By the same factors; 0 when singular. 0, 1, 909.
+Int4 determinant(const Double* A, Int4 stride, Int4 n, Double& value);
+// Eigenvectors as columns of X, eigenvalues descending in v. 0, 1, 9802, 909.
 Int4 symeigen(const Double* A, Double* X, Double* v, Int4 stride, Int4 n);
-// A = U diag(w) V', rows >= cols; strides of A and U cols. 0, 430, 909.
+// A = U diag(w) V', rows >= cols; strides of A and U cols. 0, 1, 430, 909.
 Int4 svd(const Double* A, Double* U, Double* w, Double* V, Int4 rows, Int4 cols);
 
 }  // namespace velmo

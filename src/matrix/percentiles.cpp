@@ -35,12 +35,21 @@ void sortweighted(Double* x, Double* w, Int4 n, void* work) {
     }
 }
 
-Double percentile(const Double* x, Int4 n, Double p) {
+Double percentile(const Double* x, Int4 n, Double p, Double scale) {
     auto value = [x, n](Int4 i) { return i >= 1 && i <= n ? x[i - 1] : missing; };
     if (n == 0) return missing;
-    Double v = n * p, k = v / 100;
-    if (std::floor(k + 0.5) * 100 == v) return (value(Int4(k)) + value(Int4(k) + 1)) / 2;
+    Double v = n * p, k = v / scale;
+    if (std::floor(k + 0.5) * scale == v) return (value(Int4(k)) + value(Int4(k) + 1)) / 2;
     return value(Int4(k) + 1);
+}
+
+Double altpercentile(const Double* x, Int4 n, Double p, Double scale) {
+    if (n == 0) return missing;
+    Double v = (n + 1.0) * p, k = v / scale;
+    Int4 i = Int4(k);
+    if (std::floor(k + 0.5) * scale == v) return x[std::clamp(Int4(k + 0.5), 1, n) - 1];
+    if (i < 1) return x[0];
+    return i >= n ? x[n - 1] : x[i - 1] * (1 - (k - i)) + x[i] * (k - i);
 }
 
 // The cursor and the running weight persist from one percentile to the next.

@@ -10,6 +10,7 @@
 #include "core/adopath.h"
 #include "core/commands.h"
 #include "core/events.h"
+#include "core/helppages.h"
 #include "core/macros.h"
 #include "core/objects.h"
 #include "core/prefs.h"
@@ -241,8 +242,11 @@ void propose() {
     if (lastrc != 199 || !unknownword[0] || !front->echoes()) return;
     std::vector<std::string> names;
     commandnames("", names);
+    std::vector<std::string> near = nearest(unknownword, names, 5);
+    if (near.empty()) near = helpabout(unknownword);
+    if (near.size() > 5) near.resize(5);
     std::string line;
-    for (const std::string& name : nearest(unknownword, names, 5)) line += " {help " + name + "}";
+    for (const std::string& name : near) line += " {help " + name + "}";
     if (!line.empty()) prtraw("{txt}near to it:" + line + "\n");
 }
 

@@ -8,6 +8,7 @@
 #include "base/state.h"
 #include "core/commands.h"
 #include "core/events.h"
+#include "core/helppages.h"
 #include "core/memory.h"
 #include "core/settings.h"
 #include "core/tempfiles.h"

@@ -8,7 +8,6 @@
 #include "base/text.h"
 #include "core/helppages.h"
 #include "core/quotes.h"
-#include "core/settings.h"
 #include "core/tokenizer.h"
 #include "language/commandnames.h"
 #include "language/dofile.h"
@@ -93,8 +92,8 @@ Int4 showpage(const helpplace& place) {
     lastlinks = linksof(place, text);
     if (!levelshows()) return 0;
     prtfresh();
-    if (!set_loghelp) logs_hold(true);
-    onexit giveback([] { if (!set_loghelp) logs_hold(false); });
+    if (!loghelp) logs_hold(true);
+    onexit giveback([] { if (!loghelp) logs_hold(false); });
     prtraw("\n{txt}");
     prtraw(modeof(text));
     Int4 rc = feedlines(text);
@@ -113,10 +112,16 @@ std::string typedname() {
     return std::string(unquoted(rest));
 }
 
+// Pages about it, and names that are near to it: five together.
 Int4 nohelp(const std::string& name) {
     Int4 rc = errorf(111, "help for %s not found\n", name.c_str());
-    std::string line;
-    for (const std::string& near : nearest(name, helpnames(), 5)) line += " {help " + near + "}";
+    std::string word = name, line;
+    for (char& c : word) c = lowerchar(c);
+    std::vector<std::string> pages = helpabout(word);
+    for (const std::string& near : nearest(name, helpnames(), 5))
+        if (std::find(pages.begin(), pages.end(), near) == pages.end()) pages.push_back(near);
+    if (pages.size() > 5) pages.resize(5);
+    for (const std::string& page : pages) line += " {help " + page + "}";
     if (!line.empty()) prtraw("{txt}near to it:" + line + "\n");
     return rc;
 }

@@ -1,0 +1,293 @@
+#include "estimate/crossproducts.h"
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include "base/text.h"
+#include "data/cells.h"
+#include "language/stdparse.h"
+#include "matrix/kernels.h"
+#include "matrix/lanes.h"
+#include "output/formats.h"
+#include "output/print.h"
+
+namespace velmo {
+
+// ---- The sample.
+
+namespace {
+
+// Weights of a block of observations that are complete; total of those that count others.
+Int4 estimationweights(Int4 first, Int4 n, UByte* in, Double* weight, Double& total) {
+    boolean blocks = exp_blockable(eqexp, 0);
+    if (blocks) exp_getblock(eqexp, first, n, weight);
+    for (Int4 i = 0; i < n; i++) {
+        if (!in[i]) continue;
+        Double w = blocks ? weight[i] : weight[i] = exp_getnum(eqexp, first + i);
+        in[i] &= w != missing && (w > 0 || weighttype == weight_i);
+        if (!in[i]) continue;
+        if (weighttype == weight_f && w != std::floor(w)) return error(401);
+        total += w;
+    }
+    return 0;
+}
+
+// Rows of the constant and the sources' values, of n observations. Where all are doubles the data's rows are walked along.
+void getrows(const std::vector<source>& sources, Int4 first, Int4 n, Double* rows, std::size_t width, Double* column) {
+    boolean doubles = std::all_of(sources.begin(), sources.end(), [](source s) {
+        return !s.op && typ[s.var - 1] == typedouble;
+    });
+    for (Int4 i = 0; i < n; i++) rows[std::size_t(i) * width] = 1;
+    if (!doubles) {
+        for (std::size_t j = 0; j < sources.size(); j++) {
+            getsource(sources[j], first, n, column);
+            for (Int4 i = 0; i < n; i++) rows[std::size_t(i) * width + j + 1] = column[i];
+        }
+        return;
+    }
+    std::vector<std::size_t> offset;
+    for (source s : sources) offset.push_back(mapi[s.var - 1]);
+    constexpr Int4 ahead = 8;     // rows in a permuted order would else be waited for one by one
+    Int4 known = ptrmark - first - ahead;
+    for (Int4 i = 0; i < n; i++, rows += width) {
+        const UByte* row = rowptr(first + i);
+        if (i < known && !offset.empty()) {
+            const UByte* later = rowptr(first + i + ahead);
+            for (std::size_t j = 0; j < offset.size(); j += 8) __builtin_prefetch(later + offset[j]);
+            __builtin_prefetch(later + offset.back());
+        }
+        for (std::size_t j = 0; j < offset.size(); j++) rows[j + 1] = readraw<Double>(row + offset[j]);
+    }
+}
+
+// Observations a block of rows has, so that it stays near.
+Int4 rowstep(Int4 width) { return std::clamp(4096 / width, 16, blocksize); }
+Int4 rowwidth(std::size_t k) { return (Int4(k) + 4) / 4 * 4; }
+
+// Leaves in the map the observations that lack no value; of a binary outcome which it is goes to `outcome`.
+void complete(const estsample& s, const rowbuffers& r, Int4 first, Int4 n, UByte* in, UByte* outcome) {
+    std::size_t width = std::size_t(r.width), k = s.sources.size();
+    for (Int4 at = 0; at < n; at += r.step) {
+        Int4 count = std::min(r.step, n - at);
+        getrows(s.sources, first + at, count, r.x.get<Double>(), width, r.column.get<Double>());
+        for (Int4 i = 0; i < count; i++) {
+            const Double* row = r.x.get<Double>() + std::size_t(i) * width + 1;
+            boolean lacks = false;
+            for (std::size_t j = 0; j < k; j++) lacks |= row[j] == missing;
+            in[at + i] &= !lacks;
+            if (s.binary) outcome[at + i] = row[0] != 0;
+        }
+    }
+}
+
+Int4 drawmap(estsample& s, Double& total) {
+    rowbuffers r(s.sources.size());
+    if (!r.got()) return error(909);
+    UByte outcome[blocksize] = {};
+    return overblocks([&](Int4 first, Int4 n) -> Int4 {
+        UByte* in = s.in() + (first - s.first);
+        exp_ifblock(first, n, in);
+        complete(s, r, first, n, in, outcome);
+        if (weighttype)
+            if (Int4 rc = estimationweights(first, n, in, s.weights() + (first - s.first), total)) return rc;
+        s.n += Int4(std::count(in, in + n, 1));
+        for (Int4 i = 0; i < n; i++) in[i] = UByte(in[i] + (in[i] & outcome[i]));
+        return 0;
+    });
+}
+
+}  // namespace
+
+Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsample& out) {
+    for (source s : sources)
+        if (isstring(s.var)) return error(109);
+    out.sources = sources;
+    out.binary = form.binary && !sources.empty();
+    out.first = firstobs;
+    out.run = std::max(lastobs - firstobs + 1, 0);
+    std::size_t room = std::size_t(out.run) + 1;
+    out.map = workspace(room);
+    if (weighttype) out.weight = workspace(room * sizeof(Double));
+    if (!out.map.p || (weighttype && !out.weight.p)) return error(909);
+    Double total = 0;
+    if (Int4 rc = drawmap(out, total)) return rc;
+    boolean counts = weighttype == weight_f || weighttype == weight_i;
+    if (form.empty) return 0;
+    boolean none = out.n == 0 || (counts && total == 0);
+    if (!none && (out.n > 1 || (counts && total > 1))) return 0;
+    error(none ? 2000 : 2001);
+    return 2000;
+}
+
+rowbuffers::rowbuffers(std::size_t k)
+    : width(rowwidth(k)), step(rowstep(width)), x(std::size_t(step) * std::size_t(width) * sizeof(Double)),
+      column(std::size_t(step) * sizeof(Double)), weight(std::size_t(step) * sizeof(Double)),
+      obs(std::size_t(step) * sizeof(Int4)) {
+    if (x.p) std::fill_n(x.get<Double>(), std::size_t(step) * std::size_t(width), 0.0);
+}
+
+rowsblock readrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n) {
+    const UByte* in = s.in() + at;
+    Double *rows = r.x.get<Double>(), *weight = r.weight.get<Double>();
+    Int4* numbers = r.obs.get<Int4>();
+    Int4 count = 0;
+    for (Int4 i = 0; i < n; i++) {
+        numbers[count] = s.first + at + i;
+        weight[count] = s.weights() ? s.weights()[at + i] : 1;
+        count += in[i] != 0;
+    }
+    if (!count) return {0, r.width, rows, nullptr, numbers};
+    std::size_t width = std::size_t(r.width);
+    getrows(s.sources, s.first + at, n, rows, width, r.column.get<Double>());
+    for (Int4 i = 0, to = 0; i < n; i++) {
+        if (s.binary) rows[std::size_t(i) * width + 1] = in[i] - 1;
+        if (in[i] && to++ != i)
+            std::copy_n(rows + std::size_t(i) * width, width, rows + std::size_t(to - 1) * width);
+    }
+    return {count, r.width, rows, s.weights() ? weight : nullptr, numbers};
+}
+
+// ---- Cross-products.
+
+namespace {
+
+// aweights as a share of their mean, and the line that tells their sum. False when the sum is 0.
+boolean scaleweights(estsample& s, boolean print, Double& total) {
+    for (Int4 i = 0; i < s.run; i++)
+        if (s.in()[i]) total += s.weights()[i];
+    if (print) {
+        prttext("(sum of wgt is ");
+        prtnumber("%12.4e", total);
+        prttext(")\n");
+    }
+    if (total == 0) return false;
+    Double mean = total / s.n;
+    for (Int4 i = 0; i < s.run; i++) s.weights()[i] /= mean;
+    return true;
+}
+
+// Sums over rows of a(i) b(j) for four i and four j, each in the rows' order.
+void addtile(const Double* a, const Double* b, Int4 n, std::size_t width, Double* sums) {
+    pair2 s[4][2];
+    for (Int4 i = 0; i < 4; i++)
+        for (Int4 j = 0; j < 2; j++) s[i][j] = loadpair(sums + 4 * i + 2 * j);
+    for (Int4 r = 0; r < n; r++, a += width, b += width) {
+        pair2 b0 = loadpair(b), b1 = loadpair(b + 2);
+        for (Int4 i = 0; i < 4; i++) {
+            pair2 t = {a[i], a[i]};
+            s[i][0] += t * b0;
+            s[i][1] += t * b1;
+        }
+    }
+    for (Int4 i = 0; i < 4; i++)
+        for (Int4 j = 0; j < 2; j++) storepair(sums + 4 * i + 2 * j, s[i][j]);
+}
+
+// The lower triangle in tiles of four by four, and a block's rows times their weights.
+struct tiles {
+    std::size_t count, width;
+    workspace sums, weighted;
+    tiles(Int4 wide, Int4 step)
+        : count(std::size_t(wide) / 4), width(std::size_t(wide)), sums(count * (count + 1) / 2 * 16 * sizeof(Double)),
+          weighted(std::size_t(step) * width * sizeof(Double)) {
+        if (sums.p) std::fill_n(sums.get<Double>(), count * (count + 1) / 2 * 16, 0.0);
+    }
+    boolean got() const { return sums.p && weighted.p; }
+    // w first with the row of the triangle, or with its column.
+    void add(const Double* x, const Double* weight, Int4 n, boolean withcolumn) {
+        Double* wx = weighted.get<Double>();
+        for (std::size_t r = 0; weight && r < std::size_t(n); r++)
+            for (std::size_t j = 0; j < width; j++) wx[r * width + j] = weight[r] * x[r * width + j];
+        const Double *a = weight && !withcolumn ? wx : x, *b = weight && withcolumn ? wx : x;
+        Double* to = sums.get<Double>();
+        for (std::size_t i = 0; i < count; i++)
+            for (std::size_t j = 0; j <= i; j++, to += 16) addtile(a + 4 * i, b + 4 * j, n, width, to);
+    }
+    Double sum(std::size_t i, std::size_t j) const {
+        std::size_t row = i / 4;
+        return sums.get<Double>()[(row * (row + 1) / 2 + j / 4) * 16 + i % 4 * 4 + j % 4];
+    }
+};
+
+// First pass of deviations: the sums of weights and values, in column 0, and the means.
+Int4 sumcolumns(const estsample& s, crossproducts& out) {
+    std::vector<Double> sums(std::size_t(out.m.rows + 4), 0);
+    Int4 rc = overrows(s, [&](const rowsblock& b) {
+        for (Int4 i = 0; i < b.n; i++) addscaled(sums.data(), b.row(i), b.weight ? b.weight[i] : 1, b.width);
+    });
+    for (Int4 i = 0; i < out.m.rows; i++) out.m.at(i, 0) = sums[std::size_t(i)];
+    for (Int4 i = 1; i < out.m.rows; i++) out.means.push_back(sums[0] == 0 ? 0 : sums[std::size_t(i)] / sums[0]);
+    return rc;
+}
+
+void takeextremes(const rowsblock& b, crossproducts& out) {
+    for (Int4 i = 0; i < b.n; i++)
+        for (std::size_t j = 0; j < out.low.size(); j++) {
+            Float v = Float(b.row(i)[j + 1]);
+            out.low[j] = std::min(out.low[j], v);
+            out.high[j] = std::max(out.high[j], v);
+        }
+}
+
+Int4 sumproducts(const estsample& s, crossform form, crossproducts& out) {
+    Int4 width = rowwidth(s.sources.size());
+    tiles t(width, rowstep(width));
+    if (!t.got()) return error(909);
+    std::vector<Double> center(t.width, 0), d(std::size_t(rowstep(width)) * t.width);
+    std::copy(out.means.begin(), out.means.end(), center.begin() + 1);
+    Int4 rc = overrows(s, [&](const rowsblock& b) {
+        if (form.extremes) takeextremes(b, out);
+        if (!form.deviations) return t.add(b.x, b.weight, b.n, false);
+        for (std::size_t i = 0; i < std::size_t(b.n); i++)
+            for (std::size_t j = 0; j < t.width; j++) d[i * t.width + j] = b.x[i * t.width + j] - center[j];
+        t.add(d.data(), b.weight, b.n, true);
+    });
+    Int4 from = form.deviations ? 1 : 0;
+    for (Int4 i = from; i < out.m.rows; i++)
+        for (Int4 j = from; j <= i; j++) out.m.at(i, j) = t.sum(std::size_t(i), std::size_t(j));
+    return rc;
+}
+
+}  // namespace
+
+Int4 sscp_accum(estsample& s, crossform form, crossproducts& out) {
+    Int4 k = Int4(s.sources.size());
+    if (Int4 rc = makematrix(out.m, k + 1, k + 1)) return rc;
+    out.m.symmetric = true;
+    if (form.extremes) {
+        out.low.assign(s.sources.size(), floatmissing);
+        out.high.assign(s.sources.size(), -floatmissing);
+    }
+    if (weighttype == weight_a && !scaleweights(s, form.print, out.sumweights)) return 0;
+    if (form.deviations)
+        if (Int4 rc = sumcolumns(s, out)) return rc;
+    if (Int4 rc = sumproducts(s, form, out)) return rc;
+    for (Int4 i = 0; i < k + 1; i++)
+        for (Int4 j = 0; j < i; j++) out.m.at(j, i) = out.m.at(i, j);
+    if (weighttype == weight_a) out.m.at(0, 0) = s.n;
+    else out.sumweights = out.m.at(0, 0);
+    if (!form.print) return 0;
+    fmtnum("%12.0g", weighttype ? std::floor(out.m.at(0, 0) + 0.5) : out.m.at(0, 0));
+    prttext("(obs=");
+    prtresult(trimmed(dbuf));
+    return prttext(")\n");
+}
+
+Int4 dropcollinear(const crossproducts& c, const std::vector<std::string>& names, boolean constant,
+                   std::vector<boolean>& stays) {
+    Int4 n = c.m.rows;
+    std::size_t size = std::size_t(n) * std::size_t(n);
+    workspace copy(size * sizeof(Double));
+    if (!copy.p) return error(909);
+    std::copy_n(c.m.row(0), size, copy.get<Double>());
+    std::vector<UByte> flag(std::size_t(n), 0);
+    constexpr Int4 first[] = {0};
+    if (Int4 rc = matrin(copy.get<Double>(), n, n, constant ? 0 : 1, n - 1, first, constant ? 1 : 0, -1, flag.data()))
+        return rc;
+    for (std::size_t j = 0; j < names.size(); j++) {
+        stays.push_back(flag[j + 1] != 2);
+        if (!stays[j]) notef("(note: %s dropped due to collinearity\n", names[j].c_str());
+    }
+    return 0;
+}
+
+}  // namespace velmo

@@ -1,0 +1,103 @@
+#include "matrix/products.h"
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include "base/poll.h"
+#include "output/errors.h"
+
+namespace velmo {
+
+namespace {
+
+constexpr Int4 tile = 4;          // rows and columns that are summed at once: their sums stay in registers
+
+// Columns j to j + tile of B without gaps; zeros behind the last one.
+void packpanel(const Double* B, Double* panel, Int4 inner, Int4 cols, Int4 j) {
+    Int4 width = std::min(tile, cols - j);
+    for (Int4 k = 0; k < inner; k++, panel += tile)
+        for (Int4 c = 0; c < tile; c++) panel[c] = c < width ? B[std::size_t(k) * std::size_t(cols) + std::size_t(j + c)] : 0;
+}
+
+template <Int4 rows> void tilesums(const Double* A, const Double* panel, Int4 inner, Double (&sum)[tile][tile]) {
+    Double s[rows][tile] = {};
+    for (Int4 k = 0; k < inner; k++, panel += tile)
+        for (Int4 r = 0; r < rows; r++) {
+            Double a = A[std::size_t(r) * std::size_t(inner) + std::size_t(k)];
+            for (Int4 c = 0; c < tile; c++) s[r][c] += a * panel[c];
+        }
+    for (Int4 r = 0; r < rows; r++) std::copy_n(s[r], tile, sum[r]);
+}
+
+void panelproduct(const Double* A, const Double* panel, Double* C, Int4 n, Int4 inner, Int4 cols, Int4 j) {
+    Int4 width = std::min(tile, cols - j);
+    Double sum[tile][tile];
+    for (Int4 i = 0; i < n;) {
+        Int4 rows = n - i >= tile ? tile : 1;
+        const Double* from = A + std::size_t(i) * std::size_t(inner);
+        if (rows == tile) tilesums<tile>(from, panel, inner, sum);
+        else tilesums<1>(from, panel, inner, sum);
+        for (Int4 r = 0; r < rows; r++, i++)
+            std::copy_n(sum[r], width, C + std::size_t(i) * std::size_t(cols) + std::size_t(j));
+    }
+}
+
+}  // namespace
+
+Int4 matproduct(const Double* A, const Double* B, Double* C, Int4 n, Int4 inner, Int4 cols) {
+    workspace panel(std::size_t(inner) * tile * sizeof(Double));
+    if (!panel.p) return error(909);
+    for (Int4 j = 0; j < cols; j += tile) {
+        packpanel(B, panel.get<Double>(), inner, cols, j);
+        panelproduct(A, panel.get<Double>(), C, n, inner, cols, j);
+        if (tick()) return 1;
+    }
+    return 0;
+}
+
+// By elimination with the largest pivot of each column.
+Double determinant(const Double* A, Int4 n, boolean& room) {
+    std::size_t width = std::size_t(n);
+    workspace copy(width * width * sizeof(Double));
+    Double* a = copy.get<Double>();
+    room = a != nullptr;
+    if (!room) return missing;
+    std::memcpy(a, A, width * width * sizeof(Double));
+    Double det = 1;
+    for (std::size_t k = 0; k < width; k++) {
+        std::size_t best = k;
+        for (std::size_t i = k + 1; i < width; i++)
+            if (std::fabs(a[i * width + k]) > std::fabs(a[best * width + k])) best = i;
+        if (best != k) {
+            std::swap_ranges(a + k * width, a + (k + 1) * width, a + best * width);
+            det = -det;
+        }
+        Double pivot = a[k * width + k];
+        det *= pivot;
+        if (pivot == 0) return 0;
+        for (std::size_t i = k + 1; i < width; i++) {
+            Double t = a[i * width + k] / pivot;
+            for (std::size_t j = k + 1; t != 0 && j < width; j++) a[i * width + j] -= t * a[k * width + j];
+        }
+    }
+    return det;
+}
+
+boolean hasmissing(const matrix& m) {
+    const Double* x = m.x.get<Double>();
+    const Double* end = x + std::size_t(m.rows) * std::size_t(m.cols);
+    return std::find(x, end, missing) != end;
+}
+
+Int4 findaxisname(const std::vector<axisname>& names, std::string_view text, boolean last) {
+    axisname wanted = readaxisname(text);
+    boolean anyequation = text.find(':') == text.npos, anyname = !anyequation && !wanted.name[0];
+    Int4 found = -1;
+    for (std::size_t i = 0; i < names.size() && (found < 0 || last); i++) {
+        const axisname& a = names[i];
+        if (!anyequation && a.eqtext() != wanted.eqtext()) continue;
+        if (anyname || (a.nametext() == wanted.nametext() && a.optext() == wanted.optext())) found = Int4(i);
+    }
+    return found;
+}
+
+}  // namespace velmo

@@ -148,9 +148,9 @@ void mat_trace(machine& m) {
 void mat_det(machine& m) {
     matrix a = popmatrix(m);
     if (!needsquare(m, a)) return;
-    boolean room = true;
-    Double det = hasmissing(a) ? missing : determinant(a.row(0), a.rows, room);
-    if (!refused(m, room ? 0 : 909)) *++m.top = det;
+    Double det = missing;
+    if (!hasmissing(a) && kernelfailed(m, determinant(a.row(0), a.cols, a.rows, det))) return;
+    *++m.top = det;
 }
 
 void mat_rowsof(machine& m) { *++m.top = popmatrix(m).rows; }

@@ -1,7 +1,5 @@
 #include "matrix/products.h"
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 #include "base/poll.h"
 #include "output/errors.h"
 
@@ -52,34 +50,6 @@ Int4 matproduct(const Double* A, const Double* B, Double* C, Int4 n, Int4 inner,
         if (tick()) return 1;
     }
     return 0;
-}
-
-// By elimination with the largest pivot of each column.
-Double determinant(const Double* A, Int4 n, boolean& room) {
-    std::size_t width = std::size_t(n);
-    workspace copy(width * width * sizeof(Double));
-    Double* a = copy.get<Double>();
-    room = a != nullptr;
-    if (!room) return missing;
-    std::memcpy(a, A, width * width * sizeof(Double));
-    Double det = 1;
-    for (std::size_t k = 0; k < width; k++) {
-        std::size_t best = k;
-        for (std::size_t i = k + 1; i < width; i++)
-            if (std::fabs(a[i * width + k]) > std::fabs(a[best * width + k])) best = i;
-        if (best != k) {
-            std::swap_ranges(a + k * width, a + (k + 1) * width, a + best * width);
-            det = -det;
-        }
-        Double pivot = a[k * width + k];
-        det *= pivot;
-        if (pivot == 0) return 0;
-        for (std::size_t i = k + 1; i < width; i++) {
-            Double t = a[i * width + k] / pivot;
-            for (std::size_t j = k + 1; t != 0 && j < width; j++) a[i * width + j] -= t * a[k * width + j];
-        }
-    }
-    return det;
 }
 
 boolean hasmissing(const matrix& m) {

@@ -80,7 +80,7 @@ Int4 assignblock(const std::string& name, Int4 i, Int4 j, const matrix& part) {
 
 // From the bracket on.
 Int4 assignat(const std::string& name) {
-    Int4 i, j;
+    Int4 i = 0, j = 0;
     if (!matfind(name)) return matnotfound(name);
     if (Int4 rc = expectchar('[')) return rc;
     if (Int4 rc = placehere(i)) return rc;

@@ -115,7 +115,7 @@ Int4 target(boolean& typed, boolean& exists) {
 
 // score [type] newvar = b [if] [in] [, equation(name or #number) missval(#) replace]
 Int4 matrix_score() {
-    boolean typed, exists;
+    boolean typed = false, exists = false;
     scoreoptions o;
     matrix b;
     std::vector<term> terms;

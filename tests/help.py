@@ -106,6 +106,7 @@ def entriesneeded():
     """What the pages of entries must have."""
     def words(file, pattern): return re.findall(pattern, read(TOP + "/src/" + file), flags=re.M)
     functions = words("expr/functions.def", r'^FUNCTION\("(\w+)"') + words("expr/compilefunctions.cpp", r'\{"(\w+)", (?:compile|")')
+    functions += words("expr/compilematrix.cpp", r'\{"(\w+)", (?:cw_|compile)')
     yield from (word + "()" for word in functions)
     yield from ("set " + word for word in words("session/settings.def", r"^[A-Z]+\((\w+),"))
     yield from words("output/vtmldirectives.cpp", r'^    \{"(\S+)", \w+, ')

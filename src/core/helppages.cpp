@@ -31,7 +31,7 @@ constexpr std::string_view shared[][2] = {
 // Pages that hold entries.
 constexpr std::string_view entrypages[] = {
     "mathfunctions", "textfunctions", "datefunctions", "randomfunctions", "specialfunctions", "operators",
-    "macrofunctions", "settings", "directives", "codes", "egen",
+    "matrixfunctions", "macrofunctions", "settings", "directives", "codes", "egen",
 };
 
 boolean hasfile(const std::string& page, helpplace& place) {

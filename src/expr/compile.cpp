@@ -309,7 +309,8 @@ void compilename(std::string_view name, span s) {
     if (compilesystem(name, subscript) || compilecoefficient(name, s)) return;
     boolean dotted = name.find('.') != name.npos;
     if (cc.visible && dotted) return compiletimeseries(name, subscript);
-    Int4 var = cc.visible && !(subscript && hastwo({behind + 1, s.e - 1})) ? findvariable(name) : 0;
+    if (subscript && hastwo({behind + 1, s.e - 1}) && compilematrixname(name, s)) return;
+    Int4 var = cc.visible ? findvariable(name) : 0;
     if (var && !subscript) return compileload(var);
     if (var) return compileloadat(var, {behind + 1, s.e - 1});
     if (compilematrixname(name, s) || (!subscript && compilescalar(name))) return;

@@ -51,6 +51,9 @@ which {egen|list|simple|nothing|_gmean} ;; about ;; sysdir{| list| set PERSONAL 
 type t{int}.raw ;; numlist "{int}/{int} {int}({int}){int}"{|, sort|, integer descending|, range(>0)} ;;
 confirm {variable|numeric variable|new variable|file|number|integer number} {var|new|int|file|x} ;;
 parse "{text}", parse("{text}") ;; debug {memory|sizes|basics|term|map|retvals|os} ;; showpoint ;;
+matrix {A|B|C} = {A|B*A|A'|(1,2\\3,{int})|I({int})|J(2,{int},{num}[1])|A#B|inv(A)|syminv(B)|A[1..{int},2...]|A,B|B\\A|{int}*A} ;;
+matrix {list|dir|list A, nohalf|drop A|rename A B, replace|coleq A = e f|rownames B = x {var}|accum A = {vars}{if}} ;;
+matrix {A[{int},{int}] = {int}|score a = B, replace|input C = (1 {int} \\ 3)|symeigen X v = A|cat C = A, B'} ;;
 scalar {a|b} = {exp} ;; local m = {exp} ;; global g {text} ;;
 local l : {type {var}|format {var}|variable label {var}|value label {var}|sortedby|label {lab} {int}|word {int} of {\
 text}|data label|char {var}[note1]|char _dta[]|subinstr global g "{text}" "{text}", all count(local k)|\

@@ -56,6 +56,9 @@ which {egen|list|simple|nothing|_gmean} ;; about ;; sysdir{| list| set PERSONAL 
 type t{int}.raw ;; numlist "{int}/{int} {int}({int}){int}"{|, sort|, integer descending|, range(>0)} ;;
 confirm {variable|numeric variable|new variable|file|number|integer number} {var|new|int|file|x} ;;
 parse "{text}", parse("{text}") ;; debug {memory|sizes|basics|term|map|retvals|os} ;; showpoint ;;
+matrix {A|B|C} = {A|B*A|A'|(1,2\\3,{int})|I({int})|J(2,{int},{num}[1])|A#B|inv(A)|syminv(B)|A[1..{int},2...]|A,B|B\\A|{int}*A} ;;
+matrix {list|dir|list A, nohalf|drop A|rename A B, replace|coleq A = e f|rownames B = x {var}|accum A = {vars}{if}} ;;
+matrix {A[{int},{int}] = {int}|score a = B, replace|input C = (1 {int} \\ 3)|symeigen X v = A|cat C = A, B'} ;;
 scalar {a|b} = {exp} ;; local m = {exp} ;; global g {text} ;;
 local l : {type {var}|format {var}|variable label {var}|value label {var}|sortedby|label {lab} {int}|word {int} of {\
 text}|data label|char {var}[note1]|char _dta[]|subinstr global g "{text}" "{text}", all count(local k)|\
@@ -74,6 +77,9 @@ mkdir d{int} ;; set {linesize {int}{int}|type {float|double|byte}|rmsg {on|off}|
 int}{int}|trace {off|on}|matsize {int}0|adosize {int}0|dp {comma|period}|pagesize {int}|linegap {int}|varlabelpos {\
 int}|virtual {on|off}|debug off|more off} ;;
 {byp} simple {vars}{if}{in}{w}{|, fail({0|459|2000})|, level({int})|, bad} ;;
+guess {num} {num}{if} ;; display _b[{num}] e(sample) e(N) ;; matrix {makeCns|dispCns|list e(V)} ;;
+estimates {list|dir|clear|display|display, eform(x) plus|hold h{int}{|, copy|, restore}|unhold h{int}|drop h{int}} ;;
+constraint {define {int} {num} = {int}*{num}|define {int} {text}|list|drop {int}/{int}|drop _all} ;;
 {byp} ranks {vars}{if}{in}{|, fail(459)} ;; {byp} group {vars}{if}{in}{w} ;; nest {int}{int} ;; lone ;;
 return drop _all ;; capture noisily {error {codes}|regress x|xyz|exit {3|9}|merge|use|by|list nosuch|egen|drop} ;;
 quietly noisily capture {list|count} {if} ;; label save{| {lab}} using lab{int}.do, replace ;; tempvar q r ;; `l' ;;
@@ -157,7 +163,10 @@ program define inner ;; gettoken colon 0 : 0, parse(":") ;; while `"`0'"' != "" 
 program define change, byable(recall) ;; syntax [varlist] [if] [in] ;; marksample use, novarlist ;;
   foreach v of local varlist { ;; capture confirm string variable `v' ;;
   if _rc { quietly replace `v' = `v' * 2 + 1 if `use' } ;; else { quietly replace `v' = "x" + `v' if `use' } ;; } ;;
-  quietly drop if `use' & mod(_n, 7) == 3 ;; end""")
+  quietly drop if `use' & mod(_n, 7) == 3 ;; end ;;
+program define guess, eclass ;; syntax varlist [if] ;; marksample use ;; tempname b V ;; matrix `b' = (1,.5,2) ;;
+  matrix `V' = I(3)*4 ;; matrix colnames `b' = `varlist' _cons ;; matrix colnames `V' = `varlist' _cons ;;
+  matrix rownames `V' = `varlist' _cons ;; estimates post `b' `V', esample(`use') obs(5) dof(3) ;; end""")
 
 class fault(Exception): pass
 

@@ -1,5 +1,5 @@
-// The coefficient table, which every estimator prints, and the header that those of maximum likelihood print ahead of it.
-// Both take all they show as a value. `postedtable` fills one from the posted estimates.
+// The coefficient table, which every estimator prints, and the header that those of maximum likelihood print ahead of
+// it. Both take all they show as a value. `postedtable` fills one from the posted estimates.
 #pragma once
 #include <string>
 #include <vector>
@@ -11,7 +11,7 @@ struct coefrow {
     axisname name;
     Double b, se;
     Double beta = missing;        // the standardised coefficient, when the table shows those
-    boolean ancillary = false;    // a parameter that is no coefficient: all such rows stand last, under a line of their own
+    boolean ancillary = false;    // a parameter that is no coefficient: such rows stand last, under a line of their own
 };
 
 struct coeftable {
@@ -27,11 +27,11 @@ struct coeftable {
     boolean first = false;        // the first equation alone
     Int4 neq = 0;                 // that many equations, 0 all
     boolean plus = false;         // the table stays open for rows that follow
-    std::string offset, exposure; // a variable with a coefficient of 1: a row behind the (first equation's) coefficients
+    std::string offset, exposure; // a variable with a coefficient of 1: a row behind those of the first equation
 };
 
 Int4 printcoeftable(const coeftable& t);      // 0 or 1
-// The estimates as the Part of a command that displays them needs: 0; 301, 908, 909 (printed).
+// The posted estimates, as they are shown again: 0 or 301 (printed).
 Int4 postedtable(coeftable& t);
 
 struct mlheader {

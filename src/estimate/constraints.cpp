@@ -8,12 +8,13 @@
 #include "base/text.h"
 #include "core/objects.h"
 #include "core/tokenizer.h"
-#include "expr/value.h"
+#include "expr/matrixread.h"
 #include "language/numlist.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
 #include "output/formats.h"
 #include "stored/posted.h"
+#include "stored/scalars.h"
 
 namespace velmo {
 
@@ -96,12 +97,30 @@ std::size_t closing(std::string_view text, std::size_t open) {
     return text.size();
 }
 
-// What is neither a coefficient nor an operator: a number, a function of numbers, a scalar.
-Int4 readvalue(std::string_view text, constraintrow& out) {
-    textvalue value;
-    if (Int4 rc = exp_valueof(text, mode_num, value)) return rc;
-    if (value.number == missing) return error(131);
-    out.back() = value.number;
+// A function of numbers; of variables or coefficients it isn't linear.
+Int4 readfunction(std::string_view text, constraintrow& out) {
+    elsewhere cursor(text);
+    Double value = missing;
+    {
+        saved<UByte> quiet(quietlevel, shows_nothing);
+        if (numberhere(value) || tokpeeknonblank()) value = missing;
+    }
+    out.back() = value;
+    return value == missing ? error(131) : 0;
+}
+
+// A coefficient, else a number that the user has named so.
+Int4 readcoefficient(std::string_view eq, std::string_view name, constraintrow& out) {
+    Int4 at;
+    Double value;
+    std::string text;
+    {
+        saved<UByte> quiet(quietlevel, shows_nothing);
+        if (!findcoefficient(eq, name, at)) return put(out, at);
+    }
+    if (!eq.empty() || scalarget(name, value, text) != scalar_number) return findcoefficient(eq, name, at);
+    if (value == missing) return error(131);
+    out.back() = value;
     return 0;
 }
 
@@ -110,7 +129,6 @@ boolean isend(char c) { return std::strchr(" +-*/()[]=,", c) != nullptr; }
 // A name, behind [eq] or not: _b[name] or name.
 Int4 readname(reader& r, constraintrow& out) {
     std::string_view eq;
-    Int4 at;
     if (r.next() == '[') {
         std::size_t close = closing(r.text, r.at);
         if (close == r.text.size()) return error(198);
@@ -132,10 +150,9 @@ Int4 readname(reader& r, constraintrow& out) {
         std::size_t close = closing(r.text, r.at);
         if (close == r.text.size()) return error(198);
         r.at = close + 1;
-        return readvalue(r.text.substr(begin, r.at - begin), out);
+        return readfunction(r.text.substr(begin, r.at - begin), out);
     }
-    if (Int4 rc = findcoefficient(eq, name, at)) return rc;
-    return put(out, at);
+    return readcoefficient(eq, name, out);
 }
 
 // A number with its exponent, whose sign is no operator.

@@ -15,7 +15,8 @@ namespace velmo {
 // A number for each coefficient, and the constant last.
 using constraintrow = std::vector<Double>;
 
-// The rows of a text behind those that are there. 0; 301 without estimates, 111 for names, 131 for what isn't linear, 198.
+// The rows of a text behind those that are there. 0; 301 without estimates, 111 for names, 131 for what isn't linear,
+// 198: printed.
 Int4 buildconstraints(std::string_view text, std::vector<constraintrow>& rows);
 // "x - z = 0", by the names of the coefficients.
 std::string constrainttext(const Double* row);

@@ -1,6 +1,7 @@
 #include "matrix/products.h"
 #include <algorithm>
 #include "base/poll.h"
+#include "matrix/lanes.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -16,14 +17,41 @@ void packpanel(const Double* B, Double* panel, Int4 inner, Int4 cols, Int4 j) {
         for (Int4 c = 0; c < tile; c++) panel[c] = c < width ? B[std::size_t(k) * std::size_t(cols) + std::size_t(j + c)] : 0;
 }
 
-template <Int4 rows> void tilesums(const Double* A, const Double* panel, Int4 inner, Double (&sum)[tile][tile]) {
-    Double s[rows][tile] = {};
-    for (Int4 k = 0; k < inner; k++, panel += tile)
-        for (Int4 r = 0; r < rows; r++) {
-            Double a = A[std::size_t(r) * std::size_t(inner) + std::size_t(k)];
-            for (Int4 c = 0; c < tile; c++) s[r][c] += a * panel[c];
-        }
-    for (Int4 r = 0; r < rows; r++) std::copy_n(s[r], tile, sum[r]);
+// Two sums to a register, each in its own lane; a row's two registers.
+struct rowsums {
+    pair2 low = {0, 0}, high = {0, 0};
+    void add(Double a, pair2 left, pair2 right) {
+        pair2 aa = {a, a};
+        low += aa * left;
+        high += aa * right;
+    }
+    void store(Double* to) const {
+        storepair(to, low);
+        storepair(to + 2, high);
+    }
+};
+
+// Four rows of A, then one. Written out: sums in an array would lie in memory.
+void foursums(const Double* A, const Double* panel, Int4 inner, Double (&sum)[tile][tile]) {
+    const Double *a0 = A, *a1 = a0 + inner, *a2 = a1 + inner, *a3 = a2 + inner;
+    rowsums s0, s1, s2, s3;
+    for (Int4 k = 0; k < inner; k++, panel += tile) {
+        pair2 left = loadpair(panel), right = loadpair(panel + 2);
+        s0.add(a0[k], left, right);
+        s1.add(a1[k], left, right);
+        s2.add(a2[k], left, right);
+        s3.add(a3[k], left, right);
+    }
+    s0.store(sum[0]);
+    s1.store(sum[1]);
+    s2.store(sum[2]);
+    s3.store(sum[3]);
+}
+
+void onesum(const Double* A, const Double* panel, Int4 inner, Double (&sum)[tile][tile]) {
+    rowsums s;
+    for (Int4 k = 0; k < inner; k++, panel += tile) s.add(A[k], loadpair(panel), loadpair(panel + 2));
+    s.store(sum[0]);
 }
 
 void panelproduct(const Double* A, const Double* panel, Double* C, Int4 n, Int4 inner, Int4 cols, Int4 j) {
@@ -32,8 +60,8 @@ void panelproduct(const Double* A, const Double* panel, Double* C, Int4 n, Int4 
     for (Int4 i = 0; i < n;) {
         Int4 rows = n - i >= tile ? tile : 1;
         const Double* from = A + std::size_t(i) * std::size_t(inner);
-        if (rows == tile) tilesums<tile>(from, panel, inner, sum);
-        else tilesums<1>(from, panel, inner, sum);
+        if (rows == tile) foursums(from, panel, inner, sum);
+        else onesum(from, panel, inner, sum);
         for (Int4 r = 0; r < rows; r++, i++)
             std::copy_n(sum[r], width, C + std::size_t(i) * std::size_t(cols) + std::size_t(j));
     }

@@ -193,9 +193,31 @@ void stored_clear(family f) {
     endbatch();
 }
 
+namespace {
+
+// A copy of a matrix under the same name. 0 or 950, with nothing left of it.
+Int4 copymatrix(family from, family to, std::string_view name) {
+    Int4 old = family_type(from, result_matrix), now = family_type(to, result_matrix);
+    for (Int4 i = 0; i < objectsof(result_matrix); i++) {
+        object* o = objfind(name, old + i);
+        if (!o) continue;
+        std::vector<UByte> bytes(o->data(), o->data() + o->datalen);
+        if (Int4 rc = objput(name, now + i, bytes.data(), bytes.size())) {
+            dropkind(now, result_matrix, name);
+            return rc;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
 Int4 stored_add(family from, family to) {
     Double value, there;
     std::string text, texthere;
+    for (const std::string& name : stored_names(from, result_matrix))
+        if (stored_get(to, name, there, texthere) == result_none)
+            if (Int4 rc = copymatrix(from, to, name)) return rc;
     for (resultkind kind : {result_scalar, result_macro})
         for (const std::string& name : stored_names(from, kind)) {
             if (stored_get(to, name, there, texthere) != result_none || stored_get(from, name, value, text) != kind)

@@ -41,7 +41,7 @@ resultkind stored_get(family f, std::string_view name, Double& value, std::strin
 boolean stored_drop(family f, std::string_view name);           // all that has the name; false when there is none
 std::vector<std::string> stored_names(family f, resultkind kind);      // in the order posted
 void stored_clear(family f);
-// Posts what is in `from` under names that `to` has not, scalars and macros. 0 or 950 (printed).
+// Posts what is in `from` under names that `to` has not. 0 or 950 (printed).
 Int4 stored_add(family from, family to);
 // Moves a matrix, without copying, under a name that may be taken in its new family; false when there is none.
 boolean stored_movematrix(family from, std::string_view name, family to, std::string_view newname);

@@ -107,7 +107,6 @@ Int4 postedmatrix(std::string_view name, matrix& m) {
     if (k && std::size_t(m.cols) >= k) std::copy(names.begin(), names.end(), m.colnames.begin());
     if (std::size_t(m.cols) == k + 1) m.colnames[k] = makeaxisname("", "", "constant");
     if (k > 1 && std::size_t(m.rows) == k && m.cols == m.rows) m.rownames = m.colnames;
-    if (name == "_b") m.rownames[0] = makeaxisname("", "", "y1");
     if (name == "VCE") {
         m.rownames = m.colnames;
         if (r.scale != 1)
@@ -183,8 +182,8 @@ Int4 findcoefficient(std::string_view eq, std::string_view text, Int4& at) {
 
 // ---- The sample.
 
-Int4 checksample(std::string_view name, Int4& var) {
-    var = lookupvar(name, lookup_ref);
+Int4 checksample(std::string& name) {
+    Int4 var = lookupvar(name, lookup_ref);
     if (var < 0) return -var;
     if (isstring(var)) return error(471);
     column values(var);
@@ -192,16 +191,14 @@ Int4 checksample(std::string_view name, Int4& var) {
         Double x = values.get(obs);
         if (x != 0 && x != 1) return error(471);
     }
-    return 0;
+    name = varlist[var - 1];
+    Int4 rc = typ[var - 1] == typebyte ? 0 : changetype(var, typebyte);
+    return rc ? error(rc) : 0;
 }
 
-Int4 posted_sample(Int4 var) {
-    if (typ[var - 1] != typebyte)
-        if (Int4 rc = changetype(var, typebyte)) return error(rc);
-    if (Int4 old = findvar("(e)")) {
-        dropworkvar(old);
-        var -= old < var;
-    }
+void posted_sample(std::string_view name) {
+    if (Int4 old = findvar("(e)")) dropworkvar(old);
+    Int4 var = findvar(name);
     markchanged(var);
     setsortnone(&var, 1);
     putvarlabel(varlist[var - 1], "");
@@ -209,7 +206,7 @@ Int4 posted_sample(Int4 var) {
     lbl[var - 1][0] = 0;
     copytext(varlist[var - 1], namesize, "(e)");
     namesmoved();
-    return movevar(var, nvar, nullptr, 0);
+    movevar(var, nvar, nullptr, 0);
 }
 
 }  // namespace velmo

@@ -56,9 +56,10 @@ Int4 findcoefficient(std::string_view eq, std::string_view name, Int4& at);
 // The equation of that name, or of # and its number: 0 or 111 (printed).
 Int4 findequation(std::string_view eq, std::string& name);
 
-// The sample: whether a variable may be one (0; 111, 471 printed), and making it that, after the checks.
-Int4 checksample(std::string_view name, Int4& var);
-Int4 posted_sample(Int4 var);                    // 0, 901, 903: printed
+// The sample: whether a variable may be one, which is then a byte and whose name is whole: 0; 111, 471, 901, 903
+// (printed). And making it that, which can't fail.
+Int4 checksample(std::string& name);
+void posted_sample(std::string_view name);
 
 // Estimates put by: hold (0; 110, 301, 900, 902, 950, 1000), and taking them back (0, 111): printed. At most one at a
 // level is `automatic`: it comes back when the level ends.

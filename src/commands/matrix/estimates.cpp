@@ -37,7 +37,6 @@ struct posting {
     boolean clear = true;
     Double n = 1000000, df = -1;           // which mean that there is none
     std::string depname, sample;
-    Int4 samplevar = 0;
 };
 constexpr Double unsetobs = 1000000, unsetdf = -1;
 
@@ -83,7 +82,7 @@ Int4 checkposting(posting& p) {
     if (p.names.size() > 2 && p.C.cols != p.V.cols + 1) return error(503);
     if (!alike(p.V.rownames, p.b.colnames) || !alike(p.V.colnames, p.b.colnames)) return error(503);
     if (Int4 rc = checksymmetric(p.V)) return rc;
-    return p.sample.empty() ? 0 : checksample(p.sample, p.samplevar);
+    return p.sample.empty() ? 0 : checksample(p.sample);
 }
 
 // What the estimates are, beside the matrices. 0 or 950, with e() empty.
@@ -109,7 +108,8 @@ Int4 post() {
     }
     static constexpr const char* as[] = {"_b", "VCE", "Cns"};
     for (std::size_t i = 0; i < p.names.size(); i++) posted_take(p.names[i], as[i]);
-    return p.samplevar ? posted_sample(p.samplevar) : 0;
+    if (!p.sample.empty()) posted_sample(p.sample);
+    return 0;
 }
 
 // [b = name] [V = name]
@@ -117,7 +117,6 @@ Int4 repost() {
     if (!inprogram || programclass != class_e) return error(152);
     std::string names[2], sample;
     matrix m;
-    Int4 samplevar = 0;
     while (tokpeeknonblank() && tokpeeknonblank() != ',') {
         std::string what = nexttoken(), sign = nexttoken(), name = nexttoken();
         std::string& place = names[what == "V"];
@@ -138,7 +137,7 @@ Int4 repost() {
         if (Int4 rc = i == 1 ? checksymmetric(m) : 0) return rc;
     }
     if (!sample.empty())
-        if (Int4 rc = checksample(sample, samplevar)) return rc;
+        if (Int4 rc = checksample(sample)) return rc;
     if (!names[0].empty()) posted_take(names[0], "_b");
     if (!names[1].empty()) {
         posted_take(names[1], "VCE");
@@ -147,7 +146,8 @@ Int4 repost() {
         r.scale = 1;
         objwrite(objfind("gamma", obj_estimate), 0, &r, sizeof r);
     }
-    return samplevar ? posted_sample(samplevar) : 0;
+    if (!sample.empty()) posted_sample(sample);
+    return 0;
 }
 
 Int4 display() {

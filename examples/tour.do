@@ -16,8 +16,14 @@ generate spread = max(y1, y2, y3, y4) - min(y1, y2, y3, y4)
 label variable spread "Largest less smallest of the four answers"
 list x1 y1-y4 spread if spread > 3
 
+* The line of least squares by hand: the published one is y = 3.00 + 0.500 x, for all four pairs
+matrix accum M = y1 x1
+matrix b = syminv(M[2..., 2...]) * M[2..., 1]
+matrix list b
+assert reldif(b[1,1], .5000909) < 1e-7 & reldif(b[2,1], 3.0000909) < 1e-7
+
 * ---- Longley (1967): the American economy, 1947 to 1962
-insheet using longley.csv, comma clear
+insheet using longley.csv, comma double clear
 label data "Longley's economic data, 1947-1962"
 label variable gnp "Gross national product"
 label variable deflator "GNP implicit price deflator"
@@ -30,6 +36,15 @@ label variable rate "Unemployment rate, percent"
 format rate %6.2f
 summarize rate, detail format
 assert r(N) == 16
+* Least squares on six variables, which are nearly collinear: the deviations from the means keep the digits of the
+* certified coefficients
+matrix accum M = employed deflator gnp unemployed armedforces population year, noconstant deviations
+matrix b = syminv(M[2..., 2...]) * M[2..., 1]
+matrix list b, format(%12.0g)
+assert reldif(b[3,1], -2.02022980381683) < 1e-10 & reldif(b[6,1], 1829.15146461355) < 1e-10
+corrmatrix employed-year
+matrix list r(C), format(%6.3f)
+
 replace armedforces = . if armedforces < 1600
 list year armedforces rate if armedforces == . | rate > 6
 

@@ -46,7 +46,6 @@ extern UByte set_beep, set_graphics, set_virtual, set_getsockopt, set_checksum, 
 extern UByte set_plot, set_rssmat, set_bmat, set_override, set_httpproxy, set_httpproxyauth;
 extern Int4 set_textsize, set_varlabelpos, set_scrollbufsize, set_entries;
 extern Int4 set_timeout1, set_timeout2, set_httpproxyport;
-extern Double set_tol;
 extern char set_cmdtitle[256], set_httpproxyhost[256], set_httpproxyuser[256], set_httpproxypw[256];
 
 }  // namespace velmo

@@ -5,6 +5,7 @@
 #include "data/run.h"
 #include "expr/arithmetic.h"
 #include "expr/bodies.h"
+#include "stored/families.h"
 
 namespace velmo {
 
@@ -123,7 +124,10 @@ Double groupnum(Double n, Int4 obs) {
     return std::floor((Double(obs) - firstobs) * (n - 0.000001) / (Double(lastobs) - firstobs) + 1);
 }
 
-Double oldresult(Double k) { return k >= 0 && k <= 20 ? 0 : missing; }
+Double oldresult(Double k) {
+    if (!(k >= 0 && k <= 20)) return missing;
+    return k < 1 ? 0 : rscalar(Int4(k));
+}
 
 Double replaying() {
     const char* text = macroget("_0");

@@ -5,7 +5,9 @@
 #include <vector>
 #include "base/memalloc.h"
 #include "base/poll.h"
+#include "core/settings.h"
 #include "matrix/lanes.h"
+#include "output/print.h"
 
 namespace velmo {
 
@@ -65,6 +67,13 @@ Int4 nextpivot(const sweeping& s, Int4 first, Int4 last, Int4 heldback, const st
     return best < 0 ? heldback : best;
 }
 
+// Under `set debug on`: the diagonal and its tolerances.
+void showsweep(const char* label, const sweeping& s, Int4 first, Int4 last, const std::vector<Double>& tolerance) {
+    if (!set_debug) return;
+    prttextf("%s\n", label);
+    for (Int4 i = first; i <= last; i++) prttextf("*%2d %12.5e %12.5e\n", i, s.a[i][i], tolerance[std::size_t(i)]);
+}
+
 }  // namespace
 
 Int4 matrin(Double* M, Int4 stride, Int4 n, Int4 first, Int4 last, const Int4* forced, Int4 nforced, Int4 heldback,
@@ -77,6 +86,7 @@ Int4 matrin(Double* M, Int4 stride, Int4 n, Int4 first, Int4 last, const Int4* f
         if (d < 0) d = 0;
         tolerance[std::size_t(i)] = d == 0 ? sweeptolerance : std::max(sweeptolerance * d, sweepfloor);
     }
+    showsweep("matrin input", s, first, last, tolerance);
     for (Int4 step = 0; step <= last - first; step++) {
         Int4 k = step < nforced ? forced[step] : nextpivot(s, first, last, heldback, done);
         done[std::size_t(k)] = 1;
@@ -86,6 +96,7 @@ Int4 matrin(Double* M, Int4 stride, Int4 n, Int4 first, Int4 last, const Int4* f
     }
     for (Int4 i = 0; i < n; i++)
         for (Int4 j = 0; j < i; j++) s.a[i][j] = s.a[j][i];
+    showsweep("matrin output", s, first, last, tolerance);
     return 0;
 }
 

@@ -1,5 +1,6 @@
-// Numerical kernels on square or rectangular buffers of doubles, row by row, `stride` doubles a row. They print nothing
-// and know no names; each returns 0 or a code that its caller prints, or 1 on a Break.
+// Numerical kernels on square or rectangular buffers of doubles, row by row, `stride` doubles a row. They know no names
+// and print nothing, but for the sweep under `set debug on`; each returns 0 or a code that its caller prints, or 1 on a
+// Break.
 #pragma once
 #include "base/types.h"
 

@@ -84,6 +84,8 @@ boolean dropkind(Int4 type, resultkind kind, std::string_view name) {
 
 }  // namespace
 
+Double rscalar(Int4 k) { return k >= 1 && k <= rscalars.n ? rscalars.at[k - 1].value : missing; }
+
 boolean family_find(std::string_view word, family& f) {
     for (const row& r : rows)
         if (r.word && word == r.word) {

@@ -46,6 +46,8 @@ Int4 stored_add(family from, family to);
 // Moves a matrix, without copying, under a name that may be taken in its new family; false when there is none.
 boolean stored_movematrix(family from, std::string_view name, family to, std::string_view newname);
 
+// The kth scalar of r(), from 1, in the order posted: missing where there is none.
+Double rscalar(Int4 k);
 // r(), as commands post it.
 inline void rclear() { stored_clear(r_results); }
 inline void rstore(std::string_view name, Double value) { stored_put(r_results, name, value); }

@@ -15,6 +15,7 @@
 #include "data/run.h"
 #include "data/sorting.h"
 #include "language/options.h"
+#include "matrix/kernels.h"
 #include "matrix/random.h"
 #include "output/errors.h"
 #include "output/formats.h"
@@ -93,11 +94,11 @@ Int4 setting_network() {
 
 // ---- Own handlers.
 
-Int4 setting_tol() { return readreal(set_tol); }
+Int4 setting_tol() { return readreal(sweeptolerance); }
 
 std::string shown_tol() {
     char text[40];
-    std::snprintf(text, sizeof text, "%g", set_tol);
+    std::snprintf(text, sizeof text, "%g", sweeptolerance);
     return text;
 }
 

@@ -22,7 +22,8 @@ def session(program, lines, folder):
     return run.stdout + run.stderr
 
 def unmarked(text):
-    for name, char in (("-(", "{"), (")-", "}"), ("'g", "`"), ("S|", "$")): text = re.sub(r"\{c(har)? " + re.escape(name) + r"\}", char, text)
+    for name, char in (("-(", "{"), (")-", "}"), ("'g", "`"), ("S|", "$")):
+        text = re.sub(r"\{c(har)? " + re.escape(name) + r"\}", char, text)
     return text
 
 def sections(text):
@@ -63,9 +64,10 @@ def compareoptions(page, told, asked, also={}):
     for word, least in asked.items():
         match = next((w for w in (word, "no" + word, word.removeprefix("no")) if w in told), None)
         if match is None: fault(page, f"option {word} is missing")
-        elif match == word and told[word] != least: fault(page, f"option {word}: {told[word]} characters told, {least} asked")
+        elif match == word and told[word] != least: fault(page, f"option {word}: {told[word]} told, {least} asked")
     for word in told:
-        if not {word, "no" + word, word.removeprefix("no")} & {*asked, *also}: fault(page, f"option {word} is not asked for")
+        if not {word, "no" + word, word.removeprefix("no")} & {*asked, *also}:
+            fault(page, f"option {word} is not asked for")
 
 def examples(page):
     """[commands, how they end]: a list of lines each, a code or None for what does not run."""
@@ -91,13 +93,15 @@ def runexamples(program, name, page):
         if codes[-1] != told[int(i)][1]: fault(name, f"{told[int(i)][0][0]} ends with {codes[-1]}")
     if "\n@@ end\n" not in output: fault(name, "its examples do not end")
     asked = {}
-    for word, option, least in re.findall(r"^(\w+) (\w+) (\d+)(?: \(\))?$", output.partition("\n@@ end\n")[2], flags=re.M):
+    behind = output.partition("\n@@ end\n")[2]
+    for word, option, least in re.findall(r"^(\w+) (\w+) (\d+)(?: \(\))?$", behind, flags=re.M):
         asked.setdefault(word, {})[option] = int(least) if 0 < int(least) < len(option) else None
     return asked
 
 def rows():
     """Built commands with their fewest characters, and the pages that others are told of on."""
-    commands = {w: int(n) for w, n in re.findall(r"^CMD\((\w+), (\d+)", read(TOP + "/src/core/commands.def"), flags=re.M)}
+    table = read(TOP + "/src/core/commands.def")
+    commands = {w: int(n) for w, n in re.findall(r"^CMD\((\w+), (\d+)", table, flags=re.M)}
     source = read(TOP + "/src/core/helppages.cpp")
     shared = dict(re.findall(r'\{"(\w+)", "(\w+)"\}', source.partition("shared[]")[2].partition("};")[0]))
     return commands, shared
@@ -105,7 +109,8 @@ def rows():
 def entriesneeded():
     """What the pages of entries must have."""
     def words(file, pattern): return re.findall(pattern, read(TOP + "/src/" + file), flags=re.M)
-    functions = words("expr/functions.def", r'^FUNCTION\("(\w+)"') + words("expr/compilefunctions.cpp", r'\{"(\w+)", (?:compile|")')
+    functions = words("expr/functions.def", r'^FUNCTION\("(\w+)"')
+    functions += words("expr/compilefunctions.cpp", r'\{"(\w+)", (?:compile|")')
     functions += words("expr/compilematrix.cpp", r'\{"(\w+)", (?:cw_|compile)')
     yield from (word + "()" for word in functions)
     yield from ("set " + word for word in words("session/settings.def", r"^[A-Z]+\((\w+),"))
@@ -129,22 +134,25 @@ def checkpage(program, name, page, commands, shared):
             elif told[word] != least: fault(name, f"{word}: {told[word]} characters told, {least} in the table")
         compareoptions(name, optionsof(page), {o: n for w in mine for o, n in asked.get(w, {}).items()})
     elif os.path.exists(ado := f"{BASE}/{name[0]}/{name}.ado"):
-        also = {} if name != "egen" else {o: n for f in glob.glob(BASE + "/_/_g*.ado") for o, n in adooptions(f).items()}
-        compareoptions(name, optionsof(page), adooptions(ado), also)
+        functions = glob.glob(BASE + "/_/_g*.ado") if name == "egen" else []
+        compareoptions(name, optionsof(page), adooptions(ado), {o for f in functions for o in adooptions(f)})
 
 def checkshown(program, pages):
     """What is seen: no braces of directives that failed, and links that lead somewhere."""
     folder = tempfile.mkdtemp()
     targets = sorted({t.strip('"') for p in pages.values() for t in re.findall(r"\{(?:help|search) ([^:{}]+)[:}]", p)})
     names = sorted(pages)
-    output = session(program, ["set more off"] + [line for n in names for line in (f'display "@@ {n}"', "help " + n)]
-                     + [line for t in targets for line in (f"capture HELPCHK {t}", 'display "@@ " _rc')] + ['display "@@ end"'], folder)
+    lines = ["set more off"] + [line for n in names for line in (f'display "@@ {n}"', "help " + n)]
+    lines += [line for t in targets for line in (f"capture HELPCHK {t}", 'display "@@ " _rc')]
+    output = session(program, lines + ['display "@@ end"'], folder)
     shown = re.findall(r"^@@ ([^\n]*)\n(.*?)(?=^@@ )", output, flags=re.M | re.S)
     for name, text in shown[:len(names)]:
         escaped = len(re.findall(r"\{c(?:har)? (?:-\(|\)-|123|125)\}", pages[name]))
-        if len(re.findall("[{}]", text.replace("{vtml}", ""))) > escaped: fault(name, "shows braces: " + " | ".join(l for l in text.split("\n") if "{" in l or "}" in l)[:300])
+        if len(re.findall("[{}]", text.replace("{vtml}", ""))) > escaped:
+            fault(name, "shows braces: " + " | ".join(l for l in text.split("\n") if "{" in l or "}" in l)[:300])
     for target, (code, _) in zip(targets, shown[len(names):]):
-        if code != "0": fault(", ".join(n for n in names if re.search(r"\{(help|search) \"?" + re.escape(target) + r"\"?[:}]", pages[n])), f"{target} leads nowhere")
+        link = r"\{(help|search) \"?" + re.escape(target) + r"\"?[:}]"
+        if code != "0": fault(", ".join(n for n in names if re.search(link, pages[n])), f"{target} leads nowhere")
     shutil.rmtree(folder)
 
 def main():
@@ -157,9 +165,12 @@ def main():
     if not only:
         for word in {*commands, *ados} - {*pages}:
             if shared.get(word) not in pages: fault(word, "has no page")
-        linked = set(re.findall(r"\{help (\w+)[:}]", "".join(p for n, p in pages.items() if n == "velmo" or "{* index}" in p)))
-        for name in {*pages} - {*commands} - ados - linked - {"velmo"}: fault(name, "is neither a command's page nor on a page of contents")
-        entries = {e.strip() for p in pages.values() for line in re.findall(r"^\{\* entry: ([^}]*)\}", p, flags=re.M) for e in line.split(", ")}
+        contents = "".join(p for n, p in pages.items() if n == "velmo" or "{* index}" in p)
+        linked = set(re.findall(r"\{help (\w+)[:}]", contents))
+        for name in {*pages} - {*commands} - ados - linked - {"velmo"}:
+            fault(name, "is neither a command's page nor on a page of contents")
+        lines = re.findall(r"^\{\* entry: ([^}]*)\}", "\n".join(pages.values()), flags=re.M)
+        entries = {entry.strip() for line in lines for entry in line.split(", ")}
         for entry in entriesneeded():
             if entry not in entries: fault(entry, "has no entry")
     checkshown(program, {n: p for n, p in pages.items() if not only or n in only})

@@ -42,7 +42,8 @@ matrix accum A = {vars}{if}{in}{w}{|, noconstant|, deviations means(M)} ;; matri
 matrix opaccum A = {num}, group({var}) opvar({num}) ;; matrix symeigen X v = A ;; matrix svd X v Y = A ;;
 matrix glsaccum A = {num}{w}, group({var}) glsmat({A|X|{str}}) row({num}) ;; pairwise {vars}{if}{w}{|, obs sig sidak} ;;
 _pctile {num}{if}{w}{|, nq({int}) altdef|, p({int} {int}{int})} ;; corrmatrix {vars}{if}{w} ;;
-matfrom {vars}{if}{in}, to(A){| missing} ;; list {vars}{if}{in}{, nolabel|, noobs|, display|, nodisplay doublespace|, noheader|} ;; {byp} list {vars}{if} ;;
+matfrom {vars}{if}{in}, to(A){| missing} ;;
+list {vars}{if}{in}{, nolabel|, noobs|, display|, nodisplay doublespace|, noheader|} ;; {byp} list {vars}{if} ;;
 describe{| {vars}|, short|, detail|, numbers|, fullnames} ;; describe using {file}{|, short} ;;
 inspect {vars}{if}{in} ;; codebook {vars}{if}{|, tabulate({int})|, notes} ;; {byp} count{if}{in} ;;
 assert {cond}{if}{|, rc0} ;; {byp} assert {cond} ;;
@@ -50,13 +51,15 @@ display {exp} " " {sexp} " " %{format} {num}[{int}] _skip({int}) _dup({int}) "{t
 display {num}[_n+{int}]{| , _newline({int}) _col({int})} _quote "{text}" ;; lookfor {text} ;;
 duplicates {report|list|examples} {vars}{if}{in} ;; notes{| {var}| list {vars}} ;; label list{| {lab}} ;; label dir ;;
 char list{| {var}[]} ;; memory ;; query ;; macro list ;; scalar list ;; return list ;; sreturn list ;;
-help {summarize|{text}|log(|x()|#{int}|r({codes})|set {text}|label {text}|\\||} ;; HELPCHK {text} ;; search r({codes}) ;;
+help {summarize|{text}|log(|x()|#{int}|r({codes})|set {text}|label {text}|\\||} ;; HELPCHK {text} ;;
+search r({codes}) ;;
 dir{| *.dta| *.raw} ;; program dir ;; program list {simple|ranks|group|nest|after} ;;
 which {egen|list|simple|nothing|_gmean} ;; about ;; sysdir{| list| set PERSONAL "x y"} ;; adopath ;; pwd ;; discard ;;
 type t{int}.raw ;; numlist "{int}/{int} {int}({int}){int}"{|, sort|, integer descending|, range(>0)} ;;
 confirm {variable|numeric variable|new variable|file|number|integer number} {var|new|int|file|x} ;;
 parse "{text}", parse("{text}") ;; debug {memory|sizes|basics|term|map|retvals|os} ;; showpoint ;;
-matrix {A|B|C} = {A|B*A|A'|(1,2\\3,{int})|I({int})|J(2,{int},{num}[1])|A#B|inv(A)|syminv(B)|A[1..{int},2...]|A,B|B\\A|{int}*A} ;;
+matrix {A|B|C} = {A|B*A|A'|(1,2\\3,{int})|I({int})|J(2,{int},{num}[1])|A#B|inv(A)|syminv(B)|\
+A[1..{int},2...]|A,B|B\\A|{int}*A} ;;
 matrix {list|dir|list A, nohalf|drop A|rename A B, replace|coleq A = e f|rownames B = x {var}|accum A = {vars}{if}} ;;
 matrix {A[{int},{int}] = {int}|score a = B, replace|input C = (1 {int} \\ 3)|symeigen X v = A|cat C = A, B'} ;;
 scalar {a|b} = {exp} ;; local m = {exp} ;; global g {text} ;;
@@ -125,7 +128,8 @@ save {file}, replace{| old| nolabel| all| midscale} ;; use {file}, clear{| nolab
 use {vars} using {file}{if}{in}, clear ;; use {file} ;; preserve ;; restore{|, preserve|, not} ;;
 set maxvar {2047|2100|3000|5000|9000} ;; set memory {int}m ;; discard ;; clear"""),
 ("loose", r"""expand min(5, {model}){if} ;;
-matto A{|, names({new} {new})|, replace} ;; insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
+matto A{|, names({new} {new})|, replace} ;;
+insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
 infile {str9 {new} {new}|{new}-{new}|{new} {new}|byte {new}:{lab} str3 {new}} using t{int}.raw{if}{in}, clear{|\
  automatic| byvariable({int})} ;; infix {new} 1-{int} str {new} 3-9 using t{int}.raw{if}{in}, clear ;;
 infile using t{int}.raw, clear ;; infix using t{int}.raw{in}, clear ;;

@@ -3,8 +3,8 @@
 // varlist, typ, mapi, fmt, lbl are parallel and indexed by v - 1; srt holds the variable numbers of the sort key with a
 // zero behind. A variable's label, characteristics and notes are objects keyed by its name.
 //
-// Names that bypass the checks of addvar: `_delete`, a scratch variable, and `(e)` and its like, the byte variables that
-// mark estimation samples, found by exact name only and dropped when every other variable is.
+// Names that bypass the checks of addvar: `_delete`, a scratch variable, and `(e)` and its like, the byte variables
+// that mark estimation samples, found by exact name only and dropped when every other variable is.
 #pragma once
 #include <string>
 #include <string_view>

@@ -1,5 +1,6 @@
 // The bodies of the functions: of numbers (mathfunctions.cpp, datefunctions.cpp), and of strings and matrices on the
-// machine's stacks (textfunctions.cpp, matrixwords.cpp, matrixfunctions.cpp). Arguments come first to last. A missing argument gives missing unless said.
+// machine's stacks (textfunctions.cpp, matrixwords.cpp, matrixfunctions.cpp). Arguments come first to last. A missing
+// argument gives missing unless said.
 #pragma once
 #include <cmath>
 #include <string_view>

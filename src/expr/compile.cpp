@@ -220,8 +220,8 @@ boolean compilesystem(std::string_view name, boolean subscript) {
     return false;
 }
 
-// _b[name], _coef[name], _se[name] and the same behind [eq]; [eq]name is a coefficient. A value of the posted estimates,
-// read now; what stands ahead of it tells which coefficient it is, to whoever looks at the code.
+// _b[name], _coef[name], _se[name] and the same behind [eq]; [eq]name is a coefficient. A value of the posted
+// estimates, read now; what stands ahead of it tells which coefficient it is, to whoever looks at the code.
 boolean compilecoefficient(std::string_view name, span s) {
     std::string_view text = spantext(s), eq;
     if (text[0] == '[') {

@@ -275,8 +275,9 @@ void compiletin(const call& c) {
 constexpr struct { const char* name; void (*compile)(const call& c); } specials[] = {
     {"cond", compilecond},         {"string", compilestring},      {"substr", compilesubstr},
     {"abbrev", compileabbrev},     {"sum", compilesum},            {"scalar", compilehidden},
-    {"variable", compilehidden},   {"matrix", compilehidden},      {"r", compileresult},           {"e", compileestimate},
-    {"return", compilereturn},    {"_caller", compilecaller},     {"missing", compilemissing},
+    {"variable", compilehidden},   {"matrix", compilehidden},      {"r", compileresult},
+    {"e", compileestimate},        {"return", compilereturn},      {"_caller", compilecaller},
+    {"missing", compilemissing},
     {"normd", compilenormden},     {"normden", compilenormden},    {"date", compiledate},
     {"daily", compiledate},        {"yearly", compiledate},        {"halfyearly", compiledate},
     {"quarterly", compiledate},    {"monthly", compiledate},       {"weekly", compiledate},

@@ -66,7 +66,8 @@ struct call {
 inline span argument(const call& c, Int4 i) { return cc.arguments[std::size_t(c.from + i)]; }
 Int4 splitarguments(span s);        // adds them to cc.arguments; how many
 
-// Matrices (compilematrix.cpp). An operator on the two entries on top, one of which is a matrix; a transpose of the top.
+// Matrices (compilematrix.cpp). An operator on the two entries on top, one of which is a matrix; a transpose of the
+// top.
 void compilematrixoperator(char op);
 void compiletranspose();
 // A and B joined at a comma or `\` outside brackets, when matrices are; false without one.

@@ -119,7 +119,8 @@ void mat_sweep(machine& m) {
     matrix& a = topmatrix(m);
     Double place = settled(*m.top--);
     if (!needsquare(m, a)) return;
-    if (refused(m, place == missing || hasmissing(a) ? 504 : place < 1 || place >= Double(a.rows) + 1 ? 503 : 0)) return;
+    boolean outside = place < 1 || place >= Double(a.rows) + 1;
+    if (refused(m, place == missing || hasmissing(a) ? 504 : outside ? 503 : 0)) return;
     Int4 k = Int4(place) - 1;
     Double d = a.at(k, k);
     if (refused(m, d == 0 ? 504 : 0)) return;

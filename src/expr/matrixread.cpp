@@ -13,7 +13,8 @@ namespace velmo {
 matrixname readmatrixname(std::string_view text) {
     matrixname n{named_results, text};
     std::size_t open = text.find('(');
-    if (open == text.npos || text.back() != ')' || !family_find(text.substr(0, open), n.f)) return {named_results, text};
+    if (open == text.npos || text.back() != ')' || !family_find(text.substr(0, open), n.f))
+        return {named_results, text};
     n.name = text.substr(open + 1, text.size() - open - 2);
     return n;
 }

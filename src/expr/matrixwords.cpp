@@ -166,7 +166,8 @@ std::vector<axisname> kroneckernames(std::vector<axisname>& a, std::vector<axisn
     placenames(b, letter);
     std::vector<axisname> names;
     for (const axisname& outer : a)
-        for (const axisname& inner : b) names.push_back(makeaxisname(outer.nametext(), inner.optext(), inner.nametext()));
+        for (const axisname& inner : b)
+            names.push_back(makeaxisname(outer.nametext(), inner.optext(), inner.nametext()));
     return names;
 }
 

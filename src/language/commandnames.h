@@ -14,7 +14,8 @@ extern char unknownword[namesize];     // the word of the last typed command tha
 void commandnames(std::string_view beginning, std::vector<std::string>& names);
 
 // Of the candidates at most `most`, those that few single changes (a character more, less, another, two neighbours
-// swapped: Damerau 1964) lead to, the nearest first, then by name; none more than a third of the word away, one at least.
+// swapped: Damerau 1964) lead to, the nearest first, then by name; none more than a third of the word away, one at
+// least.
 std::vector<std::string> nearest(std::string_view word, const std::vector<std::string>& candidates, std::size_t most);
 
 }  // namespace velmo

@@ -29,8 +29,8 @@ Int4 getopt_level(Int4 min, Int4& level);      // level(#), 10 to 99, default th
 // The options as they were typed, for a parser that knows its options only at run time. The texts point into the line.
 struct typedoption { std::string_view word, argument, text; boolean hasargument; };
 std::vector<typedoption> typedoptions();
-// Under `set debug on` all options that commands ask for are noted, as "command option fewest-characters", with "()" for
-// one that has an argument: for checks of what is written about them.
+// Under `set debug on` all options that commands ask for are noted, as "command option fewest-characters", with "()"
+// for one that has an argument: for checks of what is written about them.
 const std::set<std::string>& optionsasked();
 void getopt_again();              // no option is consumed: the same line is obeyed for another group
 // Reports the first option not consumed: "x invalid" or "x(...) invalid", 198.

@@ -10,9 +10,9 @@ namespace velmo {
 extern Double sweepfloor, sweeptolerance;    // 1e-19, 1e-9
 extern UByte sweeplargest;                   // pivots by size; else in their natural order
 
-// Sweeps indices first to last (from 0) of the symmetric M (both triangles hold it at entry and exit). `forced` (nforced
-// of them) go first; heldback (-1: none) last. flag, as wide as M, tells afterwards: 1 swept, 2 dropped (its row and
-// column are 0), 0 otherwise; a flag of 1 at entry marks an index that is swept already. 0 or 1.
+// Sweeps indices first to last (from 0) of the symmetric M (both triangles hold it at entry and exit). `forced`
+// (nforced of them) go first; heldback (-1: none) last. flag, as wide as M, tells afterwards: 1 swept, 2 dropped (its
+// row and column are 0), 0 otherwise; a flag of 1 at entry marks an index that is swept already. 0 or 1.
 Int4 matrin(Double* M, Int4 stride, Int4 n, Int4 first, Int4 last, const Int4* forced, Int4 nforced, Int4 heldback,
             UByte* flag);
 // The same with a ridge where a diagonal that was not 0 is lost; ridged tells that it was needed. 0, 1, 909.

@@ -1,15 +1,15 @@
 // Named matrices. In the store a matrix is up to three objects of one name: the body, and the names of its rows and of
-// its columns, of the types `matrixkind`, +1 and +2. That is a family's type of matrices (stored/families.h gives it as a
-// number), or obj_estimate for what an estimation keeps for itself, where the body stands alone and the object `colnames`
-// of the same type names the rows and columns of every matrix that has as many.
+// its columns, of the types `matrixkind`, +1 and +2. That is a family's type of matrices (stored/families.h gives it as
+// a number), or obj_estimate for what an estimation keeps for itself, where the body stands alone and the object
+// `colnames` of the same type names the rows and columns of every matrix that has as many.
 //
-//   body    | count i32: entries when sparse, else 0 | rows i16 | cols i16 | elements, in a layout that their size tells |
+//   body    | count i32: entries when sparse, else 0 | rows i16 | cols i16 | elements, whose size tells the layout |
 //   layout  1 full: rows x cols doubles, row by row; 2 symmetric: the lower triangle by rows; 3 sparse: entries of
 //           value f64, row u16, column u16 in row-major order, 12 bytes each
 //   names   rows (or cols) records of 83 bytes: equation 32, name 32, operator 19; zeros behind, none when full
 //
-// Who computes works on a `matrix`: elements row by row without gaps, in memory of its own, with its names. Nothing here
-// knows an expression or a command.
+// Who computes works on a `matrix`: elements row by row without gaps, in memory of its own, with its names. Nothing
+// here knows an expression or a command.
 #pragma once
 #include <string>
 #include <string_view>

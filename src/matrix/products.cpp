@@ -13,8 +13,10 @@ constexpr Int4 tile = 4;          // rows and columns that are summed at once: t
 // Columns j to j + tile of B without gaps; zeros behind the last one.
 void packpanel(const Double* B, Double* panel, Int4 inner, Int4 cols, Int4 j) {
     Int4 width = std::min(tile, cols - j);
-    for (Int4 k = 0; k < inner; k++, panel += tile)
-        for (Int4 c = 0; c < tile; c++) panel[c] = c < width ? B[std::size_t(k) * std::size_t(cols) + std::size_t(j + c)] : 0;
+    for (Int4 k = 0; k < inner; k++, panel += tile) {
+        const Double* row = B + std::size_t(k) * std::size_t(cols) + std::size_t(j);
+        for (Int4 c = 0; c < tile; c++) panel[c] = c < width ? row[c] : 0;
+    }
 }
 
 // Two sums to a register, each in its own lane; a row's two registers.

@@ -94,7 +94,8 @@ Double scored(const std::vector<term>& terms, Double constant, const scoreoption
     return constant == missing ? missing : datavalue(sum + constant);
 }
 
-// The words ahead of `=`: a type, or none, and the variable; the cursor at the variable when it exists, else at the start.
+// The words ahead of `=`: a type, or none, and the variable; the cursor at the variable when it exists, else at the
+// start.
 Int4 target(boolean& typed, boolean& exists) {
     tokenpos start, name;
     std::string word;

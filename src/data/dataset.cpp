@@ -250,6 +250,8 @@ void dataset_commandended() {
     if (nvar != visnvar) shrinkvars(visnvar);
 }
 
+Int4 estimations = 0;
+
 boolean issample(Int4 var) { return varlist[var - 1][0] == '('; }
 
 std::vector<Int4> samplemarkers() {

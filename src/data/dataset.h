@@ -73,6 +73,7 @@ void cleardata(boolean keeplabels);         // empties the dataset, and tells it
 // The sample of estimates: (e), or of those put by a variable (h1), (h2)... All are bytes of 0 and 1.
 boolean issample(Int4 var);
 std::vector<Int4> samplemarkers();
+extern Int4 estimations;       // goes up whenever (e) comes to belong to other estimates: data put by know whose it was
 inline boolean isstring(Int4 var) { return typ[var - 1] < 245; }
 inline Int4 shownvars() { return nvar - Int4(samplemarkers().size()); }
 // "byte", "str12" and so on into out (8 bytes), and back; 0 when the word is no type (`str#` checked to 1..244).

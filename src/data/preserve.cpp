@@ -33,11 +33,12 @@ struct record {
 };
 static_assert(sizeof(record) == 28);
 
-struct kept { record r; std::string file, dataset; };
+struct kept { record r; std::string file, dataset; Int4 estimations; };
 
 Int4 storerecord(Int4 slot, const kept& k) {
     std::string bytes(reinterpret_cast<const char*>(&k.r), sizeof k.r);
     bytes.append(k.file.c_str(), k.file.size() + 1).append(k.dataset.c_str(), k.dataset.size() + 1);
+    bytes.append(reinterpret_cast<const char*>(&k.estimations), sizeof k.estimations);
     return objput(std::to_string(slot), obj_estpreserve, bytes.data(), bytes.size());
 }
 
@@ -48,6 +49,7 @@ kept readrecord() {
     std::memcpy(&k.r, bytes.data(), sizeof k.r);
     k.file = bytes.c_str() + sizeof k.r;
     k.dataset = bytes.c_str() + sizeof k.r + k.file.size() + 1;
+    std::memcpy(&k.estimations, bytes.data() + bytes.size() - sizeof k.estimations, sizeof k.estimations);
     return k;
 }
 
@@ -104,6 +106,8 @@ Int4 bringback(const kept& k) {
     Int4 rc = refillsomewhere(k);
     if (!rc) rc = macroset("S_FN", k.dataset);
     if (!rc) rc = macroset("S_FNDATE", fieldtext(k.r.stamp, sizeof k.r.stamp));
+    Int4 sample = rc || k.estimations == estimations ? 0 : findvar("(e)");
+    if (sample) dropworkvar(sample);               // that of estimates that are gone
     datachanged = k.r.changed;
     return rc;
 }
@@ -126,7 +130,8 @@ Int4 preserve_data() {
     Int4 slot = tempfile_next('i');
     char file[pathsize];
     if (Int4 rc = tempfilename(file, 'i', slot)) return error(rc);
-    kept k{{UInt4(memory / 1024), nobs, datachanged, UByte(nvar > 0), {}}, file, std::string(macrotext("S_FN"))};
+    kept k{{UInt4(memory / 1024), nobs, datachanged, UByte(nvar > 0), {}}, file, std::string(macrotext("S_FN")),
+           estimations};
     copytext(k.r.stamp, sizeof k.r.stamp, macrotext("S_FNDATE"));
     savechoice choice{.all = true, .unused = true};
     if (k.r.hasdata)

@@ -67,6 +67,7 @@ std::vector<std::string> equations(const std::vector<axisname>& names) {
 // ---- Posting.
 
 Int4 posted_begin(const postrecord& r, boolean clear) {
+    estimations++;
     if (clear) posted_clear();
     else objdeltype(obj_estimate);
     Int4 rc = objput("gamma", obj_estimate, &r, sizeof r);
@@ -87,6 +88,7 @@ void posted_take(std::string_view matrixname, std::string_view as) {
 }
 
 void posted_clear() {
+    estimations++;
     stored_clear(e_results);
     if (Int4 var = findvar("(e)")) dropworkvar(var);
 }
@@ -197,6 +199,7 @@ Int4 checksample(std::string& name) {
 }
 
 void posted_sample(std::string_view name) {
+    estimations++;
     if (Int4 old = findvar("(e)")) dropworkvar(old);
     Int4 var = findvar(name);
     markchanged(var);

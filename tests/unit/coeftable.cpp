@@ -2,23 +2,18 @@
 #include "estimate/coeftable.h"
 #include <gtest/gtest.h>
 #include "output/results.h"
-#include "output/vtmllines.h"
+#include "shownlines.h"
 
 using namespace velmo;
 using std::string;
 
 namespace {
 
-Int4 consume(void* data, const UByte* record, Int4 code) {
-    if (code == vcode_line) *static_cast<string*>(data) += string(vline_view(record).text) + "\n";
-    return 0;
-}
-
 template <class F> string printed(F print) {
     string got;
     results_open();
     setpagesize(0);
-    vstream_setcallback(console, consume, &got);
+    vstream_setcallback(console, takeline, &got);
     EXPECT_EQ(print(), 0);
     vstream_flush(console);
     results_close();

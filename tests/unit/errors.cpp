@@ -6,24 +6,19 @@
 #include "base/saved.h"
 #include "output/print.h"
 #include "output/results.h"
-#include "output/vtmllines.h"
+#include "shownlines.h"
 
 using namespace velmo;
 using std::string;
 
 namespace {
 
-Int4 consume(void* data, const UByte* record, Int4 code) {
-    if (code == vcode_line) *static_cast<string*>(data) += string(vline_view(record).text) + "\n";
-    return 0;
-}
-
 struct Errors : testing::Test {
     string got;
     void SetUp() override {
         results_open();
         setpagesize(0);
-        vstream_setcallback(console, consume, &got);
+        vstream_setcallback(console, takeline, &got);
     }
     void TearDown() override {
         EXPECT_EQ(printing::role(), out_result) << "put back";

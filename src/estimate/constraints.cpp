@@ -237,18 +237,13 @@ Int4 readequation(std::string_view text, std::size_t k, std::vector<constraintro
 
 // ---- Lists.
 
-// The names of a coefficient without its equation.
-std::string barename(const axisname& a) {
-    return (a.op[0] ? std::string(a.optext()) + "." : "") + std::string(a.nametext());
-}
-
 // Words of a list, of which those that are no coefficients' may be ranges and patterns of variables.
 Int4 readwords(std::string_view text, std::vector<std::string>& words) {
     std::vector<axisname> names = postednames();
     for (text = trimmed(text); !text.empty(); text = ltrimmed(text)) {
         std::string word(text.substr(0, text.find(' ')));
         text.remove_prefix(word.size());
-        auto isit = [&](const axisname& a) { return barename(a) == word; };
+        auto isit = [&](const axisname& a) { return a.opname() == word; };
         if (word.find_first_of("-*?~") == word.npos || std::any_of(names.begin(), names.end(), isit)) {
             words.push_back(word);
             continue;
@@ -300,7 +295,7 @@ Int4 equal(std::string_view eq1, std::string_view eq2, std::string_view list, st
         if (Int4 rc = wholeequation(eq2, others)) return rc;
         for (Int4 i : all)
             for (Int4 j : others)
-                if (barename(names[std::size_t(i)]) == barename(names[std::size_t(j)])) {
+                if (names[std::size_t(i)].opname() == names[std::size_t(j)].opname()) {
                     left.push_back(i);
                     right.push_back(j);
                 }
@@ -379,7 +374,7 @@ std::string constrainttext(const Double* row) {
         out += x < 0 ? (out.empty() ? "- " : " - ") : out.empty() ? "" : " + ";
         if (std::fabs(x) != 1) out += numberfor(std::fabs(x)) + "*";
         if (names[i].eq[0]) out += "[" + std::string(names[i].eqtext()) + "]";
-        out += barename(names[i]);
+        out += names[i].opname();
     }
     return (out.empty() ? "0" : out) + " = " + numberfor(row[names.size()]);
 }

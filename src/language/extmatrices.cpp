@@ -11,9 +11,7 @@ namespace velmo {
 namespace {
 
 std::string equationof(const axisname& a) { return a.eq[0] ? std::string(a.eqtext()) : "_"; }
-std::string nameof(const axisname& a) {
-    return (a.op[0] ? std::string(a.optext()) + "." : "") + std::string(a.nametext());
-}
+std::string nameof(const axisname& a) { return a.opname(); }
 std::string fullof(const axisname& a) { return a.full(); }
 
 // A, or r(A) and the like.

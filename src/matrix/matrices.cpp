@@ -18,12 +18,16 @@ std::string_view axisname::eqtext() const { return fieldtext(eq, sizeof eq); }
 std::string_view axisname::nametext() const { return fieldtext(name, sizeof name); }
 std::string_view axisname::optext() const { return fieldtext(op, sizeof op); }
 
+std::string axisname::opname() const {
+    std::string text(optext());
+    if (op[0]) text += '.';
+    return text.append(nametext());
+}
+
 std::string axisname::full() const {
     std::string text(eqtext());
     if (!text.empty()) text += ':';
-    text += optext();
-    if (op[0]) text += '.';
-    return text.append(nametext());
+    return text + opname();
 }
 
 namespace {

@@ -21,6 +21,7 @@ namespace velmo {
 struct axisname {
     char eq[32], name[32], op[19];
     std::string_view eqtext() const, nametext() const, optext() const;
+    std::string opname() const;          // op.name, or the name alone
     std::string full() const;            // eq:op.name, as far as there is each
 };
 static_assert(sizeof(axisname) == 83);

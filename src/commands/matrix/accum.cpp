@@ -7,6 +7,7 @@
 #include "commands/matrix/target.h"
 #include "core/macros.h"
 #include "data/cells.h"
+#include "data/sorting.h"
 #include "estimate/crossproducts.h"
 #include "language/options.h"
 #include "language/stdparse.h"
@@ -126,10 +127,6 @@ struct grouprows {
     const Double* row(Int4 i) const { return x.data() + std::size_t(i) * std::size_t(width); }
 };
 
-boolean samegroup(Int4 var, Int4 a, Int4 b) {
-    return isstring(var) ? strcell(var, a) == strcell(var, b) : getobs(var, a) == getobs(var, b);
-}
-
 // one(group) for each run of equal values of var; the last of the sample's sources gives the values.
 template <class F> Int4 overgroups(const estsample& s, Int4 var, F one) {
     Double mean = 1;
@@ -139,13 +136,14 @@ template <class F> Int4 overgroups(const estsample& s, Int4 var, F one) {
             if (s.in()[i]) total += s.weights()[i];
         mean = total / s.n;
     }
+    const UInt2 by = UInt2(var);
     grouprows g;
     std::size_t k = s.sources.size() - 1;
     g.width = Int4(k) + 1;
     Int4 failed = 0;
     Int4 rc = overrows(s, [&](const rowsblock& b) {
         for (Int4 i = 0; i < b.n && !failed; i++) {
-            if (g.n && !samegroup(var, g.first, b.obs[i])) {
+            if (g.n && !samegroup(g.first, b.obs[i], &by, 1)) {
                 failed = one(static_cast<const grouprows&>(g));
                 g.n = 0;
                 g.x.clear();

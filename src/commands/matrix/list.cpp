@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <string>
 #include <vector>
+#include "base/columns.h"
 #include "base/poll.h"
 #include "base/text.h"
 #include "core/tokenizer.h"
@@ -59,10 +60,6 @@ void measure(listing& l) {
         if (a.op[0]) l.width = std::max(l.width, Int4(a.optext().size()) + 1);
     }
     for (const axisname& a : l.m.rownames) l.stub = std::max(l.stub, Int4(a.full().size()));
-}
-
-std::string rightjustified(std::string_view text, Int4 width) {
-    return std::string(std::size_t(std::max(width - Int4(text.size()), 0)), ' ').append(text);
 }
 
 enum headingpart { head_equation, head_operator, head_name };

@@ -5,7 +5,7 @@
 #include "base/poll.h"
 #include "base/state.h"
 #include "base/text.h"
-#include "core/keywords.h"
+#include "commands/matrix/results.h"
 #include "core/objects.h"
 #include "core/tokenizer.h"
 #include "expr/matrixread.h"
@@ -19,8 +19,6 @@ namespace velmo {
 #undef MATRIX
 
 namespace {
-
-Int4 nothingleft() { return tokpeeknonblank() ? error(198) : 0; }
 
 // The token has to be this character.
 Int4 expectchar(char c) {
@@ -40,7 +38,7 @@ Int4 assign(const std::string& name) {
     boolean number;
     if (Int4 rc = expectchar('=')) return rc;
     if (Int4 rc = matrixhere(m, number)) return rc;
-    if (Int4 rc = nothingleft()) return rc;
+    if (Int4 rc = nothingbehind()) return rc;
     return matput(name, m);
 }
 
@@ -91,7 +89,7 @@ Int4 assignat(const std::string& name) {
     matrix part;
     boolean number;
     if (Int4 rc = matrixhere(part, number)) return rc;
-    if (Int4 rc = nothingleft()) return rc;
+    if (Int4 rc = nothingbehind()) return rc;
     return number ? assignelement(name, i, j, part.at(0, 0)) : assignblock(name, i, j, part);
 }
 
@@ -142,7 +140,7 @@ Int4 readrows(inputrows& in) {
         if (Int4 rc = in.endrow()) return rc;
         if (*p == '\\') continue;
         settokpos(p + 1);
-        return nothingleft();
+        return nothingbehind();
     }
 }
 
@@ -243,7 +241,7 @@ Int4 matrix_cat() {
 // ---- dir, drop
 
 Int4 matrix_dir() {
-    if (Int4 rc = nothingleft()) return rc;
+    if (Int4 rc = nothingbehind()) return rc;
     Int4 rows, cols;
     for (const std::string& name : matnames()) {
         matfind(name, &rows, &cols);
@@ -269,13 +267,8 @@ Int4 matrix_drop() {
 
 // A first word that = or [ follows is a matrix.
 Int4 cmd_matrix() {
-    static constexpr keyword words[] = {
-#define MATRIX(word, min, handler) {#word, min, 0},
-#include "commands/matrix/subcommands.def"
-#undef MATRIX
-    };
-    static constexpr Int4 (*handlers[])() = {
-#define MATRIX(word, min, handler) matrix_##handler,
+    static constexpr struct { const char* word; Int4 min; Int4 (*run)(); } rows[] = {
+#define MATRIX(word, min, handler) {#word, min, matrix_##handler},
 #include "commands/matrix/subcommands.def"
 #undef MATRIX
     };
@@ -285,8 +278,8 @@ Int4 cmd_matrix() {
         ungettoken();
         return matrix_define();
     }
-    for (std::size_t i = 0; i < std::size(words); i++)
-        if (words[i].min ? abbrev(word, words[i].word, words[i].min) : word == words[i].word) return handlers[i]();
+    for (const auto& row : rows)
+        if (row.min ? abbrev(word, row.word, row.min) : word == row.word) return row.run();
     return error(501);
 }
 

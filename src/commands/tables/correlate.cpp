@@ -145,7 +145,7 @@ Int4 ofcoefficients(const corroptions& o) {
     if (Int4 rc = postedmatrix("VCE", t.m)) return rc;
     boolean equations = hasequations(t.m.colnames);
     for (const axisname& a : t.m.colnames) {
-        t.names.push_back((a.op[0] ? std::string(a.optext()) + "." : "") + std::string(a.nametext()));
+        t.names.push_back(a.opname());
         if (equations) t.equations.emplace_back(a.eqtext());
     }
     return printtriangle(t, o);

@@ -87,6 +87,22 @@ void posted_take(std::string_view matrixname, std::string_view as) {
     objdel(matrixname, obj_matrix + 2);
 }
 
+Int4 posted_put(std::string_view name, const matrix& m) {
+    saved<Int4> kind(matrixkind, obj_estimate);
+    return matput(name, m);
+}
+
+Int4 posted_putrecord(std::string_view name, const void* record, std::size_t size) {
+    return objput(name, obj_estimate, record, size);
+}
+
+boolean posted_getrecord(std::string_view name, void* record, std::size_t size) {
+    object* o = objfind(name, obj_estimate);
+    if (!o || o->datalen != size) return false;
+    objread(o, 0, record, size);
+    return true;
+}
+
 void posted_clear() {
     estimations++;
     stored_clear(e_results);
@@ -196,6 +212,15 @@ Int4 checksample(std::string& name) {
     name = varlist[var - 1];
     Int4 rc = typ[var - 1] == typebyte ? 0 : changetype(var, typebyte);
     return rc ? error(rc) : 0;
+}
+
+Int4 makesample(const UByte* map, Int4 first, Int4 run, std::string& name) {
+    Int4 var = maketemp(typebyte, true);
+    if (var < 0) return error(-var);
+    for (Int4 obs = 1; obs <= nobs; obs++)
+        putobs(var, obs, obs >= first && obs < first + run && map[obs - first] ? 1 : 0);
+    name = varlist[var - 1];
+    return 0;
 }
 
 void posted_sample(std::string_view name) {

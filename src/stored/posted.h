@@ -42,6 +42,11 @@ Int4 posted_begin(const postrecord& r, boolean clear);
 Int4 posted_setnames(const std::vector<axisname>& names);      // 0 or 950
 // Takes the body of a user's matrix, whose names go. It must be there.
 void posted_take(std::string_view matrixname, std::string_view as);
+// A matrix of the estimation's own, which the names of the coefficients stand for; a record that it keeps for its
+// replays and predictions. 0 or 950 (printed). A record is read only if it has the size: else false.
+Int4 posted_put(std::string_view name, const matrix& m);
+Int4 posted_putrecord(std::string_view name, const void* record, std::size_t size);
+boolean posted_getrecord(std::string_view name, void* record, std::size_t size);
 // Ends e() and its sample.
 void posted_clear();
 
@@ -60,6 +65,9 @@ Int4 findequation(std::string_view eq, std::string& name);
 // (printed). And making it that, which can't fail.
 Int4 checksample(std::string& name);
 void posted_sample(std::string_view name);
+// A variable that may be one: 1 where the map of observations first to first + run - 1 isn't 0. Who doesn't post it
+// drops it with dropworkvar. 0; 900, 902 (printed).
+Int4 makesample(const UByte* map, Int4 first, Int4 run, std::string& name);
 
 // Estimates put by: hold (0; 110, 301, 900, 902, 950, 1000), and taking them back (0, 111): printed. At most one at a
 // level is `automatic`: it comes back when the level ends.

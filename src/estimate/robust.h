@@ -1,0 +1,59 @@
+// The robust variance of estimates (Huber 1967, White 1980): D M D, where D is the model's own variance and M sums
+// the outer products of the scores, of observations or of clusters.
+//
+// An estimator reads the options before it builds its sample (getopt_robust), hands its scores over after the fit
+// (robustvariance), and shows what came out of it by e(vcetype), e(clustvar), e(N_clust) (postrobust).
+#pragma once
+#include <string>
+#include <vector>
+#include "estimate/crossproducts.h"
+#include "estimate/post.h"
+
+namespace velmo {
+
+struct robustrequest {
+    boolean robust = false;
+    Int4 cluster = 0;            // the variable, numeric or string; 0 none
+    std::string score;           // a new variable for the scores; empty none
+    Int4 typed = 0;              // the kind of weights as it was typed (weighttype)
+};
+// Reads robust, cluster(varname) and, where it is allowed, score(newvar). cluster() and pweights ask for a robust
+// variance; norobust with pweights is 403, robust with iweights 5101. From then on pweights work as aweights do: the
+// caller has a guard on weighttype, which this changes. 0; 103, 110, 111, 198, 403, 5101: printed.
+Int4 getopt_robust(robustrequest& r, boolean score);
+
+// The design of an equation: columns of the sample's rows (0 is the constant's, j the jth source's), in the order of its
+// coefficients, and its score of each observation of the run, times the weight. Coefficients of all equations stand one
+// behind the other.
+struct scoredequation {
+    std::vector<Int4> columns;
+    const Double* score;
+};
+
+struct robustrule {
+    Double dfadj = 1;            // what N is diminished by
+    boolean small = false;       // with clusters: times (n - 1) / (n - dfadj)
+    boolean unitscale = false, zeroscale = false;
+};
+
+struct robustresult {
+    Double n = 0;                // observations, or clusters
+    Int4 clusters = 0;           // 0 without
+    Double df = 0;               // whole part of n less what was adjusted for, at least 0
+};
+
+// V (k x k, both triangles) holds D and becomes D M D. Missing values of the cluster variable must have left the sample
+// (addcluster). fweights count an observation so many times. 0, 1 on a Break, 909 (printed).
+Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
+                    const std::vector<scoredequation>& equations, matrix& V, robustresult& out);
+
+// Takes observations whose cluster is missing or empty from the sample. 0, 1, 2000 (printed).
+Int4 addcluster(estsample& s, const robustrequest& r);
+
+// e(vcetype) (Robust, or the text given), e(clustvar), e(N_clust).
+void postrobust(estimation& e, const robustrequest& r, const robustresult& result, const char* vcetype = "Robust");
+
+// Writes the scores of an observation, divided by its weight, to the new variable. 0; 900, 902 (printed).
+Int4 storescores(const estsample& s, const robustrequest& r, const Double* score, const char* label);
+
+}  // namespace velmo

@@ -17,7 +17,10 @@ namespace velmo {
 
 namespace {
 
-struct testoptions { boolean accumulate, run, minimum; };
+struct testoptions {
+    boolean accumulate, run, minimum;
+    std::string matrix;          // the rows go there, and nothing is tested or kept
+};
 
 // The text ahead of the comma, or of the end, and the cursor there. A comma inside brackets is none of the options'.
 std::string_view constraintspart() {
@@ -34,6 +37,9 @@ Int4 readoptions(testoptions& o) {
     o.accumulate = getopt_flag("accumulate", 1);
     o.run = getopt_noflag("test", 1, true);
     o.minimum = getopt_flag("minimum", 3);
+    boolean found;
+    if (Int4 rc = getopt_str("matrix", 6, o.matrix, found)) return rc;
+    if (Int4 rc = found ? checkmatrixname(o.matrix) : 0) return rc;
     return getopt_done();
 }
 
@@ -50,6 +56,9 @@ Int4 lastrows(std::vector<constraintrow>& rows) {
 Int4 asmatrix(const std::vector<constraintrow>& rows, matrix& m) {
     if (Int4 rc = makematrix(m, Int4(rows.size()), Int4(rows[0].size()))) return rc;
     for (std::size_t i = 0; i < rows.size(); i++) std::copy(rows[i].begin(), rows[i].end(), m.row(Int4(i)));
+    std::vector<axisname> names = postednames();
+    std::copy(names.begin(), names.end(), m.colnames.begin());
+    m.colnames.back() = makeaxisname("", "", "constant");
     return 0;
 }
 
@@ -78,7 +87,7 @@ Int4 printtest(const constrainttest& t) {
 
 }  // namespace
 
-// test constraint or list [, accumulate notest minimum]; without one those that stand are tested
+// test constraint or list [, accumulate notest minimum matrix(name)]; without one those that stand are tested
 Int4 cmd_test() {
     testoptions o{};
     matrix Rr;
@@ -95,6 +104,7 @@ Int4 cmd_test() {
     if (!text.empty())
         if (Int4 rc = buildconstraints(text, rows)) return rc;
     if (Int4 rc = asmatrix(rows, Rr)) return rc;
+    if (!o.matrix.empty()) return matput(o.matrix, Rr);
     if (o.run)
         if (Int4 rc = testconstraints(Rr, o.minimum, t)) return rc;
     if (Int4 rc = posted_put("Rr", Rr)) return rc;

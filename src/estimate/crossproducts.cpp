@@ -5,6 +5,7 @@
 #include <string>
 #include "base/text.h"
 #include "data/cells.h"
+#include "estimate/tiles.h"
 #include "language/stdparse.h"
 #include "matrix/kernels.h"
 #include "matrix/lanes.h"
@@ -173,58 +174,6 @@ boolean scaleweights(estsample& s, boolean print, Double& total) {
     return true;
 }
 
-// Sums over rows of a(i) b(j) for four i and four j, each in the rows' order.
-void addtile(const Double* a, const Double* b, Int4 n, std::size_t width, Double* sums) {
-    pair2 s[4][2];
-#pragma GCC unroll 4
-    for (Int4 i = 0; i < 4; i++)
-#pragma GCC unroll 2
-        for (Int4 j = 0; j < 2; j++) s[i][j] = loadpair(sums + 4 * i + 2 * j);
-    for (Int4 r = 0; r < n; r++, a += width, b += width) {
-        pair2 b0 = loadpair(b), b1 = loadpair(b + 2);
-#pragma GCC unroll 4
-        for (Int4 i = 0; i < 4; i++) {
-            pair2 t = {a[i], a[i]};
-            s[i][0] += t * b0;
-            s[i][1] += t * b1;
-        }
-    }
-#pragma GCC unroll 4
-    for (Int4 i = 0; i < 4; i++)
-#pragma GCC unroll 2
-        for (Int4 j = 0; j < 2; j++) storepair(sums + 4 * i + 2 * j, s[i][j]);
-}
-
-// The lower triangle in tiles of four by four, and a block's rows times their weights.
-struct tiles {
-    std::size_t count, width;
-    workspace sums, weighted;
-    tiles(Int4 wide, Int4 step)
-        : count(std::size_t(wide) / 4), width(std::size_t(wide)), sums(count * (count + 1) / 2 * 16 * sizeof(Double)),
-          weighted(std::size_t(step) * width * sizeof(Double)) {
-        if (sums.p) std::fill_n(sums.get<Double>(), count * (count + 1) / 2 * 16, 0.0);
-    }
-    boolean got() const { return sums.p && weighted.p; }
-    // w first with the row of the triangle, or with its column.
-    void add(const Double* x, const Double* weight, Int4 n, boolean withcolumn) {
-        Double* wx = weighted.get<Double>();
-        for (std::size_t r = 0; weight && r < std::size_t(n); r++)
-            for (std::size_t j = 0; j < width; j++) wx[r * width + j] = weight[r] * x[r * width + j];
-        const Double *a = weight && !withcolumn ? wx : x, *b = weight && withcolumn ? wx : x;
-        Double* to = sums.get<Double>();
-        for (std::size_t i = 0; i < count; i++)
-            for (std::size_t j = 0; j <= i; j++, to += 16) addtile(a + 4 * i, b + 4 * j, n, width, to);
-    }
-    Double sum(std::size_t i, std::size_t j) const {
-        std::size_t row = i / 4;
-        return sums.get<Double>()[(row * (row + 1) / 2 + j / 4) * 16 + i % 4 * 4 + j % 4];
-    }
-    void tolower(matrix& m, Int4 from) const {
-        for (Int4 i = from; i < m.rows; i++)
-            for (Int4 j = from; j <= i; j++) m.at(i, j) = sum(std::size_t(i - from), std::size_t(j - from));
-    }
-};
-
 // First pass of deviations: the sums of weights and values, in column 0, and the means.
 Int4 sumcolumns(const estsample& s, crossproducts& out) {
     std::vector<Double> sums(std::size_t(out.m.rows + 4), 0);
@@ -316,7 +265,7 @@ Int4 dropcollinear(const crossproducts& c, const std::vector<std::string>& names
         return rc;
     for (std::size_t j = 0; j < names.size(); j++) {
         stays.push_back(flag[j + 1] != 2);
-        if (!stays[j]) notef("(note: %s dropped due to collinearity\n", names[j].c_str());
+        if (!stays[j]) notef("(note: %s dropped due to collinearity)\n", names[j].c_str());
     }
     return 0;
 }

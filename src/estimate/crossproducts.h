@@ -27,6 +27,9 @@ struct estsample {
 // a string; 401 an fweight that isn't whole; 2000 no observations, or one, with the message of 2001; 909. Printed.
 Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsample& out);
 
+// Takes observations that the map (of the run) marks from the sample. 0, 2000 (printed) as above.
+Int4 narrowsample(estsample& s, const UByte* leaves);
+
 // Rows of the sample: of each the constant 1 and the k sources, zeros up to the width, a multiple of 4.
 struct rowsblock {
     Int4 n, width;

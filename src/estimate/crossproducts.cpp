@@ -5,10 +5,10 @@
 #include <string>
 #include "base/text.h"
 #include "data/cells.h"
-#include "estimate/tiles.h"
 #include "language/stdparse.h"
 #include "matrix/kernels.h"
 #include "matrix/lanes.h"
+#include "matrix/tiles.h"
 #include "output/formats.h"
 #include "output/print.h"
 
@@ -104,6 +104,15 @@ Int4 drawmap(estsample& s, Double& total) {
     });
 }
 
+// Whether n observations, whose weights sum to `total`, can be worked on: 0 or 2000.
+Int4 enough(Int4 n, Double total) {
+    boolean counts = weighttype == weight_f || weighttype == weight_i;
+    boolean none = n == 0 || (counts && total == 0);
+    if (!none && (n > 1 || (counts && total > 1))) return 0;
+    error(none ? 2000 : 2001);
+    return 2000;
+}
+
 }  // namespace
 
 Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsample& out) {
@@ -119,12 +128,19 @@ Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsa
     if (!out.map.p || (weighttype && !out.weight.p)) return error(909);
     Double total = 0;
     if (Int4 rc = drawmap(out, total)) return rc;
-    boolean counts = weighttype == weight_f || weighttype == weight_i;
-    if (form.empty) return 0;
-    boolean none = out.n == 0 || (counts && total == 0);
-    if (!none && (out.n > 1 || (counts && total > 1))) return 0;
-    error(none ? 2000 : 2001);
-    return 2000;
+    return form.empty ? 0 : enough(out.n, total);
+}
+
+Int4 narrowsample(estsample& s, const UByte* leaves) {
+    Double total = 0;
+    s.n = 0;
+    for (Int4 i = 0; i < s.run; i++) {
+        if (leaves[i]) s.in()[i] = 0;
+        if (!s.in()[i]) continue;
+        s.n++;
+        if (s.weights()) total += s.weights()[i];
+    }
+    return enough(s.n, total);
 }
 
 rowbuffers::rowbuffers(std::size_t k)
@@ -174,6 +190,12 @@ boolean scaleweights(estsample& s, boolean print, Double& total) {
     return true;
 }
 
+// The triangle becomes that of m from row and column `from` on.
+void tolower(const tiles& t, matrix& m, Int4 from) {
+    for (Int4 i = from; i < m.rows; i++)
+        for (Int4 j = from; j <= i; j++) m.at(i, j) = t.sum(i - from, j - from);
+}
+
 // First pass of deviations: the sums of weights and values, in column 0, and the means.
 Int4 sumcolumns(const estsample& s, crossproducts& out) {
     std::vector<Double> sums(std::size_t(out.m.rows + 4), 0);
@@ -202,7 +224,7 @@ Int4 rawproducts(const estsample& s, crossform form, crossproducts& out) {
         if (form.extremes) takeextremes(b, out);
         t.add(b.x, b.weight, b.n, false);
     });
-    t.tolower(out.m, 0);
+    tolower(t, out.m, 0);
     return rc;
 }
 
@@ -224,7 +246,7 @@ Int4 deviationproducts(const estsample& s, crossform form, crossproducts& out) {
         }
         t.add(d, b.weight, b.n, true);
     });
-    t.tolower(out.m, 1);
+    tolower(t, out.m, 1);
     return rc;
 }
 
@@ -238,7 +260,7 @@ Int4 sscp_accum(estsample& s, crossform form, crossproducts& out) {
         out.low.assign(s.sources.size(), floatmissing);
         out.high.assign(s.sources.size(), -floatmissing);
     }
-    if (weighttype == weight_a && !scaleweights(s, form.print, out.sumweights)) return 0;
+    if (weighttype == weight_a && !scaleweights(s, form.print || form.weights, out.sumweights)) return 0;
     if (Int4 rc = form.deviations ? sumcolumns(s, out) : 0) return rc;
     if (Int4 rc = form.deviations ? deviationproducts(s, form, out) : rawproducts(s, form, out)) return rc;
     for (Int4 i = 0; i < k + 1; i++)

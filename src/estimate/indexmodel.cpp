@@ -92,7 +92,7 @@ Int4 indexdesign::evaluate(const indexmodel& model, const Double* b, Double& f, 
     });
     for (Int4 i = 0; i < k; i++) {
         g[i] = -sums[std::size_t(i)];
-        for (Int4 j = 0; j <= i; j++) H[i * k + j] = H[j * k + i] = products.sum(std::size_t(i), std::size_t(j));
+        for (Int4 j = 0; j <= i; j++) H[i * k + j] = H[j * k + i] = products.sum(i, j);
     }
     return rc;
 }

@@ -4,7 +4,7 @@
 #include <functional>
 #include "estimate/crossproducts.h"
 #include "estimate/newton.h"
-#include "estimate/tiles.h"
+#include "matrix/tiles.h"
 
 namespace velmo {
 

@@ -1,4 +1,4 @@
-#include "estimate/tiles.h"
+#include "matrix/tiles.h"
 #include <algorithm>
 #include "matrix/lanes.h"
 
@@ -33,10 +33,8 @@ void addtile(const Double* a, const Double* b, Int4 n, std::size_t width, Double
 tiles::tiles(Int4 wide, Int4 step)
     : count(std::size_t(wide) / 4), width(std::size_t(wide)), sums(count * (count + 1) / 2 * 16 * sizeof(Double)),
       weighted(std::size_t(step) * width * sizeof(Double)) {
-    if (sums.p) clear();
+    if (sums.p) std::fill_n(sums.get<Double>(), count * (count + 1) / 2 * 16, 0.0);
 }
-
-void tiles::clear() { std::fill_n(sums.get<Double>(), count * (count + 1) / 2 * 16, 0.0); }
 
 void tiles::add(const Double* x, const Double* weight, Int4 n, boolean withcolumn) {
     Double* wx = weighted.get<Double>();
@@ -48,16 +46,6 @@ void tiles::add(const Double* x, const Double* weight, Int4 n, boolean withcolum
     Double* to = sums.get<Double>();
     for (std::size_t i = 0; i < count; i++)
         for (std::size_t j = 0; j <= i; j++, to += 16) addtile(a + 4 * i, b + 4 * j, n, width, to);
-}
-
-Double tiles::sum(std::size_t i, std::size_t j) const {
-    std::size_t row = i / 4;
-    return sums.get<Double>()[(row * (row + 1) / 2 + j / 4) * 16 + i % 4 * 4 + j % 4];
-}
-
-void tiles::tolower(matrix& m, Int4 from) const {
-    for (Int4 i = from; i < m.rows; i++)
-        for (Int4 j = from; j <= i; j++) m.at(i, j) = sum(std::size_t(i - from), std::size_t(j - from));
 }
 
 void addcolumns(const Double* x, const Double* t, Int4 n, Int4 width, Double* to) {

@@ -1,6 +1,7 @@
 #include "estimate/newton.h"
 #include <algorithm>
 #include <cmath>
+#include "base/poll.h"
 #include "language/options.h"
 #include "matrix/kernels.h"
 #include "output/errors.h"

@@ -32,7 +32,8 @@ struct binaryrecord {
     Int4 most = 0, iterations = 0, status = 0;       // status: that of the iteration (estimate/newton.h)
     UByte constant = 1, trace = 0, log = 1, asis = 0;
     char depname[48] = "";
-    UByte unused[32] = {};
+    Double tolerance = 0, ltolerance = 0;            // of the iteration
+    UByte unused[16] = {};
 };
 static_assert(sizeof(binaryrecord) == 256);
 

@@ -1,6 +1,7 @@
 #include "estimate/testconstraints.h"
 #include <string>
 #include "estimate/records.h"
+#include "estimate/wald.h"
 #include "matrix/kernels.h"
 #include "matrix/numeric.h"
 #include "matrix/probability.h"
@@ -98,21 +99,14 @@ Int4 testconstraints(const matrix& Rr, boolean minimum, constrainttest& out) {
     if (Int4 rc = postedmatrix("_b", b)) return rc;
     if (Int4 rc = postedmatrix("VCE", V)) return rc;
     if (Int4 rc = makematrix(temptest, Rr.rows, Rr.rows)) return rc;
-    std::vector<UByte> used(std::size_t(V.cols), 1), flag(std::size_t(Rr.rows), 0);
+    std::vector<UByte> used(std::size_t(V.cols), 1), flag;
     if (Int4 rc = minimum ? leavedetermined(Rr, V, used) : 0) return rc;
     sandwich(Rr, V, used, temptest);
-    if (Int4 rc = matrin(temptest.row(0), Rr.rows, Rr.rows, 0, Rr.rows - 1, nullptr, 0, -1, flag.data()))
-        return error(rc);
-    std::vector<Double> d = distances(Rr, b, used);
-    Double W = 0;
-    for (Int4 i = 0; i < Rr.rows; i++) {
-        if (flag[std::size_t(i)] != 1) {
-            out.dropped.push_back(i + 1);
-            continue;
-        }
-        out.df++;
-        for (Int4 j = 0; j < Rr.rows; j++) W += d[std::size_t(i)] * temptest.at(i, j) * d[std::size_t(j)];
-    }
+    Double W;
+    if (Int4 rc = sweptform(temptest, distances(Rr, b, used), flag, W)) return error(rc);
+    for (std::size_t i = 0; i < flag.size(); i++)
+        if (flag[i] != 1) out.dropped.push_back(Int4(i) + 1);
+    out.df = Rr.rows - Int4(out.dropped.size());
     finish(W, out);
     return 0;
 }

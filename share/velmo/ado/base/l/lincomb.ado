@@ -2,9 +2,12 @@
 * lincomb: a linear combination of coefficients, with its interval
 program define lincomb, rclass
 	version 7.0
-	syntax anything(id="expression") [, Level(integer -1) EForm]
+	_expression `0'
+	local 0 : local options
+	syntax [, Level(integer -1) EForm]
+	_level `level'
 	tempname R b V e
-	local exp : escaped anything
+	local exp : escaped expression
 	quietly test `exp' = 0, matrix(`R')
 	matrix `b' = e(b)
 	matrix `V' = e(V)
@@ -14,7 +17,7 @@ program define lincomb, rclass
 	matrix `b' = `R'*`b''
 	matrix `V' = `R'*`V'*`R''
 	display
-	display as text " (1)  " as result _text(anything)
+	display as text " (1)  " as result _text(expression)
 	display
 	_coefrow show (1) `b'[1,1]+`e' sqrt(`V'[1,1]) `level' `eform'
 	return add

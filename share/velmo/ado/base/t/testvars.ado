@@ -25,12 +25,14 @@ end
 
 * Patterns and ranges are of variables, and mean those that have coefficients.
 program define Expand
-	foreach word of local 0 {
+	local words : local 0
+	foreach word of local words {
 		local found `word'
 		if index("`word'", "*") | index("`word'", "?") | index("`word'", "-") | index("`word'", "~") {
 			local found
-			unab all : `word'
-			foreach name of local all {
+			local 0 `word'
+			syntax varlist(ts)
+			foreach name of local varlist {
 				capture display _b[`name']
 				if _rc == 0 {
 					local found `found' `name'
@@ -45,7 +47,9 @@ program define Expand
 			}
 		}
 		foreach name of local found {
-			local names : list names | name
+			if index(" `names' ", " `name' ") == 0 {
+				local names `names' `name'
+			}
 		}
 	}
 	c_local names `names'

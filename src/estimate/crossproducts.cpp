@@ -260,7 +260,7 @@ Int4 sscp_accum(estsample& s, crossform form, crossproducts& out) {
         out.low.assign(s.sources.size(), floatmissing);
         out.high.assign(s.sources.size(), -floatmissing);
     }
-    if (weighttype == weight_a && !scaleweights(s, form.print, out.sumweights)) return 0;
+    if (weighttype == weight_a && !scaleweights(s, form.print || form.printweights, out.sumweights)) return 0;
     if (Int4 rc = form.deviations ? sumcolumns(s, out) : 0) return rc;
     if (Int4 rc = form.deviations ? deviationproducts(s, form, out) : rawproducts(s, form, out)) return rc;
     for (Int4 i = 0; i < k + 1; i++)

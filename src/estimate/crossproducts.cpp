@@ -8,6 +8,7 @@
 #include "language/stdparse.h"
 #include "matrix/kernels.h"
 #include "matrix/lanes.h"
+#include "matrix/tiles.h"
 #include "output/formats.h"
 #include "output/print.h"
 
@@ -103,6 +104,15 @@ Int4 drawmap(estsample& s, Double& total) {
     });
 }
 
+// Whether n observations, whose weights sum to `total`, can be worked on: 0 or 2000.
+Int4 enough(Int4 n, Double total) {
+    boolean counts = weighttype == weight_f || weighttype == weight_i;
+    boolean none = n == 0 || (counts && total == 0);
+    if (!none && (n > 1 || (counts && total > 1))) return 0;
+    error(none ? 2000 : 2001);
+    return 2000;
+}
+
 }  // namespace
 
 Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsample& out) {
@@ -118,12 +128,19 @@ Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsa
     if (!out.map.p || (weighttype && !out.weight.p)) return error(909);
     Double total = 0;
     if (Int4 rc = drawmap(out, total)) return rc;
-    boolean counts = weighttype == weight_f || weighttype == weight_i;
-    if (form.empty) return 0;
-    boolean none = out.n == 0 || (counts && total == 0);
-    if (!none && (out.n > 1 || (counts && total > 1))) return 0;
-    error(none ? 2000 : 2001);
-    return 2000;
+    return form.empty ? 0 : enough(out.n, total);
+}
+
+Int4 narrowsample(estsample& s, const UByte* leaves) {
+    Double total = 0;
+    s.n = 0;
+    for (Int4 i = 0; i < s.run; i++) {
+        if (leaves[i]) s.in()[i] = 0;
+        if (!s.in()[i]) continue;
+        s.n++;
+        if (s.weights()) total += s.weights()[i];
+    }
+    return enough(s.n, total);
 }
 
 rowbuffers::rowbuffers(std::size_t k)
@@ -173,57 +190,11 @@ boolean scaleweights(estsample& s, boolean print, Double& total) {
     return true;
 }
 
-// Sums over rows of a(i) b(j) for four i and four j, each in the rows' order.
-void addtile(const Double* a, const Double* b, Int4 n, std::size_t width, Double* sums) {
-    pair2 s[4][2];
-#pragma GCC unroll 4
-    for (Int4 i = 0; i < 4; i++)
-#pragma GCC unroll 2
-        for (Int4 j = 0; j < 2; j++) s[i][j] = loadpair(sums + 4 * i + 2 * j);
-    for (Int4 r = 0; r < n; r++, a += width, b += width) {
-        pair2 b0 = loadpair(b), b1 = loadpair(b + 2);
-#pragma GCC unroll 4
-        for (Int4 i = 0; i < 4; i++) {
-            pair2 t = {a[i], a[i]};
-            s[i][0] += t * b0;
-            s[i][1] += t * b1;
-        }
-    }
-#pragma GCC unroll 4
-    for (Int4 i = 0; i < 4; i++)
-#pragma GCC unroll 2
-        for (Int4 j = 0; j < 2; j++) storepair(sums + 4 * i + 2 * j, s[i][j]);
+// The triangle becomes that of m from row and column `from` on.
+void tolower(const tiles& t, matrix& m, Int4 from) {
+    for (Int4 i = from; i < m.rows; i++)
+        for (Int4 j = from; j <= i; j++) m.at(i, j) = t.sum(i - from, j - from);
 }
-
-// The lower triangle in tiles of four by four, and a block's rows times their weights.
-struct tiles {
-    std::size_t count, width;
-    workspace sums, weighted;
-    tiles(Int4 wide, Int4 step)
-        : count(std::size_t(wide) / 4), width(std::size_t(wide)), sums(count * (count + 1) / 2 * 16 * sizeof(Double)),
-          weighted(std::size_t(step) * width * sizeof(Double)) {
-        if (sums.p) std::fill_n(sums.get<Double>(), count * (count + 1) / 2 * 16, 0.0);
-    }
-    boolean got() const { return sums.p && weighted.p; }
-    // w first with the row of the triangle, or with its column.
-    void add(const Double* x, const Double* weight, Int4 n, boolean withcolumn) {
-        Double* wx = weighted.get<Double>();
-        for (std::size_t r = 0; weight && r < std::size_t(n); r++)
-            for (std::size_t j = 0; j < width; j++) wx[r * width + j] = weight[r] * x[r * width + j];
-        const Double *a = weight && !withcolumn ? wx : x, *b = weight && withcolumn ? wx : x;
-        Double* to = sums.get<Double>();
-        for (std::size_t i = 0; i < count; i++)
-            for (std::size_t j = 0; j <= i; j++, to += 16) addtile(a + 4 * i, b + 4 * j, n, width, to);
-    }
-    Double sum(std::size_t i, std::size_t j) const {
-        std::size_t row = i / 4;
-        return sums.get<Double>()[(row * (row + 1) / 2 + j / 4) * 16 + i % 4 * 4 + j % 4];
-    }
-    void tolower(matrix& m, Int4 from) const {
-        for (Int4 i = from; i < m.rows; i++)
-            for (Int4 j = from; j <= i; j++) m.at(i, j) = sum(std::size_t(i - from), std::size_t(j - from));
-    }
-};
 
 // First pass of deviations: the sums of weights and values, in column 0, and the means.
 Int4 sumcolumns(const estsample& s, crossproducts& out) {
@@ -253,7 +224,7 @@ Int4 rawproducts(const estsample& s, crossform form, crossproducts& out) {
         if (form.extremes) takeextremes(b, out);
         t.add(b.x, b.weight, b.n, false);
     });
-    t.tolower(out.m, 0);
+    tolower(t, out.m, 0);
     return rc;
 }
 
@@ -275,7 +246,7 @@ Int4 deviationproducts(const estsample& s, crossform form, crossproducts& out) {
         }
         t.add(d, b.weight, b.n, true);
     });
-    t.tolower(out.m, 1);
+    tolower(t, out.m, 1);
     return rc;
 }
 
@@ -289,7 +260,7 @@ Int4 sscp_accum(estsample& s, crossform form, crossproducts& out) {
         out.low.assign(s.sources.size(), floatmissing);
         out.high.assign(s.sources.size(), -floatmissing);
     }
-    if (weighttype == weight_a && !scaleweights(s, form.print, out.sumweights)) return 0;
+    if (weighttype == weight_a && !scaleweights(s, form.print || form.printweights, out.sumweights)) return 0;
     if (Int4 rc = form.deviations ? sumcolumns(s, out) : 0) return rc;
     if (Int4 rc = form.deviations ? deviationproducts(s, form, out) : rawproducts(s, form, out)) return rc;
     for (Int4 i = 0; i < k + 1; i++)

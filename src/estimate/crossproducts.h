@@ -27,6 +27,9 @@ struct estsample {
 // a string; 401 an fweight that isn't whole; 2000 no observations, or one, with the message of 2001; 909. Printed.
 Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsample& out);
 
+// Takes observations that the map (of the run) marks from the sample. 0, 2000 (printed) as above.
+Int4 narrowsample(estsample& s, const UByte* leaves);
+
 // Rows of the sample: of each the constant 1 and the k sources, zeros up to the width, a multiple of 4.
 struct rowsblock {
     Int4 n, width;
@@ -58,7 +61,7 @@ template <class F> Int4 overrows(const estsample& s, F one) {
     return 0;
 }
 
-struct crossform { boolean print = false, deviations = false, extremes = false; };
+struct crossform { boolean print = false, printweights = false, deviations = false, extremes = false; };
 struct crossproducts {
     matrix m;                            // row and column 0: the constant, with the sums; named by their places
     std::vector<Double> means;           // of the sources, with deviations
@@ -67,7 +70,7 @@ struct crossproducts {
 };
 // The lower triangle sums w x(i) x(j), or w d(j) d(i) of deviations from the means, observation by observation in plain
 // double; the upper mirrors it. aweights are scaled to sum to the number of observations, in the sample too; where they
-// sum to 0 all stays 0. print: "(sum of wgt is ...)" of aweights and "(obs=...)". 0, 1, 908, 909 (printed).
+// sum to 0 all stays 0. print: "(sum of wgt is ...)" of aweights and "(obs=...)"; printweights: the first alone. 0, 1, 908, 909 (printed).
 Int4 sscp_accum(estsample& s, crossform form, crossproducts& out);
 
 // The collinearity step: sweeps the cross-products' copy, the constant (if any) ahead of the others, and tells which of

@@ -17,7 +17,8 @@ struct regressrecord {
     Int4 regressors = 0;           // in the list, without the constant
     UByte weighted = 0;            // residual statistics have no meaning
     UByte constant = 1, hascons = 0, mse1 = 0, instruments = 0, robust = 0;
-    UByte unused[2] = {};
+    UByte centred = 0;             // sums of squares are about the mean
+    UByte unused = 0;
 };
 static_assert(sizeof(regressrecord) == 64);
 
@@ -32,6 +33,8 @@ struct binaryrecord {
     Int4 most = 0, iterations = 0, status = 0;       // status: that of the iteration (estimate/newton.h)
     UByte constant = 1, trace = 0, log = 1, asis = 0;
     char depname[48] = "";
+    Double tolerance = 0, ltolerance = 0;            // of the iteration
+    UByte unused[16] = {};
 };
 static_assert(sizeof(binaryrecord) == 256);
 

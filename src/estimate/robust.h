@@ -2,7 +2,7 @@
 // the outer products of the scores, of observations or of clusters.
 //
 // An estimator reads the options before it builds its sample (getopt_robust), hands its scores over after the fit
-// (robustvariance), and shows what came out of it by e(vcetype), e(clustvar), e(N_clust) (postrobust).
+// (addcluster, robustvariance), and shows what came out of it by e(vcetype), e(clustvar), e(N_clust) (postrobust).
 #pragma once
 #include <string>
 #include <vector>
@@ -24,7 +24,7 @@ Int4 getopt_robust(robustrequest& r, boolean score);
 
 // The design of an equation: columns of the sample's rows (0 is the constant's, j the jth source's), in the order of its
 // coefficients, and its score of each observation of the run, times the weight. Coefficients of all equations stand one
-// behind the other.
+// behind the other, and V has a row for each.
 struct scoredequation {
     std::vector<Int4> columns;
     const Double* score;
@@ -42,18 +42,26 @@ struct robustresult {
     Double df = 0;               // whole part of n less what was adjusted for, at least 0
 };
 
-// V (k x k, both triangles) holds D and becomes D M D. Missing values of the cluster variable must have left the sample
-// (addcluster). fweights count an observation so many times. 0, 1 on a Break, 909 (printed).
+// The middle, scaled: a row for each column of the equations. Missing values of the cluster variable must have left the
+// sample (addcluster). fweights count an observation so many times. The zero scale goes before the unit one. The sums of
+// a cluster are in the order of the data, those of clusters in the order of their values. 0, 1 on a Break, 909 (printed).
+Int4 robustmiddle(const estsample& s, const robustrequest& r, const robustrule& rule,
+                  const std::vector<scoredequation>& equations, matrix& M, robustresult& out);
+// out = D M D', of which the lower triangle is made the whole; D may have other rows than M. 0, 1, 908, 909 (printed).
+Int4 sandwich(const matrix& D, const matrix& M, matrix& out);
+// Both: V (k x k, both triangles) holds D and becomes D M D.
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out);
 
-// Takes observations whose cluster is missing or empty from the sample. 0, 1, 2000 (printed).
+// Takes observations whose cluster is missing or empty from the sample, ahead of its cross-products. 0, 1, 909, 2000
+// (printed).
 Int4 addcluster(estsample& s, const robustrequest& r);
 
 // e(vcetype) (Robust, or the text given), e(clustvar), e(N_clust).
 void postrobust(estimation& e, const robustrequest& r, const robustresult& result, const char* vcetype = "Robust");
 
-// Writes the scores of an observation, divided by its weight, to the new variable. 0; 900, 902 (printed).
+// Writes the scores of the run's observations, divided by their weights, to a new double, missing outside the sample;
+// nothing without a name. To be called when only the post can still fail. 0; 900, 902 (printed).
 Int4 storescores(const estsample& s, const robustrequest& r, const Double* score, const char* label);
 
 }  // namespace velmo

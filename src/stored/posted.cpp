@@ -220,6 +220,7 @@ Int4 makesample(const UByte* map, Int4 first, Int4 run, std::string& name) {
     for (Int4 obs = 1; obs <= nobs; obs++)
         putobs(var, obs, obs >= first && obs < first + run && map[obs - first] ? 1 : 0);
     name = varlist[var - 1];
+    visnvar = nvar;
     return 0;
 }
 

@@ -186,16 +186,24 @@ void chi2field(const mlheader& h) {
     else number("%10.2f", h.chi2, 1e7);
 }
 
+void ending(const mlheader& h) {
+    if (h.status == ended_iterations) prttextf("(stopped after %d iterations)", h.iterations);
+    if (h.status == ended_questionable) prttext("(estimated coefficients questionable)");
+    if (!converged(h.status)) return;
+    fmtnum("%9.0g", h.tolerance);
+    prttextf(h.status == ended_coefficients ? "(coefficient tolerance %s)" : "(log-likelihood tolerance %s)",
+             std::string(trimmed(dbuf)).c_str());
+}
+
 }  // namespace
 
 Int4 printmlheader(const mlheader& h) {
     prtnl();
     prttext(h.title);
-    if (h.failed) prtmarkup("{col 24}{bf:convergence not achieved}");
+    if (h.status != ended_none && !converged(h.status)) prtmarkup("{col 24}{bf:convergence not achieved}");
     field("Number of obs");
     prtresultf("%10d\n", h.n);
-    if (h.status == mlheader::ended_iterations) prttextf("(stopped after %d iterations)", h.iterations);
-    if (h.status == mlheader::ended_questionable) prttext("(estimated coefficients questionable)");
+    ending(h);
     if (!h.chi2type.empty()) chi2field(h);
     prtnl();
     prttext("Log likelihood = ");
@@ -211,6 +219,26 @@ Int4 printmlheader(const mlheader& h) {
         prtnl();
     }
     return breakpending;
+}
+
+void postedheader(mlheader& h) {
+    auto scalar = [](const char* name) {
+        Double value = missing;
+        std::string text;
+        return stored_get(e_results, name, value, text) == result_scalar ? value : missing;
+    };
+    Double unused;
+    auto count = [&](const char* name) {
+        Double value = scalar(name);
+        return value == missing ? 0 : Int4(value);
+    };
+    stored_get(e_results, "chi2type", unused, h.chi2type);
+    h.n = count("N");
+    h.df = count("df_m");
+    h.ll = scalar("ll");
+    h.chi2 = scalar("chi2");
+    h.pseudo = scalar("r2_p");
+    h.haspseudo = h.pseudo != missing;
 }
 
 }  // namespace velmo

@@ -3,6 +3,7 @@
 #pragma once
 #include <string>
 #include <vector>
+#include "estimate/newton.h"
 #include "matrix/matrices.h"
 
 namespace velmo {
@@ -36,10 +37,9 @@ Int4 postedtable(coeftable& t);
 
 struct mlheader {
     std::string title;
-    boolean failed = false;       // the iterations ended without convergence
     Int4 n = 0;
-    enum : Int4 { ended_none, ended_coefficients, ended_likelihood, ended_iterations, ended_questionable };
-    Int4 status = ended_none, iterations = 0;
+    Int4 status = ended_none, iterations = 0;    // how the iterations ended (newtonstatus), after how many
+    Double tolerance = missing;   // the one that ended them
     std::string chi2type;         // LR, Wald; without it there is no test
     Int4 df = 0;
     Double chi2 = missing, ll = missing;
@@ -48,5 +48,7 @@ struct mlheader {
 };
 
 Int4 printmlheader(const mlheader& h);        // 0 or 1
+// What e() knows of it: N, ll, chi2, chi2type, df_m, r2_p.
+void postedheader(mlheader& h);
 
 }  // namespace velmo

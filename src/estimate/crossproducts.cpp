@@ -301,7 +301,7 @@ Int4 dropcollinear(const crossproducts& c, const std::vector<std::string>& names
         return rc;
     for (std::size_t j = 0; j < names.size(); j++) {
         stays.push_back(flag[j + 1] != 2);
-        if (!stays[j]) notef("(note: %s dropped due to collinearity\n", names[j].c_str());
+        if (!stays[j]) notef("(note: %s dropped due to collinearity)\n", names[j].c_str());
     }
     return 0;
 }

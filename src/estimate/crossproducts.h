@@ -72,7 +72,8 @@ struct crossproducts {
 };
 // The lower triangle sums w x(i) x(j), or w d(j) d(i) of deviations from the means, observation by observation in plain
 // double; the upper mirrors it. aweights are scaled to sum to the number of observations, in the sample too; where they
-// sum to 0 all stays 0. print: "(sum of wgt is ...)" of aweights and "(obs=...)"; printweights: the first alone. 0, 1, 908, 909 (printed).
+// sum to 0 all stays 0. print: "(sum of wgt is ...)" of aweights and "(obs=...)"; printweights: the first alone. 0, 1,
+// 908, 909 (printed).
 Int4 sscp_accum(estsample& s, crossform form, crossproducts& out);
 
 // The collinearity step: sweeps the cross-products' copy, the constant (if any) ahead of the others, and tells which of

@@ -38,12 +38,28 @@ tiles::tiles(Int4 wide, Int4 step)
 
 void tiles::add(const Double* x, const Double* weight, Int4 n, boolean withcolumn) {
     Double* wx = weighted.get<Double>();
-    for (std::size_t r = 0; weight && r < std::size_t(n); r++)
-        for (std::size_t j = 0; j < width; j++) wx[r * width + j] = weight[r] * x[r * width + j];
+    for (std::size_t r = 0; weight && r < std::size_t(n); r++) {
+        pair2 w = {weight[r], weight[r]};
+        for (std::size_t j = 0; j < width; j += 2) storepair(wx + r * width + j, w * loadpair(x + r * width + j));
+    }
     const Double *a = weight && !withcolumn ? wx : x, *b = weight && withcolumn ? wx : x;
     Double* to = sums.get<Double>();
     for (std::size_t i = 0; i < count; i++)
         for (std::size_t j = 0; j <= i; j++, to += 16) addtile(a + 4 * i, b + 4 * j, n, width, to);
+}
+
+void addcolumns(const Double* x, const Double* t, Int4 n, Int4 width, Double* to) {
+    for (Int4 j = 0; j < width; j += 4) {
+        pair2 a = loadpair(to + j), b = loadpair(to + j + 2);
+        const Double* row = x + j;
+        for (Int4 r = 0; r < n; r++, row += width) {
+            pair2 tt = {t[r], t[r]};
+            a += tt * loadpair(row);
+            b += tt * loadpair(row + 2);
+        }
+        storepair(to + j, a);
+        storepair(to + j + 2, b);
+    }
 }
 
 }  // namespace velmo

@@ -19,4 +19,7 @@ struct tiles {
     }
 };
 
+// to(j) += the sum over n rows of t(row) x(row, j), in their order; width is a multiple of 4.
+void addcolumns(const Double* x, const Double* t, Int4 n, Int4 width, Double* to);
+
 }  // namespace velmo

@@ -68,6 +68,8 @@ TEST(CoefTable, StandardisedCoefficients) {
 TEST(CoefTable, HeaderOfMaximumLikelihood) {
     mlheader h;
     h.title = "Logit estimates";
+    h.status = ended_coefficients;
+    h.tolerance = 1e-4;
     h.n = 74;
     h.chi2type = "LR";
     h.df = 2;
@@ -77,19 +79,18 @@ TEST(CoefTable, HeaderOfMaximumLikelihood) {
     h.pseudo = .3966;
     auto print = [&] { return printmlheader(h); };
     EXPECT_EQ(printed(print), "\nLogit estimates                                   Number of obs   =         74\n"
-                              "                                                  LR chi2(2)      =       6.00\n"
+                              "(coefficient tolerance .0001)                     LR chi2(2)      =       6.00\n"
                               "Log likelihood = -27.175156                       Prob > chi2     =     0.0498\n"
                               "                                                  Pseudo R2       =     0.3966\n");
-    h.failed = true;
     h.haspseudo = false;
-    h.status = mlheader::ended_iterations;
+    h.status = ended_iterations;
     h.iterations = 3;
     h.chi2type = "Wald";
     h.chi2 = missing;
     EXPECT_EQ(printed(print), "\nLogit estimates        convergence not achieved   Number of obs   =         74\n"
                               "(stopped after 3 iterations)                      Wald chi2(2)    =          .\n"
                               "Log likelihood = -27.175156                       Prob > chi2     =          .\n");
-    h.status = mlheader::ended_questionable;
+    h.status = ended_questionable;
     h.chi2 = 2e7;
     EXPECT_NE(printed(print).find("\n(estimated coefficients questionable)             Wald chi2(2)    =  2.000e+07\n"),
               string::npos);

@@ -183,9 +183,6 @@ rowsblock readrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n) {
 
 // ---- Cross-products.
 
-namespace {
-
-// aweights as a share of their mean, and the line that tells their sum. False when the sum is 0.
 boolean scaleweights(estsample& s, boolean print, Double& total) {
     for (Int4 i = 0; i < s.run; i++)
         if (s.in()[i]) total += s.weights()[i];
@@ -199,6 +196,8 @@ boolean scaleweights(estsample& s, boolean print, Double& total) {
     for (Int4 i = 0; i < s.run; i++) s.weights()[i] /= mean;
     return true;
 }
+
+namespace {
 
 // The triangle becomes that of m from row and column `from` on.
 void tolower(const tiles& t, matrix& m, Int4 from) {

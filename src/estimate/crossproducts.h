@@ -63,6 +63,9 @@ template <class F> Int4 overrows(const estsample& s, F one) {
     return 0;
 }
 
+// aweights as a share of their mean, in the sample; print: the line that tells their sum. False when that is 0.
+boolean scaleweights(estsample& s, boolean print, Double& total);
+
 struct crossform { boolean print = false, printweights = false, deviations = false, extremes = false; };
 struct crossproducts {
     matrix m;                            // row and column 0: the constant, with the sums; named by their places

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include "estimate/regress.h"
+#include "estimate/wald.h"
 #include "language/stdparse.h"
 #include "matrix/compadd.h"
 #include "matrix/kernels.h"
@@ -184,26 +185,15 @@ Int4 makerobust(const normalequations& e, const projection& p, const regressmode
 
 }  // namespace
 
-Double waldtest(const matrix& b, const matrix& V, Double scale, Int4 tested, Double& rank) {
-    std::size_t n = std::size_t(tested);
-    std::vector<Double> A(n * n), d(n);
-    std::vector<UByte> flag(n + 1, 0);
-    rank = 0;
-    // In units of the standard errors, so that the sweep doesn't depend on those of the data.
-    for (Int4 i = 0; i < tested; i++) d[std::size_t(i)] = V.at(i, i) > 0 ? std::sqrt(V.at(i, i)) : 1;
-    for (Int4 i = 0; i < tested; i++)
-        for (Int4 j = 0; j < tested; j++)
-            A[std::size_t(i) * n + std::size_t(j)] = V.at(i, j) / (d[std::size_t(i)] * d[std::size_t(j)]);
-    if (!tested || matrin(A.data(), tested, tested, 0, tested - 1, nullptr, 0, -1, flag.data())) return missing;
-    Double w = 0;
-    for (Int4 i = 0; i < tested; i++) {
-        rank += flag[std::size_t(i)] == 1;
-        for (Int4 j = 0; j < tested; j++)
-            w += A[std::size_t(i) * n + std::size_t(j)] * (b.at(0, i) / d[std::size_t(i)]) *
-                 (b.at(0, j) / d[std::size_t(j)]);
-    }
-    Double F = w / scale / rank;
-    return rank > 0 && scale > 0 && std::isfinite(F) && F >= 0 ? F : missing;
+Int4 waldF(const matrix& b, const matrix& V, Double scale, Int4 tested, Double& F, Double& df) {
+    std::vector<Int4> which;
+    for (Int4 i = 0; i < tested; i++) which.push_back(i);
+    waldresult w;
+    if (Int4 rc = waldtest(b, V, which, w)) return rc;
+    Double value = w.chi2 / scale / w.df;
+    df = w.df;
+    F = tested == 0 ? 0 : w.df > 0 && scale > 0 && std::isfinite(value) && value >= 0 ? value : missing;
+    return 0;
 }
 
 Int4 measurefit(const estsample& s, const normalequations& e, const projection& p, const regressmodel& m,
@@ -224,10 +214,8 @@ Int4 measurefit(const estsample& s, const normalequations& e, const projection& 
     statistics(m, f);
     if (f.robust)
         if (Int4 rc = makerobust(e, p, m, r, f)) return rc;
-    Int4 tested = m.regressors;
-    if (f.robust || m.instruments) f.F = waldtest(f.b, f.V, f.robust ? 1 : f.mse, tested, f.Fdf);
-    if ((f.robust || m.instruments) && tested == 0) f.F = 0;
-    return 0;
+    if (!f.robust && !m.instruments) return 0;
+    return waldF(f.b, f.V, f.robust ? 1 : f.mse, m.regressors, f.F, f.Fdf);
 }
 
 }  // namespace velmo

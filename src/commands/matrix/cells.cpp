@@ -44,7 +44,8 @@ Int4 cmd__matcell() {
     if (Int4 rc = stdparse({.varlist = never, .ifexp = never, .in = never, .exp = must, .options = never, .by = never}))
         return rc;
     if (!matfind(name, &rows, &cols)) return matnotfound(name);
-    if (at[0] < 1 || at[0] > rows || at[1] < 1 || at[1] > cols || matlayoutof(name) != mat_full) return error(503);
+    boolean apart = matlayoutof(name) != mat_full && at[0] != at[1];     // would change two of a symmetric one
+    if (at[0] < 1 || at[0] > rows || at[1] < 1 || at[1] > cols || apart) return error(503);
     matset(name, at[0] - 1, at[1] - 1, exp_getnum(eqexp, 1));
     return 0;
 }

@@ -1,0 +1,10 @@
+*! version 1.0.0  22nov2026
+* bootstrap: standard errors and intervals of a command's results, from samples drawn with replacement
+program define bootstrap, rclass
+	version 7.0
+	_splitcommand `0'
+	local 0 : local options
+	syntax [, Reps(integer 50) STATs(string asis) CLuster(varlist) SAVing(string asis) Level(integer $S_level) noDOTs *]
+	_resampled bootstrap `reps' `level' "`cluster'" "`dots'" `"`saving'"' `"`stats'"' "`colon'" `"`options'"' `command'
+	return add
+end

@@ -1,0 +1,10 @@
+*! version 1.0.0  22nov2026
+* jackknife: standard errors and intervals of a command's results, from samples that leave one observation out
+program define jackknife, rclass
+	version 7.0
+	_splitcommand `0'
+	local 0 : local options
+	syntax [, STATs(string asis) CLuster(varlist) SAVing(string asis) Level(integer $S_level) noDOTs *]
+	_resampled jackknife 0 `level' "`cluster'" "`dots'" `"`saving'"' `"`stats'"' "`colon'" `"`options'"' `command'
+	return add
+end

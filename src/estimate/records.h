@@ -17,7 +17,8 @@ struct regressrecord {
     Int4 regressors = 0;           // in the list, without the constant
     UByte weighted = 0;            // residual statistics have no meaning
     UByte constant = 1, hascons = 0, mse1 = 0, instruments = 0, robust = 0;
-    UByte unused[2] = {};
+    UByte centred = 0;             // sums of squares are about the mean
+    UByte unused = 0;
 };
 static_assert(sizeof(regressrecord) == 64);
 

@@ -151,32 +151,45 @@ Double scale(const estsample& s, const robustrule& rule, robustresult& out) {
     return rule.zeroscale ? 0 : rule.unitscale ? 1 : q;
 }
 
-// V = D (q M) D, of which the lower triangle is made the whole.
-Int4 sandwich(const tiles& t, const std::vector<Int4>& places, Double q, matrix& V) {
-    Int4 k = V.rows;
-    matrix M, half;
+}  // namespace
+
+Int4 robustmiddle(const estsample& s, const robustrequest& r, const robustrule& rule,
+                  const std::vector<scoredequation>& equations, matrix& M, robustresult& out) {
+    scoredrows rows(s, equations);
+    Int4 step = rowbuffers(s.sources.size()).step, k = Int4(rows.places.size());
+    tiles t(rows.width, step);
+    if (!t.got()) return error(909);
     if (Int4 rc = makematrix(M, k, k)) return rc;
-    if (Int4 rc = makematrix(half, k, k)) return rc;
+    Int4 rc = r.cluster ? clustersums(rows, r.cluster, t, step, out.clusters) : observationsums(rows, t, step);
+    if (rc) return rc;
+    Double q = scale(s, rule, out);
     for (Int4 i = 0; i < k; i++)
-        for (Int4 j = 0; j < k; j++) M.at(i, j) = t.sum(places[std::size_t(i)], places[std::size_t(j)]) * q;
-    if (Int4 rc = matproduct(V.row(0), M.row(0), half.row(0), k, k, k)) return rc;
-    if (Int4 rc = matproduct(half.row(0), V.row(0), M.row(0), k, k, k)) return rc;
-    for (Int4 i = 0; i < k; i++)
-        for (Int4 j = 0; j <= i; j++) V.at(i, j) = V.at(j, i) = M.at(i, j);
+        for (Int4 j = 0; j < k; j++)
+            M.at(i, j) = t.sum(rows.places[std::size_t(i)], rows.places[std::size_t(j)]) * q;
     return 0;
 }
 
-}  // namespace
+Int4 sandwich(const matrix& D, const matrix& M, matrix& out) {
+    Int4 n = D.rows, k = D.cols;
+    matrix half, other, all;
+    if (Int4 rc = makematrix(half, n, k)) return rc;
+    if (Int4 rc = makematrix(other, k, n)) return rc;
+    if (Int4 rc = makematrix(all, n, n)) return rc;
+    for (Int4 i = 0; i < k; i++)
+        for (Int4 j = 0; j < n; j++) other.at(i, j) = D.at(j, i);
+    if (Int4 rc = matproduct(D.row(0), M.row(0), half.row(0), n, k, k)) return rc;
+    if (Int4 rc = matproduct(half.row(0), other.row(0), all.row(0), n, k, n)) return rc;
+    for (Int4 i = 0; i < n; i++)
+        for (Int4 j = 0; j < i; j++) all.at(j, i) = all.at(i, j);
+    out.x = std::move(all.x);
+    return 0;
+}
 
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out) {
-    scoredrows rows(s, equations);
-    Int4 step = rowbuffers(s.sources.size()).step;
-    tiles t(rows.width, step);
-    if (!t.got()) return error(909);
-    Int4 rc = r.cluster ? clustersums(rows, r.cluster, t, step, out.clusters) : observationsums(rows, t, step);
-    if (rc) return rc;
-    return sandwich(t, rows.places, scale(s, rule, out), V);
+    matrix M;
+    if (Int4 rc = robustmiddle(s, r, rule, equations, M, out)) return rc;
+    return sandwich(V, M, V);
 }
 
 // ---- What is left of it.

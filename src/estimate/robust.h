@@ -42,9 +42,14 @@ struct robustresult {
     Double df = 0;               // whole part of n less what was adjusted for, at least 0
 };
 
-// V (k x k, both triangles) holds D and becomes D M D. Missing values of the cluster variable must have left the sample
-// (addcluster). fweights count an observation so many times. The zero scale goes before the unit one. The sums of a
-// cluster are in the order of the data, those of clusters in the order of their values. 0, 1 on a Break, 909 (printed).
+// The middle, scaled: a row for each column of the equations. Missing values of the cluster variable must have left the
+// sample (addcluster). fweights count an observation so many times. The zero scale goes before the unit one. The sums of
+// a cluster are in the order of the data, those of clusters in the order of their values. 0, 1 on a Break, 909 (printed).
+Int4 robustmiddle(const estsample& s, const robustrequest& r, const robustrule& rule,
+                  const std::vector<scoredequation>& equations, matrix& M, robustresult& out);
+// out = D M D', of which the lower triangle is made the whole; D may have other rows than M. 0, 1, 908, 909 (printed).
+Int4 sandwich(const matrix& D, const matrix& M, matrix& out);
+// Both: V (k x k, both triangles) holds D and becomes D M D.
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out);
 

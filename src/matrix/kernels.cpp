@@ -145,6 +145,44 @@ Int4 cholesky(const Double* A, Double* L, Int4 stride, Int4 n) {
     return 0;
 }
 
+Int4 scaledcholesky(const Double* A, Double* L, Double* d, Int4 n) {
+    rowsof l{L, n};
+    auto a = [&](Int4 i, Int4 j) {
+        return A[std::size_t(i) * std::size_t(n) + std::size_t(j)] / (d[i] * d[j]);
+    };
+    std::fill_n(L, std::size_t(n) * std::size_t(n), 0.0);
+    for (Int4 i = 0; i < n; i++) {
+        Double diagonal = A[std::size_t(i) * std::size_t(n) + std::size_t(i)];
+        d[i] = diagonal == 0 ? 1 : std::sqrt(diagonal);
+    }
+    for (Int4 j = 0; j < n; j++) {
+        if (a(j, j) == 0) continue;
+        for (Int4 i = j; i < n; i++) {
+            compsum s;
+            for (Int4 k = 0; k < j; k++) compadd(s, l[i][k] * l[j][k]);
+            Double v = a(i, j) - total(s);
+            if (i == j && !(v > (j + 1) * a(j, j) * 1.176836507e-16)) return 506;
+            l[i][j] = i == j ? std::sqrt(v) : v / l[j][j];
+        }
+    }
+    return 0;
+}
+
+void scaledsolve(const Double* L, const Double* d, const Double* r, Double* b, Int4 n) {
+    auto l = [&](Int4 i, Int4 j) { return L[std::size_t(i) * std::size_t(n) + std::size_t(j)]; };
+    for (Int4 i = 0; i < n; i++) {
+        compsum s;
+        for (Int4 k = 0; k < i; k++) compadd(s, l(i, k) * b[k]);
+        b[i] = l(i, i) == 0 ? 0 : (r[i] / d[i] - total(s)) / l(i, i);
+    }
+    for (Int4 i = n - 1; i >= 0; i--) {
+        compsum s;
+        for (Int4 k = i + 1; k < n; k++) compadd(s, l(k, i) * b[k]);
+        b[i] = l(i, i) == 0 ? 0 : (b[i] - total(s)) / l(i, i);
+    }
+    for (Int4 i = 0; i < n; i++) b[i] /= d[i];
+}
+
 // ---- Triangular factors, with pivots by size relative to their rows' scales. Crout 1941; Wilkinson 1965. The
 // subtractions from an element are those of Crout's inner products, in their order.
 

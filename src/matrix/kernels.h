@@ -19,6 +19,10 @@ Int4 matrin(Double* M, Int4 stride, Int4 n, Int4 first, Int4 last, const Int4* f
 Int4 matrin3(Double* M, Int4 stride, Int4 n, Int4 first, Int4 last, UByte* flag, boolean& ridged);
 
 Int4 cholesky(const Double* A, Double* L, Int4 stride, Int4 n);            // 0 or 506
+// The factor of A scaled to a diagonal of 1, with compensated sums; d gets the scales. A row with a zero diagonal is
+// passed over. And the solution b of A b = r by it, 0 where the diagonal is. 0 or 506.
+Int4 scaledcholesky(const Double* A, Double* L, Double* d, Int4 n);
+void scaledsolve(const Double* L, const Double* d, const Double* r, Double* b, Int4 n);
 Int4 luinverse(const Double* A, Double* out, Int4 stride, Int4 n);         // 0, 504, 909
 // By the same factors; 0 when singular. 0, 1, 909.
 Int4 determinant(const Double* A, Int4 stride, Int4 n, Double& value);

@@ -38,6 +38,8 @@ PHRASES = {name: re.split(r"\s*;; ", text) for name, text in {
 TEMPLATES = {k: re.split(r" ;;\s+", v.strip().replace("\\\n", "")) for k, v in (
 ("reads", r"""summarize {vars}{if}{in}{w}{, detail|, meanonly|, format|} ;; {byp} summarize {vars}{if}{w}{|, detail} ;;
 {byp} correlate {vars}{if}{w}{, covariance|, means|, wrap noformat|} ;; _rmcoll {vars}{if}{w}{|, noconstant} ;;
+{byp} {logit|probit} {num} {vars}{if}{in}{w}{, nolog|, robust iterate({int})|, cluster({var}) tabulate|, asis trace|, \
+noconstant offset({num}) ltolerance(.001)|} ;; {logit|probit}{|, tabulate nocoef|, or} ;;
 matrix accum A = {vars}{if}{in}{w}{|, noconstant|, deviations means(M)} ;; matrix vecaccum v = {num} {vars}{if}{w} ;;
 matrix opaccum A = {num}, group({var}) opvar({num}) ;; matrix symeigen X v = A ;; matrix svd X v Y = A ;;
 matrix glsaccum A = {num}{w}, group({var}) glsmat({A|X|{str}}) row({num}) ;; pairwise {vars}{if}{w}{|, obs sig sidak} ;;

@@ -160,7 +160,36 @@ rowbuffers::rowbuffers(std::size_t k)
     if (x.p) std::fill_n(x.get<Double>(), std::size_t(step) * std::size_t(width), 0.0);
 }
 
+Int4 keeprows(estsample& s) {
+    droprows(s);
+    std::size_t n = std::size_t(s.n), width = std::size_t(rowwidth(s.sources.size())), bytes = n * width * sizeof(Double);
+    if (n == 0 || bytes > mostkept) return 0;
+    workspace rows(bytes), numbers(n * sizeof(Int4));
+    if (!rows.p || !numbers.p) return 0;
+    std::size_t at = 0;
+    Int4 rc = overrows(s, [&](const rowsblock& b) {
+        std::copy_n(b.x, std::size_t(b.n) * width, rows.get<Double>() + at * width);
+        std::copy_n(b.obs, b.n, numbers.get<Int4>() + at);
+        at += std::size_t(b.n);
+    });
+    s.rows = std::move(rows);
+    s.numbers = std::move(numbers);
+    return rc;
+}
+
+namespace {
+
+rowsblock keptrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n) {
+    const Int4* obs = s.numbers.get<Int4>() + at;
+    Double* weight = s.weights() ? r.weight.get<Double>() : nullptr;
+    for (Int4 i = 0; weight && i < n; i++) weight[i] = s.weights()[obs[i] - s.first];
+    return {n, r.width, s.rows.get<Double>() + std::size_t(at) * std::size_t(r.width), weight, obs};
+}
+
+}  // namespace
+
 rowsblock readrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n) {
+    if (s.rows.p) return keptrows(s, r, at, n);
     const UByte* in = s.in() + at;
     Double *rows = r.x.get<Double>(), *weight = r.weight.get<Double>();
     Int4* numbers = r.obs.get<Int4>();

@@ -1,7 +1,6 @@
 #include "estimate/testconstraints.h"
-#include <algorithm>
-#include <cmath>
 #include <string>
+#include "base/saved.h"
 #include "estimate/records.h"
 #include "estimate/wald.h"
 #include "matrix/kernels.h"
@@ -85,17 +84,6 @@ std::vector<Double> distances(const matrix& Rr, const matrix& b, const std::vect
     return d;
 }
 
-// A power of 2 of the size of the largest variance. In units of it the sweep's floor doesn't depend on those of the
-// data, and nothing else changes.
-Double powerabove(const matrix& m) {
-    Double largest = 0;
-    for (Int4 i = 0; i < m.rows; i++) largest = std::max(largest, m.at(i, i));
-    Int4 power = 0;
-    if (!known(largest) || largest == 0) return 1;
-    std::frexp(largest, &power);
-    return std::ldexp(1.0, power);
-}
-
 void finish(Double W, constrainttest& out) {
     if (!out.df) return;
     boolean isF = out.dfr != missing;
@@ -107,6 +95,7 @@ void finish(Double W, constrainttest& out) {
 
 Int4 testconstraints(const matrix& Rr, boolean minimum, constrainttest& out) {
     matrix b, V, temptest;
+    saved<Double> floor(sweepfloor, 0);      // what is small depends on the units of the data
     out = {};
     if (Int4 rc = residualdf(out.dfr)) return rc;
     if (Int4 rc = postedmatrix("_b", b)) return rc;
@@ -115,13 +104,12 @@ Int4 testconstraints(const matrix& Rr, boolean minimum, constrainttest& out) {
     std::vector<UByte> used(std::size_t(V.cols), 1), flag;
     if (Int4 rc = minimum ? leavedetermined(Rr, V, used) : 0) return rc;
     sandwich(Rr, V, used, temptest);
-    Double W, unit = powerabove(temptest);
-    for (Int4 i = 0; i < Rr.rows * Rr.rows; i++) temptest.row(0)[i] /= unit;
+    Double W;
     if (Int4 rc = sweptform(temptest, distances(Rr, b, used), flag, W)) return error(rc);
     for (std::size_t i = 0; i < flag.size(); i++)
         if (flag[i] != 1) out.dropped.push_back(Int4(i) + 1);
     out.df = Rr.rows - Int4(out.dropped.size());
-    finish(W / unit, out);
+    finish(W, out);
     return 0;
 }
 

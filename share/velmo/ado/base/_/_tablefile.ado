@@ -1,6 +1,6 @@
 *! version 1.0.0  22nov2026
 * _tablefile: a table as a file, for programs. The ending of the name says what kind: .csv, .html, .tex or .md.
-*   _tablefile check name[, replace]     leaves tablename, tablekind and tablereplace to the caller; 198 for other endings
+*   _tablefile check name[, replace]     leaves tablename, tablekind, tablereplace to the caller; 198 else
 *   _tablefile begin handle kind columns                  the caller opens and closes the file
 *   _tablefile head|row handle kind "cell" "cell" ...       the first column is of texts, the others are set to the right
 *   _tablefile rule|end handle kind
@@ -80,8 +80,8 @@ program define Row
 			file write `handle' (cond(`k' > 1, ",", "")) (_local(cell))
 		}
 		else if "`kind'" == "html" {
-			file write `handle' (cond(`k' > 1, "", "<tr>")) /*
-				*/ ("<`tag'" + cond(`k' > 1, " align=" + char(34) + "right" + char(34), "") + ">") (_local(cell)) "</`tag'>"
+			local align = cond(`k' > 1, " align=" + char(34) + "right" + char(34), "")
+			file write `handle' (cond(`k' > 1, "", "<tr>")) "<`tag'" (_local(align)) ">" (_local(cell)) "</`tag'>"
 		}
 		else if "`kind'" == "tex" {
 			file write `handle' (cond(`k' > 1, " & ", "")) (_local(cell))

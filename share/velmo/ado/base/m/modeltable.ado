@@ -56,16 +56,18 @@ program define modeltable, rclass
 	local wide = max(1, int((`: set linesize'-14)/12))
 	forvalues first = 1(`wide')`k' {
 		local last = min(`first'+`wide'-1, `k')
-		Lines display - `first' `last' "`models'" "`outcomes'" "`rows'" "`below'" "`stats'" `coefficients' `statistics'
+		Lines display - `first' `last' "`models'" "`outcomes'" "`rows'" "`below'" "`stats'" /*
+			*/ `coefficients' `statistics'
 	}
 	if `file' {
 		tempname h
 		file open `h' using `"`tablename'"', write text `tablereplace'
 		_tablefile begin `h' `tablekind' `=`k'+1'
-		Lines `h' `tablekind' 1 `k' "`models'" "`outcomes'" "`rows'" "`below'" "`stats'" `coefficients' `statistics'
+		Lines `h' `tablekind' 1 `k' "`models'" "`outcomes'" "`rows'" "`below'" "`stats'" /*
+			*/ `coefficients' `statistics'
 		_tablefile end `h' `tablekind'
 		file close `h'
-		display as text `"(file `tablename' saved)"'
+		display as text "(file " _text(tablename) " saved)"
 	}
 	matrix rename `coefs' return(coefs)
 	matrix rename `figures' return(stats)
@@ -195,8 +197,12 @@ program define Cell
 	local cell
 	if `c' < . {
 		local x = `B'[`r',`c']
+		local format = cond("`kind'" == "csv", "%12.0g", "%9.0g")
+		if `r' > 2 {
+			local format = cond(`r' == 3, "%9.2f", "%5.3f")
+		}
 		if `x' < . {
-			local cell = trim(string(`x', cond(`r' == 3, "%9.2f", cond(`r' == 4, "%5.3f", cond("`kind'" == "csv", "%12.0g", "%9.0g")))))
+			local cell = trim(string(`x', "`format'"))
 			if `r' == 2 & "`kind'" != "csv" {
 				local cell "(`cell')"
 			}

@@ -38,11 +38,17 @@ PHRASES = {name: re.split(r"\s*;; ", text) for name, text in {
 TEMPLATES = {k: re.split(r" ;;\s+", v.strip().replace("\\\n", "")) for k, v in (
 ("reads", r"""summarize {vars}{if}{in}{w}{, detail|, meanonly|, format|} ;; {byp} summarize {vars}{if}{w}{|, detail} ;;
 {byp} correlate {vars}{if}{w}{, covariance|, means|, wrap noformat|} ;; _rmcoll {vars}{if}{w}{|, noconstant} ;;
+{byp} {logit|probit} {num} {vars}{if}{in}{w}{, nolog|, robust iterate({int})|, cluster({var}) tabulate|, asis trace|, \
+noconstant offset({num}) ltolerance(.001)|} ;; {logit|probit}{|, tabulate nocoef|, or} ;;
 matrix accum A = {vars}{if}{in}{w}{|, noconstant|, deviations means(M)} ;; matrix vecaccum v = {num} {vars}{if}{w} ;;
 matrix opaccum A = {num}, group({var}) opvar({num}) ;; matrix symeigen X v = A ;; matrix svd X v Y = A ;;
 matrix glsaccum A = {num}{w}, group({var}) glsmat({A|X|{str}}) row({num}) ;; pairwise {vars}{if}{w}{|, obs sig sidak} ;;
 _pctile {num}{if}{w}{|, nq({int}) altdef|, p({int} {int}{int})} ;; corrmatrix {vars}{if}{w} ;;
-matfrom {vars}{if}{in}, to(A){| missing} ;;
+matfrom {vars}{if}{in}, to(A){| missing} ;; {byp} ci {vars}{if}{w}{|, poisson|, binomial level(90)|, by({vars})} ;;
+{byp} {ttest|vartest|proptest} {num} {=|==} {{int}|{num}|.}{if}{in}{|, unpaired|, unequal unpaired|, level({int})} ;;
+{byp} {ttest|vartest|proptest} {num}{if}{in}, by({var}){| unequal} ;;
+{bootstrap|jackknife} {summarize {vars}{if}|count{if}, noisily|regress {vars}{if}}{|, stats({exp})} ;;
+bootstrap, reps({int}) {|cluster({vars}) |saving({file}) |nodots }: summarize {num}{if} ;;
 list {vars}{if}{in}{, nolabel|, noobs|, display|, nodisplay doublespace|, noheader|} ;; {byp} list {vars}{if} ;;
 describe{| {vars}|, short|, detail|, numbers|, fullnames} ;; describe using {file}{|, short} ;;
 inspect {vars}{if}{in} ;; codebook {vars}{if}{|, tabulate({int})|, notes} ;; {byp} count{if}{in} ;;
@@ -114,6 +120,7 @@ pctile({num}), p({int}{int})|ma({num}), t({int})|ends({str})}{if} ;;
 recode {vars} {int}={int} {int}/{int}={int}{| *=.}{if}{|, generate({new})|, prefix(r)|, test} ;;
 mvencode {vars}{if}, mv({int}{int}){|, override} ;; mvdecode {vars}{if}, mv({int} {int}) ;;
 separate {num}{if}, by({cond}){|, generate({new})|, missing|, shortlabel} ;;
+indicators {vars|{var}*{var}|{var}}{|, prefix({text})|, base(highest)|, base({int})} ;;
 duplicates {drop|drop {vars}, force|tag {vars}, generate({new})} ;; sample {int}{int}{if}{|, count|, by({vars})} ;;
 collapse {({mean|sum|median|p10|sd|count|max|first|iqr}) }{vars} (count) {new}={var}{if}{w}{|, by({vars})|, cw} ;;
 contract {vars}{if}{|, freq({new})|, zero|, nomiss} ;; fillin {vars} ;;
@@ -127,7 +134,7 @@ merge using {file}{|, nokeep} ;; append using {file}{|, nolabel} ;;
 save {file}, replace{| old| nolabel| all| midscale} ;; use {file}, clear{| nolabel} ;;
 use {vars} using {file}{if}{in}, clear ;; use {file} ;; preserve ;; restore{|, preserve|, not} ;;
 set maxvar {2047|2100|3000|5000|9000} ;; set memory {int}m ;; discard ;; clear"""),
-("loose", r"""expand min(5, {model}){if} ;;
+("loose", r"""expand min(5, {model}){if} ;; indicators {vars}: regress {vars} ;;
 matto A{|, names({new} {new})|, replace} ;;
 insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
 infile {str9 {new} {new}|{new}-{new}|{new} {new}|byte {new}:{lab} str3 {new}} using t{int}.raw{if}{in}, clear{|\

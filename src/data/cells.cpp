@@ -1,6 +1,7 @@
 #include "data/cells.h"
 #include <cmath>
 #include "base/text.h"
+#include "data/run.h"
 
 namespace velmo {
 
@@ -32,6 +33,17 @@ void clearcell(Int4 var, Int4 obs) {
         std::memset(cellptr(var, obs), 0, type);
     else
         writecell(cellptr(var, obs), type, missing);
+}
+
+Int4 clearoutside(Int4 var) {
+    Int4 cleared = 0;
+    auto clear = [&](Int4 from, Int4 to) {
+        for (Int4 obs = from; obs <= to; obs++) clearcell(var, obs);
+        cleared += to >= from ? to - from + 1 : 0;
+    };
+    clear(1, firstobs - 1);
+    clear(lastobs + 1, nobs);
+    return cleared;
 }
 
 UByte typeneeded(UByte type, Double v) {

@@ -60,6 +60,7 @@ inline Int4 getlong(Int4 var, Int4 obs) { return readraw<Int4>(cellptr(var, obs)
 inline void putlong(Int4 var, Int4 obs, Int4 v) { writeraw<Int4>(cellptr(var, obs), v); }
 // Sets a cell to missing or "".
 void clearcell(Int4 var, Int4 obs);
+Int4 clearoutside(Int4 var);           // those of the observations outside the run (data/run.h): their number
 
 // The storage type that a value needs, starting from an integer type; float and double stay. A missing value needs
 // nothing.

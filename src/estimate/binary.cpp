@@ -99,9 +99,10 @@ struct binaryfit {
         std::vector<source> sources = listsources();
         for (Int4 i = 1; i < vl_n; i++) names.push_back(entryname(i));
         if (request.offset) sources.push_back({request.offset});
-        if (Int4 rc = estimationsample(sources, {.binary = true}, s)) return rc;
-        if (Int4 rc = addcluster(s, request.robust)) return rc;
-        return request.asis ? checkvaries(s) : dropperfect(s, names, rules);
+        if (Int4 rc = estimationsample(sources, {.binary = true, .cluster = request.robust.cluster}, s)) return rc;
+        if (!request.asis) return dropperfect(s, names, rules);
+        Int4 rc = checkvaries(s);
+        return rc ? rc : keeprows(s);
     }
 
     // The regressors' part of the cross-products, with the constant.
@@ -113,11 +114,11 @@ struct binaryfit {
             for (Int4 j = 0; j < n; j++) x.m.at(i, j) = c.m.at(i ? i + 1 : 0, j ? j + 1 : 0);
         std::vector<boolean> stays;
         if (Int4 rc = dropcollinear(x, names, constant, stays)) return rc;
-        for (std::size_t j = names.size(); j-- > 0;) {
-            if (stays[j]) continue;
-            names.erase(names.begin() + std::ptrdiff_t(j));
-            s.sources.erase(s.sources.begin() + std::ptrdiff_t(j) + 1);
-        }
+        for (std::size_t j = 0; j < stays.size(); j++)
+            if (stays[j]) form.columns.push_back(Int4(j) + 2);
+        if (constant) form.columns.push_back(0);
+        for (std::size_t j = stays.size(); j-- > 0;)
+            if (!stays[j]) names.erase(names.begin() + std::ptrdiff_t(j));
         return names.empty() && !constant ? error(102) : 0;
     }
 
@@ -131,7 +132,7 @@ struct binaryfit {
         record.n = Int4(std::min(std::floor(total), Double(longmissing - 1)));
         Double p = record.successes / (record.successes + record.failures);
         Double offset = request.offset ? c.m.at(c.m.rows - 1, 0) / total : 0;
-        b.assign(names.size() + constant, 0);
+        b.assign(form.columns.size(), 0);
         if (constant) b.back() = model.start(p) - offset;
         if (constant && !request.offset) ll0 = std::log(1 - p) * record.failures + std::log(p) * record.successes;
     }
@@ -140,11 +141,8 @@ struct binaryfit {
         if (Int4 rc = sample()) return rc;
         crossproducts c;
         if (Int4 rc = sscp_accum(s, {.printweights = true}, c)) return rc;
-        start(c);
         if (Int4 rc = collinear(c)) return rc;
-        if (b.size() > names.size() + constant) b.erase(b.begin(), b.end() - std::ptrdiff_t(names.size() + constant));
-        for (Int4 j = 0; j < Int4(names.size()); j++) form.columns.push_back(j + 2);
-        if (constant) form.columns.push_back(0);
+        start(c);
         if (request.offset) form.offset = Int4(s.sources.size());
         return design.open(s, form);
     }

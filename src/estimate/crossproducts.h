@@ -12,8 +12,8 @@
 namespace velmo {
 
 // A binary outcome, the first source, is 0 and 1; empty: no observations are a sample too; sums: those of the
-// cross-products are wanted, and may be taken on the way.
-struct sampleform { boolean empty = false, binary = false, sums = false; };
+// cross-products are wanted, and may be taken on the way; cluster: a variable, numeric or string, that must have a value.
+struct sampleform { boolean empty = false, binary = false, sums = false; Int4 cluster = 0; };
 
 struct estsample {
     std::vector<source> sources;
@@ -21,7 +21,9 @@ struct estsample {
     Int4 n = 0;                          // how many of them count
     boolean binary = false;
     std::vector<Double> sums;            // of weights and values, or empty
+    workspace clusters{0};               // of the run: values of a numeric cluster variable
     workspace map{0}, weight{0};         // of the run: UByte, 0 out, and 2 for a binary outcome that isn't 0; Double
+    workspace rows{0}, numbers{0};       // where they are kept (keeprows): all rows, and their observations
     UByte* in() const { return map.get<UByte>(); }
     Double* weights() const { return weight.get<Double>(); }      // null without weights
 };
@@ -41,8 +43,14 @@ struct rowsblock {
     const Double* row(Int4 i) const { return x + std::size_t(i) * std::size_t(width); }
 };
 
+// Reads the rows once for all passes that follow, if they take `mostkept` bytes at most and there is that room; else
+// each pass reads them from the data. Whoever changes the sources or the map drops them first. 0, 1, 909 (printed).
+inline constexpr std::size_t mostkept = std::size_t(1) << 28;
+Int4 keeprows(estsample& s);
+inline void droprows(estsample& s) { s.rows = workspace(0), s.numbers = workspace(0); }
+
 // The buffers of a walk over the rows of k sources, and one block of them: of the observations at to at + n - 1 of the
-// run (from 0), at most `step`, those of the sample.
+// run (from 0), at most `step`, those of the sample; or of the kept rows.
 struct rowbuffers {
     Int4 width, step;
     workspace x, column, weight, obs;
@@ -55,8 +63,8 @@ rowsblock readrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n);
 template <class F> Int4 overrows(const estsample& s, F one) {
     rowbuffers r(s.sources.size());
     if (!r.got()) return error(909);
-    for (Int4 at = 0; at < s.run; at += r.step) {
-        rowsblock b = readrows(s, r, at, std::min(r.step, s.run - at));
+    for (Int4 at = 0, end = s.rows.p ? s.n : s.run; at < end; at += r.step) {
+        rowsblock b = readrows(s, r, at, std::min(r.step, end - at));
         if (b.n > 0) one(static_cast<const rowsblock&>(b));
         if (tick()) return 1;
     }

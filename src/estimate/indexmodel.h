@@ -25,30 +25,20 @@ struct indexblock {
 };
 using indexmodel = std::function<void(const indexblock& block, Double& f)>;
 
-// The rows of the design. They are kept from one pass to the next where there is room (at most `mostkept` bytes), and
-// else read from the data in each.
+// Passes over the rows of a sample, which stays as it is; who makes many keeps its rows (keeprows).
 struct indexdesign {
-    static constexpr std::size_t mostkept = std::size_t(1) << 28;
-    // 0, 1 on a Break, 909 (printed). The sample must stay as it is; its weights are taken now.
+    // 0, 909 (printed).
     Int4 open(const estsample& s, const indexform& form);
-    // f, g and H at b (estimate/newton.h): 0, 1.
-    Int4 evaluate(const indexmodel& model, const Double* b, Double& f, Double* g, Double* H);
-    // Scores at b, of each observation of the run (0 outside the sample): 0, 1.
-    Int4 scores(const indexmodel& model, const Double* b, Double* score);
+    // f, g and H at b (estimate/newton.h): 0, 1, 909 (printed).
+    Int4 evaluate(const indexmodel& model, const Double* b, Double& f, Double* g, Double* H) const;
+    // Scores at b, of each observation of the run (0 outside the sample): 0, 1, 909 (printed).
+    Int4 scores(const indexmodel& model, const Double* b, Double* score) const;
 
 private:
-    struct block { Int4 n; const Double *x, *outcome, *weight, *offset; };
     const estsample* sample = nullptr;
     indexform form;
-    Int4 k = 0, width = 0, step = 0;
-    boolean kept = false;
-    workspace x{0}, outcome{0}, weight{0}, offset{0};    // all rows of the sample, or a block's
-    workspace index{0}, score{0}, curvature{0};          // of a block
-    Int4 room(std::size_t rows);
-    void take(const rowsblock& b, std::size_t at);
-    block blockat(std::size_t at, Int4 n) const;
-    template <class F> Int4 over(F one);
-    void indices(const block& b, const Double* coefficients);
+    workspace index{0}, outcome{0}, score{0}, curvature{0};      // of a block
+    indexblock look(const rowsblock& rows, const Double* b) const;
 };
 
 }  // namespace velmo

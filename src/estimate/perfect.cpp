@@ -116,6 +116,7 @@ Int4 leave(estsample& s, std::vector<std::string>& names, std::size_t j, const v
     r.outcome = v.outcome;
     copytext(r.name, sizeof r.name, names[j]);
     rules.push_back(r);
+    droprows(s);
     s.sources.erase(s.sources.begin() + std::ptrdiff_t(j) + 1);
     names.erase(names.begin() + std::ptrdiff_t(j));
     return narrowsample(s, leaves.get<UByte>());
@@ -135,6 +136,7 @@ Int4 dropperfect(estsample& s, std::vector<std::string>& names, std::vector<rule
     for (boolean again = true; again;) {
         again = false;
         if (Int4 rc = checkvaries(s)) return rc;
+        if (Int4 rc = keeprows(s)) return rc;
         extremes e(std::size_t(rowbuffers(s.sources.size()).width));
         if (Int4 rc = scan(s, e)) return rc;
         for (std::size_t j = 0; j < names.size() && !again; j++) {

@@ -10,6 +10,7 @@ namespace velmo {
 
 // The sample's sources are the outcome, a regressor for each name, and maybe others. Regressors that decide the outcome
 // leave, with the observations for which they do, each with a note and a rule. Values are compared in single precision.
+// The rows of what is left are kept.
 // 0, 1, 909; 2000: the outcome does not vary, or a regressor separates it completely. Printed.
 Int4 dropperfect(estsample& s, std::vector<std::string>& names, std::vector<rulerecord>& rules);
 

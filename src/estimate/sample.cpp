@@ -24,6 +24,18 @@ void getsource(source s, Int4 first, Int4 n, Double* out) {
         getcolumn(s.var, first, n, out);
 }
 
+Int4 namedsource(const axisname& a, source& s) {
+    s = {0, 0};
+    if (a.nametext() == "_cons" && !a.op[0]) return 0;
+    std::string name(a.nametext());
+    s.var = findvar(name);
+    if (!s.var) return varnotfound(name);
+    if (isstring(s.var)) return error(109);
+    if (!a.op[0]) return 0;
+    if (Int4 rc = ts_parse(a.optext(), &s.op)) return rc;
+    return s.op ? tsetup() : 0;
+}
+
 Int4 checkweight(Double w, boolean keepzero, boolean& use) {
     use = w != missing && (w != 0 || keepzero);
     if (w == missing) return 0;

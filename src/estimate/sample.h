@@ -6,6 +6,7 @@
 #include <vector>
 #include "base/memalloc.h"
 #include "expr/walk.h"
+#include "matrix/matrices.h"
 #include "matrix/moments.h"
 
 namespace velmo {
@@ -18,6 +19,9 @@ struct source {
 };
 std::vector<source> listsources();     // the entries of the list that was parsed
 void getsource(source s, Int4 first, Int4 n, Double* out);      // a column's values
+// Where the values of a coefficient come from, by its name; var 0 for the constant's. 0; 111, 109 a string, 5 or 111 for
+// operators whose time isn't set: printed.
+Int4 namedsource(const axisname& a, source& s);
 
 // What an observation of weight w is worth: `use` is false for missing, and for 0 unless zeros are kept. 0, or 402
 // (negative), 401 (an fweight that isn't whole), printed.

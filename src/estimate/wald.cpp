@@ -1,4 +1,5 @@
 #include "estimate/wald.h"
+#include <algorithm>
 #include <cmath>
 #include "matrix/kernels.h"
 #include "output/errors.h"
@@ -19,14 +20,22 @@ Int4 waldtest(const matrix& b, const matrix& V, const std::vector<Int4>& which, 
     }
     for (Int4 i = 0; i < n; i++)
         for (Int4 j = 0; j < n; j++)
-            inverse.at(i, j) = V.at(which[std::size_t(i)], which[std::size_t(j)]) / (se[std::size_t(i)] * se[std::size_t(j)]);
-    std::vector<UByte> flag(which.size(), 0);
-    if (Int4 rc = matrin(inverse.row(0), n, n, 0, n - 1, nullptr, 0, -1, flag.data())) return rc;
-    for (Int4 i = 0; i < n; i++) {
-        Double sum = 0;
-        for (Int4 j = 0; j < n; j++) sum += inverse.at(i, j) * t[std::size_t(j)];
-        out.chi2 += sum * t[std::size_t(i)];
-        out.df += flag[std::size_t(i)] == 1;
+            inverse.at(i, j) =
+                V.at(which[std::size_t(i)], which[std::size_t(j)]) / (se[std::size_t(i)] * se[std::size_t(j)]);
+    std::vector<UByte> flag;
+    Int4 rc = sweptform(inverse, t, flag, out.chi2);
+    out.df = Int4(std::count(flag.begin(), flag.end(), 1));
+    return rc;
+}
+
+Int4 sweptform(matrix& M, const std::vector<Double>& d, std::vector<UByte>& flag, Double& value) {
+    flag.assign(d.size(), 0);
+    value = 0;
+    if (Int4 rc = matrin(M.row(0), M.cols, M.cols, 0, M.cols - 1, nullptr, 0, -1, flag.data())) return rc;
+    for (Int4 i = 0; i < M.cols; i++) {
+        Double t = 0;
+        for (Int4 j = 0; j < M.cols; j++) t += M.at(i, j) * d[std::size_t(j)];
+        value += t * d[std::size_t(i)];
     }
     return 0;
 }

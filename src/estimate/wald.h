@@ -13,4 +13,8 @@ struct waldresult {
 // (printed).
 Int4 waldtest(const matrix& b, const matrix& V, const std::vector<Int4>& which, waldresult& out);
 
+// d' M^-1 d, whose inverse M becomes by the sweep. flag tells of each index: 1 it counts, 2 it depends on the others. 0
+// or 1.
+Int4 sweptform(matrix& M, const std::vector<Double>& d, std::vector<UByte>& flag, Double& value);
+
 }  // namespace velmo

@@ -77,16 +77,6 @@ Int4 fillstring(Int4 var) {
     });
 }
 
-// Outside the range everything is missing, and counts.
-void fillrest(Int4 var) {
-    auto clear = [var](Int4 from, Int4 to) {
-        for (Int4 obs = from; obs <= to; obs++) clearcell(var, obs);
-        if (to >= from) generated += to - from + 1;
-    };
-    clear(1, firstobs - 1);
-    clear(lastobs + 1, nobs);
-}
-
 }  // namespace
 
 // generate [type] newvar[:lbl] = exp [if] [in]
@@ -96,7 +86,7 @@ Int4 cmd_generate() {
     Int4 var = vl_vr[0];
     if (isstring(var) != (eqexp.restype == exp_string)) return error(109);
     if (bymode <= 1) generated = 0;
-    if (!bymode) fillrest(var);       // under by all groups are filled in their turn
+    if (!bymode) generated += clearoutside(var);      // under by all groups are filled in their turn
     if (Int4 rc = isstring(var) ? fillstring(var) : fillnumeric(var)) return rc;
     visnvar = nvar;
     markchanged(var);

@@ -39,10 +39,10 @@ Int4 outcomerow(const char* name, const Int4 (&count)[2]) {
 Int4 weightrow(const Double (&sum)[2]) {
     prttext("       (wgt) ");
     prtbar();
-    for (Double x : {sum[0], sum[1]}) {
-        prtblanks(3);
-        prtnumber("%9.0g", x);
-    }
+    prtblanks(2);
+    prtnumber("%9.0g", sum[0]);
+    prtblanks(3);
+    prtnumber("%9.0g", sum[1]);
     prtblanks(1);
     prtbar();
     prtblanks(2);

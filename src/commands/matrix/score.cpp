@@ -4,8 +4,7 @@
 #include <vector>
 #include "base/text.h"
 #include "data/cells.h"
-#include "data/timeseries.h"
-#include "expr/walk.h"
+#include "estimate/sample.h"
 #include "language/options.h"
 #include "language/stdparse.h"
 #include "output/errors.h"
@@ -18,7 +17,7 @@ namespace {
 
 struct term {
     Double b;
-    Int4 op, var;          // var 0: the constant
+    source from;
 };
 
 struct scoreoptions {
@@ -54,19 +53,6 @@ Int4 equationof(const matrix& b, const std::string& wanted, std::string& eq) {
     return std::find(all.begin(), all.end(), eq) != all.end() ? 0 : eqnotfound(wanted);
 }
 
-// The variable that a column is named by, and its operator.
-Int4 readterm(const axisname& a, Double b, term& t) {
-    t = {b, 0, 0};
-    if (a.nametext() == "_cons" && !a.op[0]) return 0;
-    std::string name(a.nametext());
-    t.var = findvar(name);
-    if (!t.var) return varnotfound(name);
-    if (isstring(t.var)) return error(109);
-    if (!a.op[0]) return 0;
-    if (Int4 rc = ts_parse(a.optext(), &t.op)) return rc;
-    return t.op ? tsetup() : 0;
-}
-
 Int4 readterms(const matrix& b, const std::string& equation, std::vector<term>& terms, Double& constant) {
     std::string eq;
     constant = 0;
@@ -74,10 +60,10 @@ Int4 readterms(const matrix& b, const std::string& equation, std::vector<term>& 
     if (Int4 rc = equationof(b, equation, eq)) return rc;
     for (Int4 j = 0; j < b.cols; j++) {
         const axisname& a = b.colnames[std::size_t(j)];
-        term t;
+        term t{b.at(0, j), {}};
         if (a.eqtext() != eq) continue;
-        if (Int4 rc = readterm(a, b.at(0, j), t)) return rc;
-        if (t.var) terms.push_back(t);
+        if (Int4 rc = namedsource(a, t.from)) return rc;
+        if (t.from.var) terms.push_back(t);
         else constant += t.b;
     }
     return 0;
@@ -86,7 +72,7 @@ Int4 readterms(const matrix& b, const std::string& equation, std::vector<term>& 
 Double scored(const std::vector<term>& terms, Double constant, const scoreoptions& o, Int4 obs) {
     Double sum = 0;
     for (const term& t : terms) {
-        Double x = t.op ? tsvalue(t.op, t.var, obs) : getobs(t.var, obs);
+        Double x = t.from.value(obs);
         if (x == missing && o.given) x = o.missval;
         if (x == missing || t.b == missing) return missing;
         sum += t.b * x;

@@ -46,6 +46,7 @@ program define Replicate, rclass
 		gettoken `word' 0 : 0
 	}
 	local command : local 0
+	NoResults
 	quietly `command'
 	tempname b file
 	capture matrix `b' = e(b)
@@ -59,13 +60,19 @@ program define Replicate, rclass
 	_splitat , `saving'
 	local saving : local before
 	postfile `file' `variables' using `saving', double `behind'
+	* the sample's marks go by with the estimates, ahead of the data
+	if `estimates' {
+		tempvar sample
+		quietly generate byte `sample' = e(sample)
+		estimates hold `fit'
+	}
 	preserve
 	if `estimates' {
-		quietly count if e(sample)
+		quietly count if `sample'
 		if r(N) {
-			quietly keep if e(sample)
+			quietly keep if `sample'
 		}
-		estimates hold `fit'
+		drop `sample'
 	}
 	local command : escaped command
 	Loop `kind' `reps' "`dots'" "`cluster'" `file' "`posted'" "`condition'" `command'
@@ -91,6 +98,11 @@ program define Replicate, rclass
 			matrix rename ``m'' return(`m')
 		}
 	}
+end
+
+* Empties r(), whose results would be taken for those of a command that leaves none.
+program define NoResults, rclass
+	version 7.0
 end
 
 * The statistics that are followed. Fills the row of their values, with its names; leaves with the caller the list of

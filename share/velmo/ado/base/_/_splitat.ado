@@ -6,6 +6,7 @@ program define _splitat
 	gettoken mark rest : 0
 	local depth 0
 	while _local(rest) != "" {
+		local blank = cond(substr(_local(rest), 1, 1) == " ", " ", "")
 		gettoken token rest : rest, parse("`mark'()[]") quotes
 		if _local(token) == "`mark'" & `depth' == 0 {
 			c_local before : local head
@@ -14,7 +15,7 @@ program define _splitat
 			exit
 		}
 		local depth = `depth'+inlist(_local(token), "(", "[")-inlist(_local(token), ")", "]")
-		local head `"`head'`token'"'
+		local head `"`head'`blank'`token'"'
 	}
 	c_local before : local head
 	c_local behind

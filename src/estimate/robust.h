@@ -1,8 +1,8 @@
 // The robust variance of estimates (Huber 1967, White 1980): D M D, where D is the model's own variance and M sums
 // the outer products of the scores, of observations or of clusters.
 //
-// An estimator reads the options before it builds its sample (getopt_robust), hands its scores over after the fit
-// (addcluster, robustvariance), and shows what came out of it by e(vcetype), e(clustvar), e(N_clust) (postrobust).
+// An estimator reads the options before it builds its sample (getopt_robust), draws that with the cluster variable, hands its
+// scores over after the fit (robustvariance), and shows what came out of it by e(vcetype), e(clustvar), e(N_clust) (postrobust).
 #pragma once
 #include <string>
 #include <vector>
@@ -44,8 +44,8 @@ struct robustresult {
     Double df = 0;               // whole part of n less what was adjusted for, at least 0
 };
 
-// The middle M, of the rows of a walk over the sample that an estimator makes anyway. Missing values of the cluster
-// variable must have left the sample (addcluster). fweights count an observation so many times. The zero scale goes
+// The middle M, of the rows of a walk over the sample that an estimator makes anyway. The sample must have been drawn
+// with the cluster variable. fweights count an observation so many times. The zero scale goes
 // before the unit one. The sums of a cluster are in the order of the data, those of clusters in the order of their values.
 struct robustsums {
     const estsample* s = nullptr;
@@ -69,10 +69,6 @@ Int4 sandwich(const matrix& D, const matrix& M, matrix& out);
 // (printed).
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out);
-
-// Takes observations whose cluster is missing or empty from the sample, ahead of its cross-products. 0, 1, 909, 2000
-// (printed).
-Int4 addcluster(estsample& s, const robustrequest& r);
 
 // e(vcetype) (Robust, or the text given), e(clustvar), e(N_clust).
 void postrobust(estimation& e, const robustrequest& r, const robustresult& result, const char* vcetype = "Robust");

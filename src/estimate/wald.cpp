@@ -33,9 +33,9 @@ Int4 sweptform(matrix& M, const std::vector<Double>& d, std::vector<UByte>& flag
     value = 0;
     if (Int4 rc = matrin(M.row(0), M.cols, M.cols, 0, M.cols - 1, nullptr, 0, -1, flag.data())) return rc;
     for (Int4 i = 0; i < M.cols; i++) {
-        Double sum = 0;
-        for (Int4 j = 0; j < M.cols; j++) sum += M.at(i, j) * d[std::size_t(j)];
-        value += sum * d[std::size_t(i)];
+        Double t = 0;
+        for (Int4 j = 0; j < M.cols; j++) t += M.at(i, j) * d[std::size_t(j)];
+        value += t * d[std::size_t(i)];
     }
     return 0;
 }

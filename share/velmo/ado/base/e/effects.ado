@@ -49,11 +49,6 @@ program define effects, rclass
 		quietly summarize `xb' `w' if `use'
 		quietly replace `xb' = r(mean)
 	}
-	display
-	display as text "Marginal effects after `e(cmd)', " cond("`at'" == "mean", "at the means", "averaged") _continue
-	display as text _col(56) "Number of obs = " as result %7.0f `n'
-	display
-	_coefrow head "dF/dx" `level'
 	local i 0
 	foreach x of local varlist {
 		local i = `i' + 1
@@ -70,6 +65,11 @@ program define effects, rclass
 	matrix `J' = `J'*`V'*`J''
 	matrix rownames `J' = `varlist'
 	matrix colnames `J' = `varlist'
+	display
+	display as text "Marginal effects after `e(cmd)', " cond("`at'" == "mean", "at the means", "averaged") _continue
+	display as text _col(56) "Number of obs = " as result %7.0f `n'
+	display
+	_coefrow head "dF/dx" `level'
 	local i 0
 	foreach x of local varlist {
 		local i = `i' + 1

@@ -40,6 +40,9 @@ TEMPLATES = {k: re.split(r" ;;\s+", v.strip().replace("\\\n", "")) for k, v in (
 {byp} correlate {vars}{if}{w}{, covariance|, means|, wrap noformat|} ;; _rmcoll {vars}{if}{w}{|, noconstant} ;;
 {byp} {logit|probit} {num} {vars}{if}{in}{w}{, nolog|, robust iterate({int})|, cluster({var}) tabulate|, asis trace|, \
 noconstant offset({num}) ltolerance(.001)|} ;; {logit|probit}{|, tabulate nocoef|, or} ;;
+{byp} regress {num} {vars}{if}{in}{w}{|, robust|, cluster({var})|, hc3|, noconstant beta|, hascons|, mse1 dof({int})|, \
+tsscons noconstant|, rssmat bmat} ;; regress {num} {vars} ({vars}){if}{w}{|, robust|, hc2|, noconstant cluster({var})} ;;
+regress{|, beta|, eform(x) level(90) plus|, noheader} ;; _robust {num}{if}{w}{|, minus({int})|, cluster({var})} ;;
 matrix accum A = {vars}{if}{in}{w}{|, noconstant|, deviations means(M)} ;; matrix vecaccum v = {num} {vars}{if}{w} ;;
 matrix opaccum A = {num}, group({var}) opvar({num}) ;; matrix symeigen X v = A ;; matrix svd X v Y = A ;;
 matrix glsaccum A = {num}{w}, group({var}) glsmat({A|X|{str}}) row({num}) ;; pairwise {vars}{if}{w}{|, obs sig sidak} ;;

@@ -177,7 +177,8 @@ rowbuffers::rowbuffers(std::size_t k)
 
 Int4 keeprows(estsample& s) {
     droprows(s);
-    std::size_t n = std::size_t(s.n), width = std::size_t(rowwidth(s.sources.size())), bytes = n * width * sizeof(Double);
+    std::size_t n = std::size_t(s.n), width = std::size_t(rowwidth(s.sources.size()));
+    std::size_t bytes = n * width * sizeof(Double);
     if (n == 0 || bytes > mostkept) return 0;
     workspace rows(bytes), numbers(n * sizeof(Int4));
     if (!rows.p || !numbers.p) return 0;

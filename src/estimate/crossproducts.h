@@ -12,7 +12,8 @@
 namespace velmo {
 
 // A binary outcome, the first source, is 0 and 1; empty: no observations are a sample too; sums: those of the
-// cross-products are wanted, and may be taken on the way; cluster: a variable, numeric or string, that must have a value.
+// cross-products are wanted, and may be taken on the way; cluster: a variable, numeric or string, that must have a
+// value.
 struct sampleform { boolean empty = false, binary = false, sums = false; Int4 cluster = 0; };
 
 struct estsample {

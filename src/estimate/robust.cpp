@@ -95,6 +95,8 @@ Int4 observationsums(const scoredrows& r, tiles& t, Int4 step) {
     });
 }
 
+}  // namespace
+
 Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
     drawnsample d;
     d.obs = workspace((std::size_t(s.n) + 1) * sizeof(Int4));
@@ -110,6 +112,8 @@ Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
     }
     return groupsample(d, {{var}}, 0, g);
 }
+
+namespace {
 
 Int4 clustersums(const scoredrows& r, Int4 var, tiles& t, Int4 step, Int4& clusters) {
     grouping g;

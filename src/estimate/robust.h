@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 #include "estimate/crossproducts.h"
+#include "estimate/groups.h"
 #include "estimate/post.h"
 
 namespace velmo {
@@ -56,6 +57,9 @@ Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule
 // Takes observations whose cluster is missing or empty from the sample, ahead of its cross-products. 0, 1, 909, 2000
 // (printed).
 Int4 addcluster(estsample& s, const robustrequest& r);
+
+// The groups of the sample by a variable: 0, 1, 909 (printed).
+Int4 numberclusters(const estsample& s, Int4 var, grouping& g);
 
 // e(vcetype) (Robust, or the text given), e(clustvar), e(N_clust).
 void postrobust(estimation& e, const robustrequest& r, const robustresult& result, const char* vcetype = "Robust");

@@ -72,34 +72,43 @@ void getrows(const std::vector<source>& sources, Int4 first, Int4 n, Double* row
 Int4 rowstep(Int4 width) { return std::clamp(4096 / width, 16, blocksize); }
 Int4 rowwidth(std::size_t k) { return (Int4(k) + 4) / 4 * 4; }
 
-// Leaves in the map the observations that lack no value; of a binary outcome which it is goes to `outcome`.
-void complete(const estsample& s, const rowbuffers& r, Int4 first, Int4 n, UByte* in, UByte* outcome) {
-    std::size_t width = std::size_t(r.width), k = s.sources.size();
-    for (Int4 at = 0; at < n; at += r.step) {
-        Int4 count = std::min(r.step, n - at);
-        getrows(s.sources, first + at, count, r.x.get<Double>(), width, r.column.get<Double>());
-        for (Int4 i = 0; i < count; i++) {
-            const Double* row = r.x.get<Double>() + std::size_t(i) * width + 1;
-            boolean lacks = false;
-            for (std::size_t j = 0; j < k; j++) lacks |= row[j] == missing;
-            in[at + i] &= !lacks;
-            if (s.binary) outcome[at + i] = row[0] != 0;
-        }
+// Takes from the map the observations that lack a value.
+void complete(const Double* rows, std::size_t width, std::size_t k, Int4 n, UByte* in) {
+    for (Int4 i = 0; i < n; i++) {
+        const Double* row = rows + std::size_t(i) * width + 1;
+        boolean lacks = false;
+        for (std::size_t j = 0; j < k; j++) lacks |= row[j] == missing;
+        in[i] &= !lacks;
     }
 }
 
-Int4 drawmap(estsample& s, Double& total) {
+// A piece of the sample, whose `if` is in the map: n observations from `first` on.
+Int4 drawpiece(estsample& s, const rowbuffers& r, Int4 first, Int4 n, Double& total) {
+    std::size_t width = std::size_t(r.width);
+    Double* rows = r.x.get<Double>();
+    UByte* in = s.in() + (first - s.first);
+    Double* weight = s.weights() ? s.weights() + (first - s.first) : nullptr;
+    getrows(s.sources, first, n, rows, width, r.column.get<Double>());
+    complete(rows, width, s.sources.size(), n, in);
+    if (weight)
+        if (Int4 rc = estimationweights(first, n, in, weight, total)) return rc;
+    s.n += Int4(std::count(in, in + n, 1));
+    for (Int4 i = 0; !s.sums.empty() && i < n; i++)
+        if (in[i]) addscaled(s.sums.data(), rows + std::size_t(i) * width, weight ? weight[i] : 1, r.width);
+    for (Int4 i = 0; s.binary && i < n; i++)
+        if (in[i]) in[i] = rows[std::size_t(i) * width + 1] != 0 ? 2 : 1;
+    return 0;
+}
+
+Int4 drawmap(estsample& s, boolean sums, Double& total) {
     rowbuffers r(s.sources.size());
     if (!r.got()) return error(909);
-    UByte outcome[blocksize] = {};
+    // Weights that are to be scaled are so ahead of the sums.
+    if (sums && !s.binary && weighttype != weight_a) s.sums.assign(std::size_t(r.width), 0);
     return overblocks([&](Int4 first, Int4 n) -> Int4 {
-        UByte* in = s.in() + (first - s.first);
-        exp_ifblock(first, n, in);
-        complete(s, r, first, n, in, outcome);
-        if (weighttype)
-            if (Int4 rc = estimationweights(first, n, in, s.weights() + (first - s.first), total)) return rc;
-        s.n += Int4(std::count(in, in + n, 1));
-        for (Int4 i = 0; i < n; i++) in[i] = UByte(in[i] + (in[i] & outcome[i]));
+        exp_ifblock(first, n, s.in() + (first - s.first));
+        for (Int4 at = 0; at < n; at += r.step)
+            if (Int4 rc = drawpiece(s, r, first + at, std::min(r.step, n - at), total)) return rc;
         return 0;
     });
 }
@@ -127,13 +136,14 @@ Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsa
     if (weighttype) out.weight = workspace(room * sizeof(Double));
     if (!out.map.p || (weighttype && !out.weight.p)) return error(909);
     Double total = 0;
-    if (Int4 rc = drawmap(out, total)) return rc;
+    if (Int4 rc = drawmap(out, form.sums, total)) return rc;
     return form.empty ? 0 : enough(out.n, total);
 }
 
 Int4 narrowsample(estsample& s, const UByte* leaves) {
     Double total = 0;
     s.n = 0;
+    s.sums.clear();
     for (Int4 i = 0; i < s.run; i++) {
         if (leaves[i]) s.in()[i] = 0;
         if (!s.in()[i]) continue;
@@ -202,9 +212,6 @@ rowsblock readrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n) {
 
 // ---- Cross-products.
 
-namespace {
-
-// aweights as a share of their mean, and the line that tells their sum. False when the sum is 0.
 boolean scaleweights(estsample& s, boolean print, Double& total) {
     for (Int4 i = 0; i < s.run; i++)
         if (s.in()[i]) total += s.weights()[i];
@@ -219,18 +226,24 @@ boolean scaleweights(estsample& s, boolean print, Double& total) {
     return true;
 }
 
+namespace {
+
 // The triangle becomes that of m from row and column `from` on.
 void tolower(const tiles& t, matrix& m, Int4 from) {
     for (Int4 i = from; i < m.rows; i++)
         for (Int4 j = from; j <= i; j++) m.at(i, j) = t.sum(i - from, j - from);
 }
 
-// First pass of deviations: the sums of weights and values, in column 0, and the means.
+// First pass of deviations, unless the sample has it: the sums of weights and values, in column 0, and the means.
 Int4 sumcolumns(const estsample& s, crossproducts& out) {
-    std::vector<Double> sums(std::size_t(out.m.rows + 4), 0);
-    Int4 rc = overrows(s, [&](const rowsblock& b) {
-        for (Int4 i = 0; i < b.n; i++) addscaled(sums.data(), b.row(i), b.weight ? b.weight[i] : 1, b.width);
-    });
+    std::vector<Double> sums = s.sums;
+    Int4 rc = 0;
+    if (sums.empty()) {
+        sums.assign(std::size_t(out.m.rows + 4), 0);
+        rc = overrows(s, [&](const rowsblock& b) {
+            for (Int4 i = 0; i < b.n; i++) addscaled(sums.data(), b.row(i), b.weight ? b.weight[i] : 1, b.width);
+        });
+    }
     for (Int4 i = 0; i < out.m.rows; i++) out.m.at(i, 0) = sums[std::size_t(i)];
     for (Int4 i = 1; i < out.m.rows; i++) out.means.push_back(sums[0] == 0 ? 0 : sums[std::size_t(i)] / sums[0]);
     return rc;

@@ -11,14 +11,16 @@
 
 namespace velmo {
 
-// A binary outcome, the first source, is 0 and 1; empty: no observations are a sample too.
-struct sampleform { boolean empty = false, binary = false; };
+// A binary outcome, the first source, is 0 and 1; empty: no observations are a sample too; sums: those of the
+// cross-products are wanted, and may be taken on the way.
+struct sampleform { boolean empty = false, binary = false, sums = false; };
 
 struct estsample {
     std::vector<source> sources;
     Int4 first = 1, run = 0;             // the run: where it begins, how many observations
     Int4 n = 0;                          // how many of them count
     boolean binary = false;
+    std::vector<Double> sums;            // of weights and values, or empty
     workspace map{0}, weight{0};         // of the run: UByte, 0 out, and 2 for a binary outcome that isn't 0; Double
     workspace rows{0}, numbers{0};       // where they are kept (keeprows): all rows, and their observations
     UByte* in() const { return map.get<UByte>(); }
@@ -67,6 +69,9 @@ template <class F> Int4 overrows(const estsample& s, F one) {
     }
     return 0;
 }
+
+// aweights as a share of their mean, in the sample; print: the line that tells their sum. False when that is 0.
+boolean scaleweights(estsample& s, boolean print, Double& total);
 
 struct crossform { boolean print = false, printweights = false, deviations = false, extremes = false; };
 struct crossproducts {

@@ -55,7 +55,8 @@ Int4 fitleast(const crossproducts& c, const normalequations& e, regressmodel& m,
 // The passes over the data: residuals, robust variances; all figures. 0, 1, 909, 1400 (printed).
 Int4 measurefit(const estsample& s, const normalequations& e, const projection& p, const regressmodel& m,
                 regressfit& f);
-// W / rank of the test that all coefficients but the last `constant` ones are 0; missing when none has a variance.
-Double waldtest(const matrix& b, const matrix& V, Double scale, Int4 tested, Double& rank);
+// The Wald test that the first `tested` coefficients are 0, by V times the scale: 0 over none, missing when none has a
+// variance. 0, 1, 909 (printed).
+Int4 waldF(const matrix& b, const matrix& V, Double scale, Int4 tested, Double& F, Double& df);
 
 }  // namespace velmo

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include "estimate/regress.h"
+#include "estimate/wald.h"
 #include "language/stdparse.h"
 #include "matrix/compadd.h"
 #include "matrix/kernels.h"
@@ -51,38 +52,39 @@ leverages makeleverages(const normalequations& e, const projection& p, const reg
     return l;
 }
 
-// The pass over the residuals: their sum of squares, and the scores (null: none).
+// The pass over the residuals: their sum of squares, and the sums of robust variances (null: none).
 struct residualpass {
-    const estsample& s;
     std::vector<Double> b;               // of the row's columns from the first regressor on
     Double constant;
-    Double* score;
-    leverages* leverage;                 // null unless residuals are divided by it
     Int4 hc;
-    compsum rss;
+    robustsums* robust;
+    leverages leverage = {};
+    workspace scores{0};
+    compsum rss = {};
     boolean full = false;                // an observation has all of the leverage
-    void one(const Double* row, Double w, Int4 obs) {
+    Double residual(const Double* row) const {
         Double e = 0;
         const Double* x = row + 2;
         for (std::size_t j = 0; j < b.size(); j++) e += b[j] * x[j];
-        e = e + constant - row[1];
-        compadd(rss, w * e * e);
-        if (!score) return;
-        if (leverage) {
-            Double h = leverage->of(row) * (weighttype == weight_f ? 1 : w), left = 1 - h;
-            boolean none = left < fullleverage;
-            full |= none;
-            e = none ? 0 : e / (hc == 2 ? std::sqrt(left) : left);
+        return e + constant - row[1];
+    }
+    // The residual as robust variances take it.
+    Double adjusted(Double e, const Double* row, Double w) {
+        Double left = 1 - leverage.of(row) * (weighttype == weight_f ? 1 : w);
+        boolean none = left < fullleverage;
+        full |= none;
+        return none ? 0 : e / (hc == 2 ? std::sqrt(left) : left);
+    }
+    void block(const rowsblock& rows) {
+        Double* score = scores.get<Double>();
+        for (Int4 i = 0; i < rows.n; i++) {
+            Double w = rows.weight ? rows.weight[i] : 1, e = residual(rows.row(i));
+            compadd(rss, w * e * e);
+            if (robust) score[i] = w * (hc ? adjusted(e, rows.row(i), w) : e);
         }
-        score[obs - s.first] = w * e;
+        if (robust) robust->add(rows, &score);
     }
 };
-
-Int4 walkresiduals(residualpass& r) {
-    return overrows(r.s, [&](const rowsblock& b) {
-        for (Int4 i = 0; i < b.n; i++) r.one(b.row(i), b.weight ? b.weight[i] : 1, b.obs[i]);
-    });
-}
 
 // ---- Figures.
 
@@ -154,21 +156,26 @@ Int4 throughprojection(const normalequations& e, const projection& p, const regr
     return 0;
 }
 
-Int4 makerobust(const estsample& s, const normalequations& e, const projection& p, const regressmodel& m,
-                const residualpass& r, regressfit& f) {
-    scoredequation eq;
+Int4 beginrobust(const estsample& s, const projection& p, const regressmodel& m, residualpass& r) {
+    std::vector<Int4> columns;
     Int4 first = 2 + (m.instruments ? m.regressors : 0);
     Int4 n = m.instruments ? Int4(p.means.size()) : m.regressors;
-    for (Int4 j = 0; j < n; j++) eq.columns.push_back(first + j);
-    if (m.constant) eq.columns.push_back(0);
-    eq.score = r.score;
+    for (Int4 j = 0; j < n; j++) columns.push_back(first + j);
+    if (m.constant) columns.push_back(0);
+    if (Int4 rc = r.robust->begin(s, m.robust, {columns})) return rc;
+    r.scores = workspace(std::size_t(r.robust->step) * sizeof(Double));
+    return r.scores.p ? 0 : error(909);
+}
+
+Int4 makerobust(const normalequations& e, const projection& p, const regressmodel& m, const residualpass& r,
+                regressfit& f) {
     robustrule rule;
     rule.dfadj = f.k;
     rule.small = true;
     rule.unitscale = m.hc != 0;
     rule.zeroscale = r.full;
     matrix M, D;
-    if (Int4 rc = robustmiddle(s, m.robust, rule, {eq}, M, f.robustly)) return rc;
+    if (Int4 rc = r.robust->finish(rule, M, f.robustly)) return rc;
     if (m.instruments)
         if (Int4 rc = throughprojection(e, p, m, f.V, D)) return rc;
     if (Int4 rc = sandwich(m.instruments ? D : f.V, M, f.V)) return rc;
@@ -178,26 +185,15 @@ Int4 makerobust(const estsample& s, const normalequations& e, const projection& 
 
 }  // namespace
 
-Double waldtest(const matrix& b, const matrix& V, Double scale, Int4 tested, Double& rank) {
-    std::size_t n = std::size_t(tested);
-    std::vector<Double> A(n * n), d(n);
-    std::vector<UByte> flag(n + 1, 0);
-    rank = 0;
-    // In units of the standard errors, so that the sweep doesn't depend on those of the data.
-    for (Int4 i = 0; i < tested; i++) d[std::size_t(i)] = V.at(i, i) > 0 ? std::sqrt(V.at(i, i)) : 1;
-    for (Int4 i = 0; i < tested; i++)
-        for (Int4 j = 0; j < tested; j++)
-            A[std::size_t(i) * n + std::size_t(j)] = V.at(i, j) / (d[std::size_t(i)] * d[std::size_t(j)]);
-    if (!tested || matrin(A.data(), tested, tested, 0, tested - 1, nullptr, 0, -1, flag.data())) return missing;
-    Double w = 0;
-    for (Int4 i = 0; i < tested; i++) {
-        rank += flag[std::size_t(i)] == 1;
-        for (Int4 j = 0; j < tested; j++)
-            w += A[std::size_t(i) * n + std::size_t(j)] * (b.at(0, i) / d[std::size_t(i)]) *
-                 (b.at(0, j) / d[std::size_t(j)]);
-    }
-    Double F = w / scale / rank;
-    return rank > 0 && scale > 0 && std::isfinite(F) && F >= 0 ? F : missing;
+Int4 waldF(const matrix& b, const matrix& V, Double scale, Int4 tested, Double& F, Double& df) {
+    std::vector<Int4> which;
+    for (Int4 i = 0; i < tested; i++) which.push_back(i);
+    waldresult w;
+    if (Int4 rc = waldtest(b, V, which, w)) return rc;
+    Double value = w.chi2 / scale / w.df;
+    df = w.df;
+    F = tested == 0 ? 0 : w.df > 0 && scale > 0 && std::isfinite(value) && value >= 0 ? value : missing;
+    return 0;
 }
 
 Int4 measurefit(const estsample& s, const normalequations& e, const projection& p, const regressmodel& m,
@@ -205,25 +201,21 @@ Int4 measurefit(const estsample& s, const normalequations& e, const projection& 
     f.robust = m.robust.robust || m.hc;
     f.n = weighttype == weight_i ? std::floor(e.weights) : e.weights;
     degrees(m, f);
-    workspace scores(f.robust ? std::size_t(s.run) * sizeof(Double) : 1);
-    if (!scores.p) return error(909);
-    leverages l;
-    if (m.hc) l = makeleverages(e, p, m, f);
     const Double* b = f.b.row(0);
-    residualpass r = {s, {b, b + m.regressors}, m.constant ? b[m.regressors] : 0, nullptr, nullptr, m.hc, {}};
-    if (f.robust) r.score = scores.get<Double>();
-    if (m.hc) r.leverage = &l;
+    robustsums robust;
+    residualpass r = {{b, b + m.regressors}, m.constant ? b[m.regressors] : 0, m.hc, f.robust ? &robust : nullptr};
+    if (m.hc) r.leverage = makeleverages(e, p, m, f);
+    if (f.robust)
+        if (Int4 rc = beginrobust(s, p, m, r)) return rc;
     if (!m.rssmat || f.robust)
-        if (Int4 rc = walkresiduals(r)) return rc;
+        if (Int4 rc = overrows(s, [&](const rowsblock& rows) { r.block(rows); })) return rc;
     sumsofsquares(e, m, total(r.rss), f);
     if (!std::isfinite(f.rss) || !std::isfinite(f.tss)) return error(1400);
     statistics(m, f);
     if (f.robust)
-        if (Int4 rc = makerobust(s, e, p, m, r, f)) return rc;
-    Int4 tested = m.regressors;
-    if (f.robust || m.instruments) f.F = waldtest(f.b, f.V, f.robust ? 1 : f.mse, tested, f.Fdf);
-    if ((f.robust || m.instruments) && tested == 0) f.F = 0;
-    return 0;
+        if (Int4 rc = makerobust(e, p, m, r, f)) return rc;
+    if (!f.robust && !m.instruments) return 0;
+    return waldF(f.b, f.V, f.robust ? 1 : f.mse, m.regressors, f.F, f.Fdf);
 }
 
 }  // namespace velmo

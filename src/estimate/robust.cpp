@@ -3,12 +3,10 @@
 #include <cmath>
 #include "data/cells.h"
 #include "data/labels.h"
-#include "estimate/groups.h"
 #include "language/options.h"
 #include "language/stdparse.h"
 #include "matrix/lanes.h"
 #include "matrix/products.h"
-#include "matrix/tiles.h"
 
 namespace velmo {
 
@@ -51,52 +49,6 @@ Int4 addcluster(estsample& s, const robustrequest& r) {
 
 // ---- The sum of outer products.
 
-namespace {
-
-// Where the coefficients of the equations stand in the rows that are summed. Of one equation these are the sample's
-// rows, which hold its columns somewhere; of several the columns of one after the other, each times its score.
-struct scoredrows {
-    const estsample& s;
-    const std::vector<scoredequation>& equations;
-    std::vector<Int4> places;
-    Int4 width;
-    boolean plain;
-    scoredrows(const estsample& sample, const std::vector<scoredequation>& eqs)
-        : s(sample), equations(eqs), plain(eqs.size() == 1) {
-        for (const scoredequation& e : equations)
-            for (Int4 column : e.columns) places.push_back(plain ? column : Int4(places.size()));
-        width = (Int4(plain ? s.sources.size() + 1 : places.size()) + 3) / 4 * 4;
-    }
-    Double score(Int4 obs) const { return equations[0].score[obs - s.first]; }
-    // One row of several equations added to `to`.
-    void add(const Double* row, Int4 obs, Double* to) const {
-        for (const scoredequation& e : equations) {
-            Double c = e.score[obs - s.first];
-            for (Int4 column : e.columns) *to++ += c * row[column];
-        }
-    }
-};
-
-Int4 observationsums(const scoredrows& r, tiles& t, Int4 step) {
-    workspace factors(std::size_t(step) * sizeof(Double));
-    workspace rows(r.plain ? 1 : std::size_t(step) * std::size_t(r.width) * sizeof(Double));
-    Double *factor = factors.get<Double>(), *u = rows.get<Double>();
-    if (!factor || !u) return error(909);
-    boolean counts = weighttype == weight_f;
-    return overrows(r.s, [&](const rowsblock& b) {
-        for (Int4 i = 0; i < b.n; i++) {
-            Double c = r.plain ? r.score(b.obs[i]) : 1;
-            factor[i] = counts ? c * c / b.weight[i] : c * c;
-        }
-        if (r.plain) return t.add(b.x, factor, b.n, false);
-        std::fill_n(u, std::size_t(b.n) * std::size_t(r.width), 0.0);
-        for (Int4 i = 0; i < b.n; i++) r.add(b.row(i), b.obs[i], u + std::size_t(i) * std::size_t(r.width));
-        t.add(u, factor, b.n, false);
-    });
-}
-
-}  // namespace
-
 Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
     drawnsample d;
     d.obs = workspace((std::size_t(s.n) + 1) * sizeof(Int4));
@@ -115,29 +67,65 @@ Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
 
 namespace {
 
-Int4 clustersums(const scoredrows& r, Int4 var, tiles& t, Int4 step, Int4& clusters) {
-    grouping g;
-    if (Int4 rc = numberclusters(r.s, var, g)) return rc;
-    clusters = g.groups;
-    std::size_t width = std::size_t(r.width), size = std::size_t(g.groups) * width;
-    workspace work(size * sizeof(Double));
-    Double* sums = work.get<Double>();
-    if (!sums) return error(909);
-    std::fill_n(sums, size, 0.0);
-    const UInt4* code = g.codes();
-    Int4 rc = overrows(r.s, [&](const rowsblock& b) {
-        for (Int4 i = 0; i < b.n; i++) {
-            Double* to = sums + *code++ * width;
-            if (r.plain) addscaled(to, b.row(i), r.score(b.obs[i]), r.width);
-            else r.add(b.row(i), b.obs[i], to);
-        }
-    });
-    for (Int4 at = 0; at < g.groups && !rc; at += step) {
-        t.add(sums + std::size_t(at) * width, nullptr, std::min(step, g.groups - at), false);
-        rc = tick();
-    }
-    return rc;
+// A row of several equations: their columns times their scores, added to `to`.
+void addequations(const std::vector<std::vector<Int4>>& columns, const Double* row, const Double* const* score, Int4 i,
+                  Double* to) {
+    for (std::size_t e = 0; e < columns.size(); e++)
+        for (Int4 column : columns[e]) *to++ += score[e][i] * row[column];
 }
+
+}  // namespace
+
+// The rows that are summed are of one equation those of the sample, which hold its columns somewhere; of several the
+// columns of one after the other, each times its score.
+Int4 robustsums::begin(const estsample& sample, const robustrequest& r, const std::vector<std::vector<Int4>>& of) {
+    s = &sample;
+    clustered = r.cluster != 0;
+    columns = of;
+    plain = of.size() == 1;
+    places.clear();
+    for (const std::vector<Int4>& equation : of)
+        for (Int4 column : equation) places.push_back(plain ? column : Int4(places.size()));
+    width = (Int4(plain ? s->sources.size() + 1 : places.size()) + 3) / 4 * 4;
+    step = rowbuffers(s->sources.size()).step;
+    std::size_t rows = std::size_t(step);
+    if (clustered)
+        if (Int4 rc = numberclusters(*s, r.cluster, clusters)) return rc;
+    if (clustered) rows = std::size_t(clusters.groups);
+    sums = tiles(width, step);
+    factors = workspace(std::size_t(step) * sizeof(Double));
+    work = workspace(plain && !clustered ? 1 : rows * std::size_t(width) * sizeof(Double));
+    if (!sums.got() || !factors.p || !work.p) return error(909);
+    if (clustered) std::fill_n(work.get<Double>(), rows * std::size_t(width), 0.0);
+    at = 0;
+    return 0;
+}
+
+void robustsums::add(const rowsblock& b, const Double* const* score) {
+    Double *factor = factors.get<Double>(), *u = work.get<Double>();
+    if (clustered) {
+        const UInt4* code = clusters.codes() + at;
+        at += b.n;
+        for (Int4 i = 0; i < b.n; i++) {
+            Double* to = u + std::size_t(code[i]) * std::size_t(width);
+            if (plain) addscaled(to, b.row(i), score[0][i], width);
+            else addequations(columns, b.row(i), score, i, to);
+        }
+        return;
+    }
+    boolean counts = weighttype == weight_f;
+    for (Int4 i = 0; i < b.n; i++) {
+        Double c = plain ? score[0][i] : 1;
+        factor[i] = counts ? c * c / b.weight[i] : c * c;
+    }
+    if (plain) return sums.add(b.x, factor, b.n, false);
+    std::fill_n(u, std::size_t(b.n) * std::size_t(width), 0.0);
+    for (Int4 i = 0; i < b.n; i++)
+        addequations(columns, b.row(i), score, i, u + std::size_t(i) * std::size_t(width));
+    sums.add(u, factor, b.n, false);
+}
+
+namespace {
 
 // What M is multiplied by; n and the degrees of freedom go to `out`.
 Double scale(const estsample& s, const robustrule& rule, robustresult& out) {
@@ -157,19 +145,19 @@ Double scale(const estsample& s, const robustrule& rule, robustresult& out) {
 
 }  // namespace
 
-Int4 robustmiddle(const estsample& s, const robustrequest& r, const robustrule& rule,
-                  const std::vector<scoredequation>& equations, matrix& M, robustresult& out) {
-    scoredrows rows(s, equations);
-    Int4 step = rowbuffers(s.sources.size()).step, k = Int4(rows.places.size());
-    tiles t(rows.width, step);
-    if (!t.got()) return error(909);
+Int4 robustsums::finish(const robustrule& rule, matrix& M, robustresult& out) {
+    Int4 k = Int4(places.size());
+    out.clusters = clusters.groups;
+    for (Int4 i = 0; i < out.clusters; i += step) {
+        sums.add(work.get<Double>() + std::size_t(i) * std::size_t(width), nullptr, std::min(step, out.clusters - i),
+                 false);
+        if (tick()) return 1;
+    }
     if (Int4 rc = makematrix(M, k, k)) return rc;
-    Int4 rc = r.cluster ? clustersums(rows, r.cluster, t, step, out.clusters) : observationsums(rows, t, step);
-    if (rc) return rc;
-    Double q = scale(s, rule, out);
+    Double q = scale(*s, rule, out);
     for (Int4 i = 0; i < k; i++)
         for (Int4 j = 0; j < k; j++)
-            M.at(i, j) = t.sum(rows.places[std::size_t(i)], rows.places[std::size_t(j)]) * q;
+            M.at(i, j) = sums.sum(places[std::size_t(i)], places[std::size_t(j)]) * q;
     return 0;
 }
 
@@ -191,9 +179,24 @@ Int4 sandwich(const matrix& D, const matrix& M, matrix& out) {
 
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out) {
+    std::vector<std::vector<Int4>> columns;
+    for (const scoredequation& e : equations) columns.push_back(e.columns);
+    robustsums sums;
+    if (Int4 rc = sums.begin(s, r, columns)) return rc;
+    workspace work(equations.size() * std::size_t(sums.step) * sizeof(Double));
+    std::vector<const Double*> score;
+    for (std::size_t e = 0; e < equations.size(); e++)
+        score.push_back(work.get<Double>() + e * std::size_t(sums.step));
+    if (!work.p) return error(909);
+    Int4 rc = overrows(s, [&](const rowsblock& b) {
+        Double* to = work.get<Double>();
+        for (std::size_t e = 0; e < equations.size(); e++, to += sums.step)
+            for (Int4 i = 0; i < b.n; i++) to[i] = equations[e].score[b.obs[i] - s.first];
+        sums.add(b, score.data());
+    });
     matrix M;
-    if (Int4 rc = robustmiddle(s, r, rule, equations, M, out)) return rc;
-    return sandwich(V, M, V);
+    if (!rc) rc = sums.finish(rule, M, out);
+    return rc ? rc : sandwich(V, M, V);
 }
 
 // ---- What is left of it.

@@ -9,6 +9,7 @@
 #include "estimate/crossproducts.h"
 #include "estimate/groups.h"
 #include "estimate/post.h"
+#include "matrix/tiles.h"
 
 namespace velmo {
 
@@ -43,14 +44,29 @@ struct robustresult {
     Double df = 0;               // whole part of n less what was adjusted for, at least 0
 };
 
-// The middle, scaled: a row for each column of the equations. Missing values of the cluster variable must have left the
-// sample (addcluster). fweights count an observation so many times. The zero scale goes before the unit one. The sums of
-// a cluster are in the order of the data, those of clusters in the order of their values. 0, 1 on a Break, 909 (printed).
-Int4 robustmiddle(const estsample& s, const robustrequest& r, const robustrule& rule,
-                  const std::vector<scoredequation>& equations, matrix& M, robustresult& out);
+// The middle M, of the rows of a walk over the sample that an estimator makes anyway. Missing values of the cluster
+// variable must have left the sample (addcluster). fweights count an observation so many times. The zero scale goes
+// before the unit one. The sums of a cluster are in the order of the data, those of clusters in the order of their values.
+struct robustsums {
+    const estsample* s = nullptr;
+    boolean clustered = false, plain = false;            // plain: of one equation
+    std::vector<std::vector<Int4>> columns;              // of each equation
+    std::vector<Int4> places;                            // of its columns in the rows that are summed
+    Int4 width = 0, step = 0, at = 0;
+    tiles sums{0, 0};
+    workspace factors{0}, work{0};
+    grouping clusters;
+    // Columns of each equation, as in scoredequation. 0, 1, 909 (printed).
+    Int4 begin(const estsample& sample, const robustrequest& r, const std::vector<std::vector<Int4>>& of);
+    // Each block of the sample in turn, with the scores of its rows by each equation.
+    void add(const rowsblock& b, const Double* const* score);
+    // M scaled, a row for each column of the equations. 0, 1, 908, 909 (printed).
+    Int4 finish(const robustrule& rule, matrix& M, robustresult& out);
+};
 // out = D M D', of which the lower triangle is made the whole; D may have other rows than M. 0, 1, 908, 909 (printed).
 Int4 sandwich(const matrix& D, const matrix& M, matrix& out);
-// Both: V (k x k, both triangles) holds D and becomes D M D.
+// The whole of it: V (k x k, both triangles) holds D and becomes D M D. 0, 1, 908, 909
+// (printed).
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out);
 

@@ -1,22 +1,29 @@
 #include "estimate/wald.h"
 #include <algorithm>
+#include <cmath>
 #include "matrix/kernels.h"
 #include "output/errors.h"
 
 namespace velmo {
 
+// All is in units of the standard errors, so that what the sweep drops doesn't depend on those of the data.
 Int4 waldtest(const matrix& b, const matrix& V, const std::vector<Int4>& which, waldresult& out) {
     Int4 n = Int4(which.size());
     out = {};
     if (n == 0) return 0;
     matrix inverse;
     if (Int4 rc = makematrix(inverse, n, n)) return rc;
+    std::vector<Double> se, t;
+    for (Int4 i : which) {
+        se.push_back(V.at(i, i) > 0 ? std::sqrt(V.at(i, i)) : 1);
+        t.push_back(b.at(0, i) / se.back());
+    }
     for (Int4 i = 0; i < n; i++)
-        for (Int4 j = 0; j < n; j++) inverse.at(i, j) = V.at(which[std::size_t(i)], which[std::size_t(j)]);
+        for (Int4 j = 0; j < n; j++)
+            inverse.at(i, j) =
+                V.at(which[std::size_t(i)], which[std::size_t(j)]) / (se[std::size_t(i)] * se[std::size_t(j)]);
     std::vector<UByte> flag;
-    std::vector<Double> d;
-    for (Int4 at : which) d.push_back(b.at(0, at));
-    Int4 rc = sweptform(inverse, d, flag, out.chi2);
+    Int4 rc = sweptform(inverse, t, flag, out.chi2);
     out.df = Int4(std::count(flag.begin(), flag.end(), 1));
     return rc;
 }

@@ -217,8 +217,9 @@ Int4 checksample(std::string& name) {
 Int4 makesample(const UByte* map, Int4 first, Int4 run, std::string& name) {
     Int4 var = maketemp(typebyte, true);
     if (var < 0) return error(-var);
-    column c(var);
-    for (Int4 obs = 1; obs <= nobs; obs++) c.put(obs, obs >= first && obs < first + run && map[obs - first] ? 1 : 0);
+    column sample(var);
+    for (Int4 obs = 1; obs <= nobs; obs++)
+        *sample.at(obs) = obs >= first && obs < first + run && map[obs - first] ? 1 : 0;
     name = varlist[var - 1];
     visnvar = nvar;
     return 0;

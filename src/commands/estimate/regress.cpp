@@ -174,7 +174,7 @@ Int4 post(wholefit& w, const regressmodel& m, const std::string& depname) {
 
 Int4 fit(regressmodel& m, wholefit& w) {
     boolean claimed = m.hascons, deviations = m.constant;
-    if (Int4 rc = estimationsample(listsources(), {}, w.s)) return rc;
+    if (Int4 rc = estimationsample(listsources(), {.sums = deviations && !m.robust.cluster}, w.s)) return rc;
     if (Int4 rc = addcluster(w.s, m.robust)) return rc;
     if (Int4 rc = sscp_accum(w.s, {.printweights = true, .deviations = deviations}, w.c)) return rc;
     w.e = plainequations(w.c, m, deviations);

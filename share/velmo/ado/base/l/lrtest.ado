@@ -9,8 +9,9 @@ program define lrtest, rclass
 	}
 	foreach name in saving using {
 		if _local(`name') != "" {
-			confirm name ``name''
-			if length("``name''") > 24 {
+			local given : local `name'
+			confirm name `given'
+			if index(_local(given), " ") | length(_local(given)) > 24 {
 				error 198
 			}
 		}

@@ -7,6 +7,9 @@ program define modeltable, rclass
 	if _local(saving) != "" {
 		local file 1
 		_tablefile check `saving'
+		if "`tablereplace'" == "" {
+			confirm new file `"`tablename'"'
+		}
 	}
 	if "`stats'" == "" {
 		local stats N r2 ll aic bic
@@ -108,7 +111,11 @@ program define Collect
 		if "``j''" == "aic" | "``j''" == "bic" {
 			local value -2*e(ll) + cond("``j''" == "aic", 2, ln(e(N)))*`rank'
 		}
-		_matcell `S' 1 `j' = `value'
+		capture _matcell `S' 1 `j' = `value'
+		if _rc {
+			error _rc == 1
+			_matcell `S' 1 `j' = .
+		}
 	}
 	c_local names `names'
 end

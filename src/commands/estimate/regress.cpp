@@ -131,6 +131,9 @@ void addresults(const regressmodel& m, const regressfit& f, estimation& e) {
     if (f.ll0 != missing) e.scalars.push_back({"ll_0", f.ll0});
     e.macros = {{"depvar", entryname(0)}, {"model", m.instruments ? "iv" : "ols"},
                 {"predict", m.instruments ? "regriv_p" : "regres_p"}};
+    std::string instruments;
+    for (Int4 i = m.regressors + 1; i < vl_n; i++) instruments += (instruments.empty() ? "" : " ") + entryname(i);
+    e.macros.push_back({"instruments", instruments});
     {
         saved<Int4> typed(weighttype, m.robust.typed);
         postweights(e);

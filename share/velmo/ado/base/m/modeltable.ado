@@ -237,7 +237,7 @@ program define Line
 		gettoken stub 0 : 0
 		display as text %12s abbrev("`stub'",12) " {c |}" _continue
 		foreach cell of local 0 {
-			display as result %12s abbrev("`cell'",11) _continue
+			display as `=cond("`what'" == "head", "text", "result")' %12s abbrev("`cell'",11) _continue
 		}
 		display
 	}

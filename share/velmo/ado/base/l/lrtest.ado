@@ -11,8 +11,9 @@ program define lrtest, rclass
 	foreach name in saving using {
 		if _local(`name') != "" {
 			local given : local `name'
-			confirm name `given'
-			if index(_local(given), " ") | length(_local(given)) > 24 {
+			capture confirm name L`given'
+			if _rc | index(_local(given), " ") | length(_local(given)) > 24 {
+				error _rc == 1
 				error 198
 			}
 		}

@@ -9,6 +9,7 @@
 #include "core/tempfiles.h"
 #include "data/dataset.h"
 #include "data/structure.h"
+#include "matrix/matrices.h"
 #include "output/errors.h"
 
 namespace velmo {
@@ -38,7 +39,7 @@ std::string newtempname() {
             passedover.clear();
         }
         std::string name = nameofnumber(tempnamecounter);
-        boolean used = findvar(name) || objfind(name, obj_scalar);
+        boolean used = findvar(name) || objfind(name, obj_scalar) || matfind(name);
         if (used) passedover.push_back(tempnamecounter);
         tempnamecounter++;
         if (!used) return name;
@@ -77,6 +78,9 @@ void droptempnames(Int4 from) {
     for (object* o = objnext(nullptr, name, obj_scalar); o; o = objnext(o, name, obj_scalar))
         if (istempname(name, from)) scalars.push_back(name);
     for (const std::string& scalar : scalars) objdel(scalar, obj_scalar);
+    if (objcount(obj_matrix) == 0) return;
+    for (const std::string& matrix : matnames())
+        if (istempname(matrix, from)) matdrop(matrix);
 }
 
 void droptempfiles(Int4 from) {

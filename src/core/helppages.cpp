@@ -26,6 +26,7 @@ constexpr std::string_view shared[][2] = {
     {"tempfile", "tempvar"},  {"query", "set"},         {"xshell", "shell"},      {"man", "help"},
     {"HELPCHK", "help"},      {"lookup", "search"},     {"showpoint", "debug"},   {"_repart", "debug"},
     {"mat_put_rr", "estimates"}, {"_matcell", "_matrows"}, {"probit", "logit"},
+    {"mlsum", "mleval"},      {"mlvecsum", "mleval"},   {"mlmatsum", "mleval"},   {"_mlmatbysum", "mleval"},
 };
 
 // Pages that hold entries.

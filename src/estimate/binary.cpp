@@ -99,8 +99,7 @@ struct binaryfit {
         std::vector<source> sources = listsources();
         for (Int4 i = 1; i < vl_n; i++) names.push_back(entryname(i));
         if (request.offset) sources.push_back({request.offset});
-        if (Int4 rc = estimationsample(sources, {.binary = true}, s)) return rc;
-        if (Int4 rc = addcluster(s, request.robust)) return rc;
+        if (Int4 rc = estimationsample(sources, {.binary = true, .cluster = request.robust.cluster}, s)) return rc;
         if (!request.asis) return dropperfect(s, names, rules);
         Int4 rc = checkvaries(s);
         return rc ? rc : keeprows(s);

@@ -82,14 +82,27 @@ void complete(const Double* rows, std::size_t width, std::size_t k, Int4 n, UByt
     }
 }
 
+// Takes those without a cluster from the map.
+void clustered(const estsample& s, Int4 cluster, Int4 first, Int4 n, UByte* in) {
+    if (!isstring(cluster)) {
+        Double* value = s.clusters.get<Double>() + (first - s.first);
+        getcolumn(cluster, first, n, value);
+        for (Int4 i = 0; i < n; i++) in[i] &= value[i] != missing;
+        return;
+    }
+    column c(cluster);
+    for (Int4 i = 0; i < n; i++) in[i] &= *c.at(first + i) != 0;
+}
+
 // A piece of the sample, whose `if` is in the map: n observations from `first` on.
-Int4 drawpiece(estsample& s, const rowbuffers& r, Int4 first, Int4 n, Double& total) {
+Int4 drawpiece(estsample& s, const rowbuffers& r, Int4 cluster, Int4 first, Int4 n, Double& total) {
     std::size_t width = std::size_t(r.width);
     Double* rows = r.x.get<Double>();
     UByte* in = s.in() + (first - s.first);
     Double* weight = s.weights() ? s.weights() + (first - s.first) : nullptr;
     getrows(s.sources, first, n, rows, width, r.column.get<Double>());
     complete(rows, width, s.sources.size(), n, in);
+    if (cluster) clustered(s, cluster, first, n, in);
     if (weight)
         if (Int4 rc = estimationweights(first, n, in, weight, total)) return rc;
     s.n += Int4(std::count(in, in + n, 1));
@@ -100,15 +113,15 @@ Int4 drawpiece(estsample& s, const rowbuffers& r, Int4 first, Int4 n, Double& to
     return 0;
 }
 
-Int4 drawmap(estsample& s, boolean sums, Double& total) {
+Int4 drawmap(estsample& s, sampleform form, Double& total) {
     rowbuffers r(s.sources.size());
     if (!r.got()) return error(909);
     // Weights that are to be scaled are so ahead of the sums.
-    if (sums && !s.binary && weighttype != weight_a) s.sums.assign(std::size_t(r.width), 0);
+    if (form.sums && !s.binary && weighttype != weight_a) s.sums.assign(std::size_t(r.width), 0);
     return overblocks([&](Int4 first, Int4 n) -> Int4 {
         exp_ifblock(first, n, s.in() + (first - s.first));
         for (Int4 at = 0; at < n; at += r.step)
-            if (Int4 rc = drawpiece(s, r, first + at, std::min(r.step, n - at), total)) return rc;
+            if (Int4 rc = drawpiece(s, r, form.cluster, first + at, std::min(r.step, n - at), total)) return rc;
         return 0;
     });
 }
@@ -134,9 +147,11 @@ Int4 estimationsample(const std::vector<source>& sources, sampleform form, estsa
     std::size_t room = std::size_t(out.run) + 1;
     out.map = workspace(room);
     if (weighttype) out.weight = workspace(room * sizeof(Double));
-    if (!out.map.p || (weighttype && !out.weight.p)) return error(909);
+    boolean clusters = form.cluster && !isstring(form.cluster);
+    if (clusters) out.clusters = workspace(room * sizeof(Double));
+    if (!out.map.p || (weighttype && !out.weight.p) || (clusters && !out.clusters.p)) return error(909);
     Double total = 0;
-    if (Int4 rc = drawmap(out, form.sums, total)) return rc;
+    if (Int4 rc = drawmap(out, form, total)) return rc;
     return form.empty ? 0 : enough(out.n, total);
 }
 
@@ -162,7 +177,8 @@ rowbuffers::rowbuffers(std::size_t k)
 
 Int4 keeprows(estsample& s) {
     droprows(s);
-    std::size_t n = std::size_t(s.n), width = std::size_t(rowwidth(s.sources.size())), bytes = n * width * sizeof(Double);
+    std::size_t n = std::size_t(s.n), width = std::size_t(rowwidth(s.sources.size()));
+    std::size_t bytes = n * width * sizeof(Double);
     if (n == 0 || bytes > mostkept) return 0;
     workspace rows(bytes), numbers(n * sizeof(Int4));
     if (!rows.p || !numbers.p) return 0;

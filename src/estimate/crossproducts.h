@@ -12,8 +12,9 @@
 namespace velmo {
 
 // A binary outcome, the first source, is 0 and 1; empty: no observations are a sample too; sums: those of the
-// cross-products are wanted, and may be taken on the way.
-struct sampleform { boolean empty = false, binary = false, sums = false; };
+// cross-products are wanted, and may be taken on the way; cluster: a variable, numeric or string, that must have a
+// value.
+struct sampleform { boolean empty = false, binary = false, sums = false; Int4 cluster = 0; };
 
 struct estsample {
     std::vector<source> sources;
@@ -21,6 +22,7 @@ struct estsample {
     Int4 n = 0;                          // how many of them count
     boolean binary = false;
     std::vector<Double> sums;            // of weights and values, or empty
+    workspace clusters{0};               // of the run: values of a numeric cluster variable
     workspace map{0}, weight{0};         // of the run: UByte, 0 out, and 2 for a binary outcome that isn't 0; Double
     workspace rows{0}, numbers{0};       // where they are kept (keeprows): all rows, and their observations
     UByte* in() const { return map.get<UByte>(); }

@@ -140,7 +140,8 @@ void degrees(const regressmodel& m, regressfit& f) {
 // predicted regressors.
 
 // V C, where C makes rows of predicted regressors of those of the instruments and the constant.
-Int4 throughprojection(const normalequations& e, const projection& p, const regressmodel& m, const matrix& V, matrix& D) {
+Int4 throughprojection(const normalequations& e, const projection& p, const regressmodel& m, const matrix& V,
+                         matrix& D) {
     Int4 k = m.regressors, q = Int4(p.means.size());
     if (Int4 rc = makematrix(D, V.rows, q + m.constant)) return rc;
     auto B = [&](Int4 i, Int4 j) { return p.B[std::size_t(i) * std::size_t(k) + std::size_t(j)]; };

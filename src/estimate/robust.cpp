@@ -33,20 +33,6 @@ Int4 getopt_robust(robustrequest& r, boolean score) {
     return 0;
 }
 
-Int4 addcluster(estsample& s, const robustrequest& r) {
-    if (!r.cluster) return 0;
-    workspace work(std::size_t(s.run) + 1);
-    UByte* lacks = work.get<UByte>();
-    if (!lacks) return error(909);
-    column c(r.cluster);
-    boolean text = isstring(r.cluster);
-    for (Int4 i = 0; i < s.run; i++) {
-        lacks[i] = text ? *c.at(s.first + i) == 0 : c.get(s.first + i) == missing;
-        if (tick()) return 1;
-    }
-    return narrowsample(s, lacks);
-}
-
 // ---- The sum of outer products.
 
 Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
@@ -55,10 +41,10 @@ Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
     d.x.emplace_back(isstring(var) ? 1 : (std::size_t(s.n) + 1) * sizeof(Double));
     Int4* obs = d.obs.get<Int4>();
     if (!obs || !d.x[0].p) return error(909);
-    column c(var);
+    const Double* value = s.clusters.get<Double>();
     for (Int4 i = 0; i < s.run; i++) {
         if (!s.in()[i]) continue;
-        if (!isstring(var)) d.values(0)[d.n] = c.get(s.first + i);
+        if (!isstring(var)) d.values(0)[d.n] = value[i];
         obs[d.n++] = s.first + i;
         if (tick()) return 1;
     }

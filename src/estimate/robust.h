@@ -1,8 +1,9 @@
 // The robust variance of estimates (Huber 1967, White 1980): D M D, where D is the model's own variance and M sums
 // the outer products of the scores, of observations or of clusters.
 //
-// An estimator reads the options before it builds its sample (getopt_robust), hands its scores over after the fit
-// (addcluster, robustvariance), and shows what came out of it by e(vcetype), e(clustvar), e(N_clust) (postrobust).
+// An estimator reads the options before it builds its sample (getopt_robust), draws that with the cluster variable,
+// hands its scores over after the fit (robustvariance), and shows what came out of it by e(vcetype), e(clustvar),
+// e(N_clust) (postrobust).
 #pragma once
 #include <string>
 #include <vector>
@@ -24,8 +25,8 @@ struct robustrequest {
 // caller has a guard on weighttype, which this changes. 0; 103, 110, 111, 198, 403, 5101: printed.
 Int4 getopt_robust(robustrequest& r, boolean score);
 
-// The design of an equation: columns of the sample's rows (0 is the constant's, j the jth source's), in the order of its
-// coefficients, and its score of each observation of the run, times the weight. Coefficients of all equations stand one
+// The design of an equation: columns of the sample's rows (0 is the constant's, j the jth source's), in the order of
+// its coefficients, and its score of each observation of the run, times the weight. Coefficients of all equations stand one
 // behind the other, and V has a row for each.
 struct scoredequation {
     std::vector<Int4> columns;
@@ -44,9 +45,10 @@ struct robustresult {
     Double df = 0;               // whole part of n less what was adjusted for, at least 0
 };
 
-// The middle M, of the rows of a walk over the sample that an estimator makes anyway. Missing values of the cluster
-// variable must have left the sample (addcluster). fweights count an observation so many times. The zero scale goes
-// before the unit one. The sums of a cluster are in the order of the data, those of clusters in the order of their values.
+// The middle M, of the rows of a walk over the sample that an estimator makes anyway. The sample must have been drawn
+// with the cluster variable. fweights count an observation so many times. The zero scale goes
+// before the unit one. The sums of a cluster are in the order of the data, those of clusters in the order of their
+// values.
 struct robustsums {
     const estsample* s = nullptr;
     boolean clustered = false, plain = false;            // plain: of one equation
@@ -69,10 +71,6 @@ Int4 sandwich(const matrix& D, const matrix& M, matrix& out);
 // (printed).
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out);
-
-// Takes observations whose cluster is missing or empty from the sample, ahead of its cross-products. 0, 1, 909, 2000
-// (printed).
-Int4 addcluster(estsample& s, const robustrequest& r);
 
 // The groups of the sample by a variable: 0, 1, 909 (printed).
 Int4 numberclusters(const estsample& s, Int4 var, grouping& g);

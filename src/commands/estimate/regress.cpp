@@ -131,6 +131,9 @@ void addresults(const regressmodel& m, const regressfit& f, estimation& e) {
     if (f.ll0 != missing) e.scalars.push_back({"ll_0", f.ll0});
     e.macros = {{"depvar", entryname(0)}, {"model", m.instruments ? "iv" : "ols"},
                 {"predict", m.instruments ? "regriv_p" : "regres_p"}};
+    std::string instruments;
+    for (Int4 i = m.regressors + 1; i < vl_n; i++) instruments += (instruments.empty() ? "" : " ") + entryname(i);
+    e.macros.push_back({"instruments", instruments});
     {
         saved<Int4> typed(weighttype, m.robust.typed);
         postweights(e);
@@ -174,8 +177,7 @@ Int4 post(wholefit& w, const regressmodel& m, const std::string& depname) {
 
 Int4 fit(regressmodel& m, wholefit& w) {
     boolean claimed = m.hascons, deviations = m.constant;
-    if (Int4 rc = estimationsample(listsources(), {.sums = deviations && !m.robust.cluster}, w.s)) return rc;
-    if (Int4 rc = addcluster(w.s, m.robust)) return rc;
+    if (Int4 rc = estimationsample(listsources(), {.sums = deviations, .cluster = m.robust.cluster}, w.s)) return rc;
     if (Int4 rc = sscp_accum(w.s, {.printweights = true, .deviations = deviations}, w.c)) return rc;
     w.e = plainequations(w.c, m, deviations);
     if (m.instruments)

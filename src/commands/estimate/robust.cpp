@@ -120,8 +120,7 @@ Int4 robustof(robustcall& c, const std::vector<source>& sources, std::vector<sco
               robustresult& result) {
     estsample s;
     workspace scores{0};
-    if (Int4 rc = estimationsample(sources, {}, s)) return rc;
-    if (Int4 rc = addcluster(s, c.request)) return rc;
+    if (Int4 rc = estimationsample(sources, {.cluster = c.request.cluster}, s)) return rc;
     Double total = 0;
     if (weighttype == weight_a && !scaleweights(s, false, total)) return error(2000);
     if (Int4 rc = readscores(s, equations, scores)) return rc;

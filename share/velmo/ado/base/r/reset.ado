@@ -39,6 +39,7 @@ program define reset, rclass
 	quietly test `terms'
 	return add
 	display as text _newline "RESET test: powers `powers' of the fitted values add nothing"
-	display as text "    F(" as result r(df) as text ", " as result r(df_r) as text ")" _column(19) "= " as result %9.2f r(F)
+	display as text "    F(" as result r(df) as text ", " as result r(df_r) as text ")" _column(19) "= " /*
+		*/ as result %9.2f r(F)
 	display as text "    Prob > F" _column(19) "= " as result %9.4f r(p)
 end

@@ -92,6 +92,11 @@ int}|virtual {on|off}|debug off|more off} ;;
 {byp} simple {vars}{if}{in}{w}{|, fail({0|459|2000})|, level({int})|, bad} ;;
 guess {num} {num}{if} ;; display _b[{num}] e(sample) e(N) ;; matrix {makeCns|dispCns|list e(V)} ;;
 estimates {list|dir|clear|display|display, eform(x) plus|hold h{int}{|, copy|, restore}|unhold h{int}|drop h{int}} ;;
+quietly regress {num} {vars}{if}{w} ;;
+test {{num} = {int}*{num}|{vars}|[#1]|[_]: {num}|{num} = {exp}|}{|, accumulate|, notest|, minimum} ;;
+testvars {vars}{|, equal} ;; {lincomb|nlcomb} {{num} + {int}*{num}|_b[{num}]/{int}|{exp}|_cons}{|, level({int}0)} ;;
+vce{|, c} ;; lrtest{|, saving({new})|, using({new})|, df({int})} ;; effects{| {vars}}{|, at(mean)|, dummies} ;;
+modelkeep {new} ;; modeltable{| {new}|, se t p|, stats(N r2_p rank)|, se saving(t{int}.{csv|html|tex|md}, replace)} ;;
 constraint {define {int} {num} = {int}*{num}|define {int} {text}|list|drop {int}/{int}|drop _all} ;;
 {byp} ranks {vars}{if}{in}{|, fail(459)} ;; {byp} group {vars}{if}{in}{w} ;; nest {int}{int} ;; lone ;;
 return drop _all ;; capture noisily {error {codes}|regress x|xyz|exit {3|9}|merge|use|by|list nosuch|egen|drop} ;;
@@ -110,6 +115,8 @@ order {vars} ;; move {var} {var} ;; tsset {num} {num|} ;; tsset, clear"""),
 generate {new}:{lab} = {exp} ;; replace {num} = {model}{if}{in} ;; replace {num} = {model}{if} ;;
 {byp} replace {num} = {exp}{if}{in}{|, nopromote} ;; {byp} replace {str} = {sexp}{if}{in} ;; keep{if} ;; drop{if} ;;
 keep {in} ;; drop {in} ;; {byp} {keep|drop}{if} ;; drop {vars} ;; keep {vars} ;; set obs {int}{int|}{int|} ;;
+{predict|_predict|version 5: predict} {type} {new}{if}{in}{|, xb|, stdp|, residuals|, rstudent|, cooksd|, hat|, \
+dfits|, dfbeta({num})|, deviance|, dbeta|, rules|, asif xb|, equation(_)|, constant({num}) nolabel} ;;
 rename {var} {new} ;; recast {type} {vars}{|, force} ;; compress{| {vars}} ;; format {vars} %{format} ;;
 label define {lab} {int} "{text}" {int} `"{text}"'{|, add|, modify|, nofix} ;; label values {num} {lab|} ;;
 label variable {var} {"{text}"|`"{text}"'|= {sexp}} ;; label data "{text}" ;; label drop {lab|_all} ;;

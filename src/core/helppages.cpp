@@ -25,7 +25,9 @@ constexpr std::string_view shared[][2] = {
     {"global", "local"},      {"macro", "local"},       {"c_local", "local"},     {"tempname", "tempvar"},
     {"tempfile", "tempvar"},  {"query", "set"},         {"xshell", "shell"},      {"man", "help"},
     {"HELPCHK", "help"},      {"lookup", "search"},     {"showpoint", "debug"},   {"_repart", "debug"},
-    {"mat_put_rr", "estimates"}, {"_matcell", "_matrows"}, {"probit", "logit"},
+    {"mat_put_rr", "estimates"}, {"_matcell", "_matrows"}, {"_predict", "predict"},
+    {"regres_p", "predict"},  {"regriv_p", "predict"},  {"logit_p", "predict"},   {"probit_p", "predict"},
+    {"probit", "logit"},
 };
 
 // Pages that hold entries.

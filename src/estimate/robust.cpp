@@ -35,8 +35,6 @@ Int4 getopt_robust(robustrequest& r, boolean score) {
 
 // ---- The sum of outer products.
 
-namespace {
-
 Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
     drawnsample d;
     d.obs = workspace((std::size_t(s.n) + 1) * sizeof(Int4));
@@ -52,6 +50,8 @@ Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
     }
     return groupsample(d, {{var}}, 0, g);
 }
+
+namespace {
 
 // A row of several equations: their columns times their scores, added to `to`.
 void addequations(const std::vector<std::vector<Int4>>& columns, const Double* row, const Double* const* score, Int4 i,

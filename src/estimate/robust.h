@@ -72,6 +72,9 @@ Int4 sandwich(const matrix& D, const matrix& M, matrix& out);
 Int4 robustvariance(const estsample& s, const robustrequest& r, const robustrule& rule,
                     const std::vector<scoredequation>& equations, matrix& V, robustresult& out);
 
+// The groups of the sample by a variable: 0, 1, 909 (printed).
+Int4 numberclusters(const estsample& s, Int4 var, grouping& g);
+
 // e(vcetype) (Robust, or the text given), e(clustvar), e(N_clust).
 void postrobust(estimation& e, const robustrequest& r, const robustresult& result, const char* vcetype = "Robust");
 

@@ -1,5 +1,6 @@
 #include "estimate/testconstraints.h"
 #include <string>
+#include "base/saved.h"
 #include "estimate/records.h"
 #include "estimate/wald.h"
 #include "matrix/kernels.h"
@@ -94,6 +95,7 @@ void finish(Double W, constrainttest& out) {
 
 Int4 testconstraints(const matrix& Rr, boolean minimum, constrainttest& out) {
     matrix b, V, temptest;
+    saved<Double> floor(sweepfloor, 0);      // what is small depends on the units of the data
     out = {};
     if (Int4 rc = residualdf(out.dfr)) return rc;
     if (Int4 rc = postedmatrix("_b", b)) return rc;

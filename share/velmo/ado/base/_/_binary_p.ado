@@ -4,8 +4,8 @@
 program define _binary_p
 	version 7.0
 	gettoken link 0 : 0
-	syntax newvarname [if] [in] [, P DEViance PEArson Hat DBeta noLABel *]
-	local own `p' `deviance' `pearson' `hat' `dbeta'
+	syntax newvarname [if] [in] [, P DEViance PEArson Hat DBeta XB Index STDP noLABel *]
+	local own `p' `deviance' `pearson' `hat' `dbeta' `xb' `index' `stdp'
 	if "`: word 2 of `own''" != "" {
 		display as error "only one statistic may be asked for"
 		exit 198
@@ -13,24 +13,16 @@ program define _binary_p
 	foreach part in if options {
 		local `part' : escaped `part'
 	}
-	if "`own'" == "" | "`p'" != "" {
-		_predict `typlist' `varlist' `if' `in', `label' `options'
+	if "`deviance'`pearson'`hat'`dbeta'" == "" {
+		_predict `typlist' `varlist' `if' `in', `xb' `index' `stdp' `label' `options'
 		exit
-	}
-	if "`hat'`dbeta'" != "" {
-		Modelled
 	}
 	marksample touse, novarlist
 	tempvar xb h
 	quietly _predict double `xb' if `touse', xb `options'
 	if "`hat'`dbeta'" != "" {
-		quietly _predict double `h' if `touse', stdp `options'
-		if "`link'" == "logit" {
-			quietly replace `h' = `h'^2/(2+exp(`xb')+exp(-`xb'))
-		}
-		else {
-			quietly replace `h' = `h'^2*normd(`xb')^2/(norm(`xb')*norm(-`xb'))
-		}
+		quietly generate double `h' = .
+		quietly Leverage `link' `xb' `h' `touse' `options'
 	}
 	* from here on the predictor of the outcome that was observed, and its sign
 	tempvar sign
@@ -61,13 +53,43 @@ program define _binary_p
 	}
 end
 
-* Leverage needs the model's own variance, and observations that count alike.
-program define Modelled
-	if "`e(vcetype)'" != "" {
-		display as error "not after a robust variance"
-		exit 198
+* The leverage W x'(X'WX)^-1 x into h, by a root of the inverse. W are the weights of the expected information, times
+* those of the estimation; an observation that stands for several is one of them.
+program define Leverage
+	args link xb h touse
+	macro shift 4
+	tempvar all own part
+	tempname A row b
+	matrix `b' = get(_b)
+	local names : colnames `b'
+	_predict double `all' if e(sample) | `touse', xb `*'
+	if "`link'" == "logit" {
+		generate double `own' = 1/(2+exp(`all')+exp(-`all'))
 	}
-	if "`e(wtype)'" != "" & "`e(wtype)'" != "fweight" {
-		error 135
+	else {
+		generate double `own' = normd(`all')^2/(norm(`all')*norm(-`all'))
 	}
+	local weight "`e(wexp)'"
+	if "`weight'" == "" {
+		local weight "= 1"
+	}
+	if "`e(wtype)'" != "fweight" {
+		replace `own' = `own'*(`=substr("`weight'", 2, .)')
+		local weight "= 1"
+	}
+	local x : subinstr local names "_cons" "", word
+	local constant = cond("`x'" == "`names'", "noconstant", "")
+	matrix accum `A' = `x' [iweight=`own'*(`=substr("`weight'", 2, .)')] if e(sample), `constant'
+	matrix `A' = cholesky(syminv(`A'))
+	matrix `A' = `A''
+	matrix colnames `A' = `names'
+	replace `h' = 0 if `touse'
+	local k = rowsof(`A')
+	forvalues i = 1/`k' {
+		matrix `row' = `A'[`i',1...]
+		matrix score double `part' = `row' if `touse'
+		replace `h' = `h' + `part'^2
+		drop `part'
+	}
+	replace `h' = `own'*`h'
 end

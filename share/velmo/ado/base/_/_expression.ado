@@ -22,9 +22,7 @@ program define _expression
 		exit 100
 	}
 	local exp : escaped exp
-	local exp : escaped exp
 	local rest : escaped 0
-	local rest : escaped rest
 	c_local expression `exp'
 	c_local options `comma' `rest'
 end

@@ -1,0 +1,21 @@
+*! version 1.0.0  22nov2026
+* modelkeep: keeps the last fit under a name, for modeltable. Fits are held estimates; MODELKEPT lists their names.
+program define modelkeep
+	version 7.0
+	args name
+	if "`2'" != "" | "`name'" == "" {
+		error 198
+	}
+	confirm name `name'
+	tempname b
+	matrix `b' = get(_b)
+	local kept $MODELKEPT
+	nobreak {
+		if index(" `kept' ", " `name' ") {
+			capture estimates drop `name'
+			local kept : subinstr local kept "`name'" "", word
+		}
+		estimates hold `name', copy
+		global MODELKEPT `kept' `name'
+	}
+end

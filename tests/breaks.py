@@ -63,6 +63,18 @@ program define library
     notes: done
   }
 end
+program define models
+  quietly {
+    generate z = _n
+    regress x z, cluster(s)
+    regress x z (z), hc3
+    regress x z
+    bptest, white
+    sw regress x y z, pr(.5)
+    bootstrap, reps(3): regress x z
+    drop z
+  }
+end
 generate x = mod(_n * 37, 101)
 generate str8 s = string(x)
 generate y = 1
@@ -73,6 +85,7 @@ while `k' < 2000 {
   inner
   middle
   library
+  models
   quietly {
     sort x s
     summarize x, detail
@@ -83,10 +96,11 @@ while `k' < 2000 {
   }
   display "round `k'"
 }
-program drop inner middle group library
+program drop inner middle group library models
 """
 CHECK = ('capture program drop inner', 'capture program drop middle', 'capture program drop group',
-         'capture program drop library', 'label drop _all', 'version', 'display "obs " (_N == 400 | _N == 0)',
+         'capture program drop library', 'capture program drop models',
+         'capture quietly regress', 'display "fit " _rc', 'label drop _all', 'version', 'display "obs " (_N == 400 | _N == 0)',
          'display "[`k\'][`t\']"', 'capture debug obstest', 'display "rc " _rc',
          'capture assert length(s) > 0', 'display "data " _rc', 'drop _all', 'display "whole " 1+1')
 
@@ -122,7 +136,7 @@ def main():
                 raise SystemExit("Break %d was lost:\n%s" % (i + 1, first[-1500:]))
             for line in CHECK: say(line)
             text = read(p, rb"whole 2")
-            for wanted in (r"^version 7\.0$", r"^obs 1$", r"^\[\]\[\]$", r"^rc 0$", r"^data [09]$|^data 111$"):
+            for wanted in (r"^version 7\.0$", r"^obs 1$", r"^\[\]\[\]$", r"^rc 0$", r"^fit (0|301)$", r"^data [09]$|^data 111$"):
                 if not re.search(wanted, text, re.M):
                     raise SystemExit("after Break %d: no %s in\n%s%s" % (i + 1, wanted, first[-1500:], text))
             if [f for _, _, names in os.walk(work) for f in names if f.endswith(".tmp")]:

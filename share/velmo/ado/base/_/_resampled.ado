@@ -34,6 +34,9 @@ program define _resampled, rclass
 	if `held' & (`rc' | !`estimates') {
 		estimates unhold `before'
 	}
+	else if `held' {
+		estimates drop `before'
+	}
 	if `rc' {
 		exit `rc'
 	}

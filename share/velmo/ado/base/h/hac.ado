@@ -131,7 +131,8 @@ end
 program define Show
 	args level
 	display
-	display as text "Regression with HAC standard errors" _column(56) "Number of obs =" as result %8.0f e(N)
+	display as text "Regression with HAC standard errors" _column(56) "Number of obs =" /*
+		*/ as result %8.0f e(N)
 	display as text _column(56) "F(" %3.0f e(df_m) "," %6.0f e(df_r) ") =" as result %8.2f e(F)
 	display as text _column(56) "Prob > F      = " as result %7.4f fprob(e(df_m), e(df_r), e(F))
 	display as text _column(56) "R-squared     = " as result %7.4f e(r2)

@@ -46,7 +46,8 @@ w {num}|samp {num}|wtyp aweight} ;;
 maxlik binary ({num} = {num} {num}{|, noconstant|, offset({num})}){if}{w}{, iterate(3)|, robust iterate(2)} ;;
 {byp} regress {num} {vars}{if}{in}{w}{|, robust|, cluster({var})|, hc3|, noconstant beta|, hascons|, mse1 dof({int})|, \
 tsscons noconstant|, rssmat bmat} ;; regress {num} {vars} ({vars}){if}{w}{|, robust|, hc2|, noconstant cluster({var})} ;;
-regress{|, beta|, eform(x) level(90) plus|, noheader} ;; _robust {num}{if}{w}{|, minus({int})|, cluster({var})} ;;
+regress{|, beta|, eform(x) level(90) plus|, noheader} ;; {vif|ivtest|dwtest|bptest|bptest, white|reset|reset, powers({int})} ;;
+{byp} hac {num} {vars}{if}{w}, lags({int}) ;; hac ;; sw {regress|logit} {num} {vars} ({vars}){if}{w}, {pe(.2)|pr(.3)} ;; _robust {num}{if}{w}{|, minus({int})|, cluster({var})} ;;
 matrix accum A = {vars}{if}{in}{w}{|, noconstant|, deviations means(M)} ;; matrix vecaccum v = {num} {vars}{if}{w} ;;
 matrix opaccum A = {num}, group({var}) opvar({num}) ;; matrix symeigen X v = A ;; matrix svd X v Y = A ;;
 matrix glsaccum A = {num}{w}, group({var}) glsmat({A|X|{str}}) row({num}) ;; pairwise {vars}{if}{w}{|, obs sig sidak} ;;

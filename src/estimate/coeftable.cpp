@@ -58,7 +58,7 @@ Int4 heading(const coeftable& t) {
         prttextf("%*s%s\n", 18 - Int4(t.vcetype.size()) / 2, "", t.vcetype.c_str());
     }
     stubtext(t.depname);
-    prttextf("%11s   Std. Err.      %c    P>|%c|", t.title.empty() ? "Coef." : t.title.c_str(), letter, letter);
+    prttextf("%11.11s   Std. Err.      %c    P>|%c|", t.title.empty() ? "Coef." : t.title.c_str(), letter, letter);
     if (t.beta) prttextf("%21sBeta\n", "");
     else prttextf("     [%d%% Conf. Interval]\n", t.level);
     rule("+");

@@ -74,7 +74,6 @@ Int4 keeprows(const crossproducts& c, const normalequations& e, const regressmod
     if (Int4 rc = makematrix(rows.mns, 1, n + 1)) return rc;
     if (Int4 rc = makematrix(rows.s2, 1, n)) return rc;
     if (Int4 rc = makematrix(rows.xTy, 1, n)) return rc;
-    if (e.weights <= 1) return error(2000);
     for (Int4 i = 0; i < n; i++) {
         Double mean = c.m.at(i + 1, 0) / e.weights, square = c.m.at(i + 1, i + 1) / e.weights;
         rows.mns.at(0, i) = c.m.at(i + 1, 0);
@@ -180,6 +179,10 @@ Int4 fit(regressmodel& m, wholefit& w) {
     if (Int4 rc = estimationsample(listsources(), {.sums = deviations, .cluster = m.robust.cluster}, w.s)) return rc;
     if (Int4 rc = sscp_accum(w.s, {.printweights = true, .deviations = deviations}, w.c)) return rc;
     w.e = plainequations(w.c, m, deviations);
+    if (w.e.weights <= 1) {              // as importance weights can be
+        error(2000);
+        return 2000;
+    }
     if (m.instruments)
         if (Int4 rc = projectregressors(w.c, m, w.e, w.p)) return rc;
     if (Int4 rc = fitleast(w.c, w.e, m, w.f)) return rc;

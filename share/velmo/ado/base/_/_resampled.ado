@@ -34,6 +34,9 @@ program define _resampled, rclass
 	else if `estimates' {
 		capture estimates drop `before'
 	}
+	else if `held' {
+		estimates drop `before'
+	}
 	if `rc' {
 		exit `rc'
 	}

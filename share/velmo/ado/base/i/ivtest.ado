@@ -1,6 +1,6 @@
 *! version 1.0.0  22nov2026
-* ivtest: after regress with instruments, how well they predict each regressor that isn't one (F of the first stage), and
-* whether there are too many of them for the model to hold (Sargan 1958)
+* ivtest: after regress with instruments, how well they predict each regressor that isn't one (F of the first stage),
+* and whether there are too many of them for the model to hold (Sargan 1958)
 program define ivtest, rclass
 	version 7.0
 	syntax

@@ -17,16 +17,21 @@ program define reset, rclass
 		local options = cond("`e(vcetype)'" == "Robust", "robust", lower(substr("`e(vcetype)'", 8, .)))
 	}
 	tempvar touse fit
-	tempname keep scale
+	tempname keep scale middle
 	quietly {
 		generate byte `touse' = e(sample)
 		_predict double `fit' if `touse', xb
 		summarize `fit' if `touse', meanonly
 	}
-	scalar `scale' = max(abs(r(min)), abs(r(max)))
+	scalar `middle' = 0
+	if "`constant'" == "" & index("2 3 4 5 6 7 8 9", "`powers'") == 1 {
+		* then powers about the middle span the same, and are less collinear
+		scalar `middle' = (r(min)+r(max))/2
+	}
+	scalar `scale' = max(abs(r(min)-`middle'), abs(r(max)-`middle'))
 	foreach p of local powers {
 		tempvar power
-		quietly generate double `power' = (`fit'/`scale')^`p'
+		quietly generate double `power' = ((`fit'-`middle')/`scale')^`p'
 		local terms `terms' `power'
 	}
 	estimates hold `keep', restore
@@ -34,6 +39,7 @@ program define reset, rclass
 	quietly test `terms'
 	return add
 	display as text _newline "RESET test: powers `powers' of the fitted values add nothing"
-	display as text "    F(" as result r(df) as text ", " as result r(df_r) as text ")" _column(19) "= " as result %9.2f r(F)
+	display as text "    F(" as result r(df) as text ", " as result r(df_r) as text ")" _column(19) "= " /*
+		*/ as result %9.2f r(F)
 	display as text "    Prob > F" _column(19) "= " as result %9.4f r(p)
 end

@@ -80,6 +80,9 @@ while `k' < 2000 {
     compress
     drop y
     generate double y = sum(x)
+    generate byte o = mod(_n * 17, 23) > 11
+    probit o x y, tolerance(0) iterate(60)
+    drop o
   }
   display "round `k'"
 }
@@ -87,7 +90,7 @@ program drop inner middle group library
 """
 CHECK = ('capture program drop inner', 'capture program drop middle', 'capture program drop group',
          'capture program drop library', 'label drop _all', 'version', 'display "obs " (_N == 400 | _N == 0)',
-         'display "[`k\'][`t\']"', 'capture debug obstest', 'display "rc " _rc',
+         'display "[`k\'][`t\']"', 'display "e " (e(N) == 400 | e(N) == .)', 'capture debug obstest', 'display "rc " _rc',
          'capture assert length(s) > 0', 'display "data " _rc', 'drop _all', 'display "whole " 1+1')
 
 def read(p, until, seconds=20):
@@ -122,7 +125,7 @@ def main():
                 raise SystemExit("Break %d was lost:\n%s" % (i + 1, first[-1500:]))
             for line in CHECK: say(line)
             text = read(p, rb"whole 2")
-            for wanted in (r"^version 7\.0$", r"^obs 1$", r"^\[\]\[\]$", r"^rc 0$", r"^data [09]$|^data 111$"):
+            for wanted in (r"^version 7\.0$", r"^obs 1$", r"^e 1$", r"^\[\]\[\]$", r"^rc 0$", r"^data [09]$|^data 111$"):
                 if not re.search(wanted, text, re.M):
                     raise SystemExit("after Break %d: no %s in\n%s%s" % (i + 1, wanted, first[-1500:], text))
             if [f for _, _, names in os.walk(work) for f in names if f.endswith(".tmp")]:

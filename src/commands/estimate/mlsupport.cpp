@@ -209,14 +209,15 @@ struct matrixsum {
         name = nexttoken();
         if (Int4 rc = checkmatrixname(name)) return rc;
         if (Int4 rc = parsesum()) return rc;
-        return readequations(eq, limit, n);
+        if (Int4 rc = readequations(eq, limit, n)) return rc;
+        s.sources = eq[0].x;
+        if (!square()) s.sources.insert(s.sources.end(), second().x.begin(), second().x.end());
+        return 0;
     }
 
     // 0, 1, 499, 909 (printed), lacksvalue.
     Int4 draw() {
         if (Int4 rc = readmlsample(where)) return rc;
-        s.sources = eq[0].x;
-        if (!square()) s.sources.insert(s.sources.end(), second().x.begin(), second().x.end());
         s.run = nobs;
         s.map = workspace(std::size_t(nobs) + 1);
         s.weight = workspace((std::size_t(nobs) + 1) * sizeof(Double));
@@ -235,6 +236,16 @@ struct matrixsum {
         return true;
     }
 
+    // one(block) over the rows drawn: 0, 1, 909 (printed), lacksvalue.
+    template <class F> Int4 overdrawn(F one) const {
+        boolean lacks = false;
+        Int4 rc = overrows(s, [&](const rowsblock& b) {
+            lacks |= !complete(b);
+            one(b);
+        });
+        return rc == 0 && lacks ? lacksvalue : rc;
+    }
+
     // The places of an equation's columns in the rows.
     std::vector<Int4> columns(const mlequation& e) const {
         std::vector<Int4> out;
@@ -244,8 +255,9 @@ struct matrixsum {
         return out;
     }
 
-    // The matrix, and a missing scalar if the walk or the sums ended so.
+    // What the walk ended with: the matrix, and a missing scalar if a value was missing or a sum isn't finite.
     Int4 store(matrix& m, Int4 rc) {
+        if (rc > 0) return rc;
         boolean bad = rc == lacksvalue;
         for (Int4 i = 0; i < m.rows * m.cols; i++) {
             Double& x = m.x.get<Double>()[i];
@@ -281,18 +293,13 @@ Int4 cmd_mlvecsum() {
     if (Int4 rc = getopt_done()) return rc;
     if (Int4 rc = makematrix(g, 1, m.eq[0].size())) return rc;
     g.colnames = m.eq[0].names();
-    Int4 rc = m.draw();
     std::vector<Double> sums(std::size_t(rowbuffers(m.s.sources.size()).width), 0);
-    boolean lacks = false;
+    Int4 rc = m.draw();
     if (rc == 0)
-        rc = overrows(m.s, [&](const rowsblock& b) {
-            lacks |= !m.complete(b);
-            addcolumns(b.x, b.weight, b.n, b.width, sums.data());
-        });
-    if (rc > 0) return rc;
+        rc = m.overdrawn([&](const rowsblock& b) { addcolumns(b.x, b.weight, b.n, b.width, sums.data()); });
     std::vector<Int4> columns = m.columns(m.eq[0]);
     for (std::size_t j = 0; j < columns.size(); j++) g.at(0, Int4(j)) = sums[std::size_t(columns[j])];
-    return m.store(g, lacks ? lacksvalue : rc);
+    return m.store(g, rc);
 }
 
 // mlmatsum scalar matrix = exp [if] [, eq(#[,#])]
@@ -302,20 +309,36 @@ Int4 cmd_mlmatsum() {
     if (Int4 rc = m.parse(2)) return rc;
     if (Int4 rc = getopt_done()) return rc;
     if (Int4 rc = m.makeblock(h)) return rc;
-    Int4 rc = m.draw();
     rowbuffers r(m.s.sources.size());
     tiles t(r.width, r.step);
     if (!t.got()) return error(909);
-    boolean lacks = false;
-    if (rc == 0)
-        rc = overrows(m.s, [&](const rowsblock& b) {
-            lacks |= !m.complete(b);
-            t.add(b.x, b.weight, b.n, false);
-        });
-    if (rc > 0) return rc;
+    Int4 rc = m.draw();
+    if (rc == 0) rc = m.overdrawn([&](const rowsblock& b) { t.add(b.x, b.weight, b.n, false); });
     m.fill(h, t);
-    return m.store(h, lacks ? lacksvalue : rc);
+    return m.store(h, rc);
 }
+
+namespace {
+
+// The outer products of each group's sums.
+Int4 groupproducts(const matrixsum& m, Int4 by, Int4 step, tiles& t) {
+    grouping g;
+    if (Int4 rc = numberclusters(m.s, by, g)) return rc;
+    std::size_t size = std::size_t(g.groups) * t.width;
+    workspace work((size + 1) * sizeof(Double));
+    Double* sums = work.get<Double>();
+    if (!sums) return error(909);
+    std::fill_n(sums, size, 0.0);
+    const UInt4* code = g.codes();
+    Int4 rc = m.overdrawn([&](const rowsblock& b) {
+        for (Int4 i = 0; i < b.n; i++) addscaled(sums + *code++ * t.width, b.row(i), b.weight[i], b.width);
+    });
+    for (Int4 at = 0; at < g.groups; at += step)
+        t.add(sums + std::size_t(at) * t.width, nullptr, std::min(step, g.groups - at), false);
+    return rc;
+}
+
+}  // namespace
 
 // _mlmatbysum scalar matrix = exp [if], by(varname) [eq(#[,#])]: over groups, the sums of exp x multiplied with each
 // other.
@@ -323,34 +346,20 @@ Int4 cmd__mlmatbysum() {
     matrixsum m;
     matrix h;
     std::vector<Int4> by;
-    boolean found, lacks = false;
+    boolean found;
     if (Int4 rc = m.parse(2)) return rc;
     if (Int4 rc = getopt_vars("by", 2, by, found)) return rc;
     if (!found || by.empty()) return errorf(100, "_mlmatbysum: option -by()- required\n");
     if (by.size() > 1) return error(103);
     if (Int4 rc = getopt_done()) return rc;
     if (Int4 rc = m.makeblock(h)) return rc;
-    Int4 rc = m.draw();
-    grouping g;
-    if (rc == 0) rc = numberclusters(m.s, by[0], g);
     rowbuffers r(m.s.sources.size());
     tiles t(r.width, r.step);
-    std::size_t width = std::size_t(r.width);
-    workspace work((std::size_t(g.groups) * width + 1) * sizeof(Double));
-    Double* sums = work.get<Double>();
-    if (!t.got() || !sums) return error(909);
-    std::fill_n(sums, std::size_t(g.groups) * width, 0.0);
-    const UInt4* code = g.codes();
-    if (rc == 0)
-        rc = overrows(m.s, [&](const rowsblock& b) {
-            lacks |= !m.complete(b);
-            for (Int4 i = 0; i < b.n; i++) addscaled(sums + *code++ * width, b.row(i), b.weight[i], r.width);
-        });
-    if (rc > 0) return rc;
-    for (Int4 at = 0; at < g.groups; at += r.step)
-        t.add(sums + std::size_t(at) * width, nullptr, std::min(r.step, g.groups - at), false);
+    if (!t.got()) return error(909);
+    Int4 rc = m.draw();
+    if (rc == 0) rc = groupproducts(m, by[0], r.step, t);
     m.fill(h, t);
-    return m.store(h, lacks ? lacksvalue : rc);
+    return m.store(h, rc);
 }
 
 }  // namespace velmo

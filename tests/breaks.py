@@ -64,18 +64,24 @@ program define library
   }
 end
 program define models
-  quietly {
-    generate z = _n
-    regress x z, cluster(s)
-    regress x z (z), hc3
-    regress x z
-    bptest, white
-    sw regress x y z, pr(.5)
-    bootstrap, reps(3): regress x z
-    drop z
-  }
+  regress y x, robust
+  predict double fit
+  drop fit
+  logit big x y2, robust iterate(4)
+  regress y2 x (x), hc3
+  bptest, white
+  sw regress x y y2, pr(.5)
+  maxlik mynormal (mean: y2 = x) (lns:), iterate(3)
+  bootstrap summarize x, reps(5) nodots
+  regress y2 x, cluster(s)
+end
+program define mynormal
+  args lnf m s
+  quietly replace `lnf' = -`s' - .5*((y2-`m')/exp(`s'))^2
 end
 generate x = mod(_n * 37, 101)
+generate y2 = uniform()
+generate byte big = uniform() < .5
 generate str8 s = string(x)
 generate y = 1
 label define l 1 "one", modify
@@ -85,7 +91,7 @@ while `k' < 2000 {
   inner
   middle
   library
-  models
+  quietly models
   quietly {
     sort x s
     summarize x, detail
@@ -96,11 +102,13 @@ while `k' < 2000 {
   }
   display "round `k'"
 }
-program drop inner middle group library models
+program drop inner middle group library models mynormal
 """
 CHECK = ('capture program drop inner', 'capture program drop middle', 'capture program drop group',
-         'capture program drop library', 'capture program drop models',
-         'capture quietly regress', 'display "fit " _rc', 'label drop _all', 'version', 'display "obs " (_N == 400 | _N == 0)',
+         'capture program drop library', 'capture program drop models', 'capture program drop mynormal',
+         'capture assert e(N) == . | (e(N) == 400 & el(e(V),1,1)+el(e(b),1,2) < .)',
+         'display "model " _rc', 'matrix dir', 'estimates dir', 'scalar dir', 'label drop _all',
+         'version', 'display "obs " (_N == 400 | _N == 0)',
          'display "[`k\'][`t\']"', 'capture debug obstest', 'display "rc " _rc',
          'capture assert length(s) > 0', 'display "data " _rc', 'drop _all', 'display "whole " 1+1')
 
@@ -136,9 +144,11 @@ def main():
                 raise SystemExit("Break %d was lost:\n%s" % (i + 1, first[-1500:]))
             for line in CHECK: say(line)
             text = read(p, rb"whole 2")
-            for wanted in (r"^version 7\.0$", r"^obs 1$", r"^\[\]\[\]$", r"^rc 0$", r"^fit (0|301)$", r"^data [09]$|^data 111$"):
+            for wanted in (r"^version 7\.0$", r"^obs 1$", r"^\[\]\[\]$", r"^rc 0$", r"^data [09]$|^data 111$",
+                           r"^model 0$"):
                 if not re.search(wanted, text, re.M):
                     raise SystemExit("after Break %d: no %s in\n%s%s" % (i + 1, wanted, first[-1500:], text))
+            if re.search(r"^ *__", text, re.M): raise SystemExit("a temporary name stayed:\n" + text)
             if [f for _, _, names in os.walk(work) for f in names if f.endswith(".tmp")]:
                 raise SystemExit("a temporary file stayed")
         say("exit, clear")

@@ -193,8 +193,11 @@ Int4 prepareprediction(const predictrequest& r, prediction& p) {
         if (Int4 rc = readvariances(p)) return rc;
     if (kind == kind_likelihood && !r.asif)
         if (Int4 rc = addrules(p)) return rc;
-    p.work = workspace((p.terms.size() + 5) * blocksize * sizeof(Double));
-    return p.work.p ? 0 : error(909);
+    std::size_t cells = (p.terms.size() + 5) * blocksize;
+    p.work = workspace(cells * sizeof(Double));
+    if (!p.work.p) return error(909);
+    std::fill_n(p.work.get<Double>(), cells, 0.0);       // sums that a statistic doesn't need stay 0
+    return 0;
 }
 
 // ---- Blocks.
@@ -249,13 +252,14 @@ void addoffsets(const block& b) {
 // The first rule that doesn't pass decides an observation.
 void decide(const block& b) {
     Double* x = b.spare();
-    std::vector<UByte> open(std::size_t(b.n), 1);
+    UByte open[blocksize];
+    std::fill_n(open, b.n, UByte(1));
     for (const predictrule& r : b.p.rules) {
         b.fetch(r.from, x);
         for (Int4 i = 0; i < b.n; i++) {
-            Double value = open[std::size_t(i)] && b.usable()[i] ? decided(r, x[i]) : 0;
+            Double value = open[i] && b.usable()[i] ? decided(r, x[i]) : 0;
             if (value == 0) continue;
-            open[std::size_t(i)] = 0;
+            open[i] = 0;
             b.xb()[i] = value;
             b.usable()[i] &= b.p.request.rules;
         }

@@ -8,8 +8,12 @@
 #include "core/objects.h"
 #include "core/tempfiles.h"
 #include "data/dataset.h"
+#include "data/posting.h"
 #include "data/structure.h"
+#include "matrix/matrices.h"
 #include "output/errors.h"
+#include "stored/held.h"
+#include "stored/posted.h"
 
 namespace velmo {
 
@@ -66,17 +70,25 @@ boolean istempname(std::string_view name, Int4 from) {
 
 namespace {
 
+std::vector<std::string> namedsince(Int4 from, Int4 type) {
+    std::vector<std::string> names;
+    char name[36];
+    for (object* o = objnext(nullptr, name, type); o; o = objnext(o, name, type))
+        if (istempname(name, from)) names.push_back(name);
+    return names;
+}
+
 void droptempnames(Int4 from) {
     if (from == tempnamecounter) return;
     std::vector<UByte> marks(std::size_t(nvar), 0);
     boolean any = false;
     for (Int4 v = 1; v <= nvar; v++) any |= (marks[std::size_t(v - 1)] = istempname(varlist[v - 1], from));
     if (any) dropworkvars(marks.data());
-    std::vector<std::string> scalars;
-    char name[36];
-    for (object* o = objnext(nullptr, name, obj_scalar); o; o = objnext(o, name, obj_scalar))
-        if (istempname(name, from)) scalars.push_back(name);
-    for (const std::string& scalar : scalars) objdel(scalar, obj_scalar);
+    for (const std::string& name : namedsince(from, obj_scalar)) objdel(name, obj_scalar);
+    for (const std::string& name : namedsince(from, obj_matrix)) matdrop(name);
+    for (const std::string& name : namedsince(from, obj_postfile)) post_close(name);
+    for (const std::string& name : held_names())
+        if (istempname(name, from)) estimates_drop(name);
 }
 
 void droptempfiles(Int4 from) {

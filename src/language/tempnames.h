@@ -1,6 +1,6 @@
-// Temporary names "__" and six base-36 digits of a counter. A level drops the variables, scalars and files that were
-// named since its entry. A name in use, from a file that was saved while it was somebody's, is passed over and never
-// dropped.
+// Temporary names "__" and six base-36 digits of a counter. A level drops the variables, scalars, matrices, files and
+// estimates put by that were named since its entry, and closes post files. A name in use, from a file that was saved
+// while it was somebody's, is passed over and never dropped.
 #pragma once
 #include <string>
 #include <string_view>

@@ -19,20 +19,20 @@ program define _resampled, rclass
 		display as error cond(trim(_local(command)) == "", "a command is required", "reps() must be 2 or more")
 		exit 198
 	}
-	* a command that leaves no estimates gives back those that there were; one that does leaves its own
+	* estimates that there were come back at the end, unless the command has left its own
 	tempname before fit
-	capture estimates hold `before'
-	local held = _rc == 0
 	local command : escaped command
 	local stats : escaped stats
 	local estimates 0
+	capture estimates hold `before', restore
+	error _rc == 1
 	capture noisily Replicate `kind' `reps' `level' "`cluster'" "`dots'" `"`saving'"' `"`stats'"' `fit' `command'
 	local rc = _rc
 	if `rc' {
 		capture estimates drop `fit'
 	}
-	if `held' & (`rc' | !`estimates') {
-		estimates unhold `before'
+	else if `estimates' {
+		capture estimates drop `before'
 	}
 	else if `held' {
 		estimates drop `before'
@@ -53,6 +53,7 @@ program define Replicate, rclass
 	quietly `command'
 	tempname b file
 	capture matrix `b' = e(b)
+	error _rc == 1
 	local estimates = _rc == 0
 	c_local estimates `estimates'
 	Statistics `estimates' `b' `stats'
@@ -139,6 +140,7 @@ program define Statistics
 			local sign = index(_local(exp), "=")
 			local head = trim(substr(_local(exp), 1, max(`sign'-1, 0)))
 			capture confirm names `head'
+			error _rc == 1
 			if "`head'" != "" & !_rc & substr(_local(exp), `sign', 2) != "==" {
 				local name `head'
 				local exp = substr(_local(exp), `sign'+1, .)
@@ -167,6 +169,7 @@ program define Statistics
 		local name = substr("b_`name'", 1, 32)
 		local known : subinstr local variables "`name'" "", word count(local twice)
 		capture confirm names `name'
+		error _rc == 1
 		if _rc | `twice' {
 			local name b`i'
 		}
@@ -353,6 +356,7 @@ program define Percentiles
 		local p : word `i' of `low' `high'
 		local p = `p'
 		capture _pctile `x', percentiles(`p')
+		error _rc == 1
 		_matcell `m' `i' `j' = cond(_rc, ., r(r1))
 	}
 end

@@ -32,6 +32,7 @@ program define _samples
 	}
 	local 0 : local typed
 	capture syntax varname
+	error _rc == 1
 	if !_rc {
 		local y `varlist'
 		confirm numeric variable `y'

@@ -5,6 +5,7 @@ program define _valuetext
 	version 7.0
 	args x obs
 	capture confirm string variable `x'
+	error _rc == 1
 	if !_rc {
 		local text = `x'[`obs']
 	}

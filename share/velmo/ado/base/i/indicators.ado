@@ -74,6 +74,7 @@ program define Terms
 		local product 0
 		if `star' > 1 & `star' < length("`word'") {
 			capture syntax varlist(min=2 max=2)
+			error _rc == 1
 			local product = _rc == 0
 		}
 		if `product' {
@@ -150,6 +151,7 @@ program define Values
 	}
 	local ranks 1
 	capture confirm numeric variable `x'
+	error _rc == 1
 	if !_rc {
 		quietly count if `x' < . & (`x' < 0 | `x' != int(`x') | `x' >= 1e15)
 		local ranks = r(N) > 0
@@ -164,6 +166,7 @@ program define Values
 		c_local s`i'_`j' `suffix'
 		if !`out' {
 			capture confirm numeric variable `x'
+			error _rc == 1
 			if cond(_rc, "`base'" == "`j'", `x'[`first'[`j']] == real("`base'")) {
 				local out `j'
 			}
@@ -225,6 +228,7 @@ end
 program define Equal
 	args x obs
 	capture confirm string variable `x'
+	error _rc == 1
 	if _rc {
 		local text = "`x'=="+string(`x'[`obs'])
 	}

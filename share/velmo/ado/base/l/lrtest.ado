@@ -4,13 +4,16 @@
 program define lrtest, rclass
 	version 7.0
 	syntax [, Saving(string) Using(string) DF(integer 0)]
-	if e(ll) >= . | e(df_m) >= . {
+	local k = cond(e(df_m) < ., e(df_m), e(k))
+	if e(ll) >= . | `k' >= . {
 		error 301
 	}
 	foreach name in saving using {
 		if _local(`name') != "" {
-			confirm name ``name''
-			if length("``name''") > 24 {
+			local given : local `name'
+			capture confirm name L`given'
+			if _rc | index(_local(given), " ") | length(_local(given)) > 24 {
+				error _rc == 1
 				error 198
 			}
 		}
@@ -22,19 +25,19 @@ program define lrtest, rclass
 		if "`using'" == "" {
 			local using $LRTEST
 		}
-		Compare `df' `using'
+		Compare `k' `df' `using'
 		return add
 	}
 	if "`saving'" != "" {
 		local ll : display %24.17e e(ll)
 		local n : display %24.17e e(N)
-		global LRTEST_`saving' `ll' `=e(df_m)' `n' `e(depvar)'
+		global LRTEST_`saving' `ll' `k' `n' `e(depvar)'
 		global LRTEST `saving'
 	}
 end
 
 program define Compare, rclass
-	args given name
+	args k given name
 	local saved ${LRTEST_`name'}
 	if "`saved'" == "" {
 		display as error cond("`name'" == "", "no fit is saved", "no fit is saved as `name'")
@@ -50,7 +53,7 @@ program define Compare, rclass
 		display as error "the fits have different outcomes"
 		exit 459
 	}
-	local df = abs(e(df_m)-`2')
+	local df = abs(`k'-`2')
 	if `given' {
 		local df `given'
 	}
@@ -58,10 +61,10 @@ program define Compare, rclass
 		display as error "the fits have as many parameters; say df()"
 		exit 459
 	}
-	scalar `chi2' = max(0, 2*(e(ll)-`1')*cond(e(df_m) >= `2', 1, -1))
+	scalar `chi2' = max(0, 2*(e(ll)-`1')*cond(`k' >= `2', 1, -1))
 	scalar `p' = chi2tail(`df', `chi2')
-	local full = cond(e(df_m) >= `2', "the last fit", "`name'")
-	local nested = cond(e(df_m) >= `2', "`name'", "the last fit")
+	local full = cond(`k' >= `2', "the last fit", "`name'")
+	local nested = cond(`k' >= `2', "`name'", "the last fit")
 	display
 	display as text "Likelihood-ratio test" _col(50) "chi2(`df')" _col(66) "= " as result %10.2f `chi2'
 	display as text "`nested' in `full'" _col(50) "Prob > chi2" _col(66) "= " as result %10.4f `p'

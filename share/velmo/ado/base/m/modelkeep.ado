@@ -3,7 +3,7 @@
 program define modelkeep
 	version 7.0
 	args name
-	if "`2'" != "" | "`name'" == "" {
+	if _local(2) != "" | _local(name) == "" | _local(name) == "_all" {
 		error 198
 	}
 	confirm name `name'

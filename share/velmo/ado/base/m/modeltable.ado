@@ -7,6 +7,9 @@ program define modeltable, rclass
 	if _local(saving) != "" {
 		local file 1
 		_tablefile check `saving'
+		if "`tablereplace'" == "" {
+			confirm new file `"`tablename'"'
+		}
 	}
 	if "`stats'" == "" {
 		local stats N r2 ll aic bic
@@ -108,7 +111,11 @@ program define Collect
 		if "``j''" == "aic" | "``j''" == "bic" {
 			local value -2*e(ll) + cond("``j''" == "aic", 2, ln(e(N)))*`rank'
 		}
-		_matcell `S' 1 `j' = `value'
+		capture _matcell `S' 1 `j' = `value'
+		if _rc {
+			error _rc == 1
+			_matcell `S' 1 `j' = .
+		}
 	}
 	c_local names `names'
 end
@@ -230,7 +237,7 @@ program define Line
 		gettoken stub 0 : 0
 		display as text %12s abbrev("`stub'",12) " {c |}" _continue
 		foreach cell of local 0 {
-			display as result %12s abbrev("`cell'",11) _continue
+			display as `=cond("`what'" == "head", "text", "result")' %12s abbrev("`cell'",11) _continue
 		}
 		display
 	}

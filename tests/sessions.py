@@ -40,6 +40,10 @@ TEMPLATES = {k: re.split(r" ;;\s+", v.strip().replace("\\\n", "")) for k, v in (
 {byp} correlate {vars}{if}{w}{, covariance|, means|, wrap noformat|} ;; _rmcoll {vars}{if}{w}{|, noconstant} ;;
 {byp} {logit|probit} {num} {vars}{if}{in}{w}{, nolog|, robust iterate({int})|, cluster({var}) tabulate|, asis trace|, \
 noconstant offset({num}) ltolerance(.001)|} ;; {logit|probit}{|, tabulate nocoef|, or} ;;
+classify{|, cutoff(.3)} ;; roc ;; goftest{|, groups({int})} ;; mlsum a = {exp}{if} ;; mlvecsum a A = {exp} ;;
+mlmatsum a A = {exp}, eq({int},1) ;; _mlmatbysum a A = {exp}, by({var}) ;; global ML_{n 1|x1 {vars}|fp1 1|lp1 {int}|\
+w {num}|samp {num}|wtyp aweight} ;;
+maxlik binary ({num} = {num} {num}{|, noconstant|, offset({num})}){if}{w}{, iterate(3)|, robust iterate(2)} ;;
 {byp} regress {num} {vars}{if}{in}{w}{|, robust|, cluster({var})|, hc3|, noconstant beta|, hascons|, mse1 dof({int})|, \
 tsscons noconstant|, rssmat bmat} ;; regress {num} {vars} ({vars}){if}{w}{|, robust|, hc2|, noconstant cluster({var})} ;;
 regress{|, beta|, eform(x) level(90) plus|, noheader} ;; {vif|ivtest|dwtest|bptest|bptest, white|reset|reset, powers({int})} ;;
@@ -188,7 +192,8 @@ program define change, byable(recall) ;; syntax [varlist] [if] [in] ;; marksampl
   quietly drop if `use' & mod(_n, 7) == 3 ;; end ;;
 program define guess, eclass ;; syntax varlist [if] ;; marksample use ;; tempname b V ;; matrix `b' = (1,.5,2) ;;
   matrix `V' = I(3)*4 ;; matrix colnames `b' = `varlist' _cons ;; matrix colnames `V' = `varlist' _cons ;;
-  matrix rownames `V' = `varlist' _cons ;; estimates post `b' `V', esample(`use') obs(5) dof(3) ;; end""")
+  matrix rownames `V' = `varlist' _cons ;; estimates post `b' `V', esample(`use') obs(5) dof(3) ;; end ;;
+program define binary ;; args f x ;; quietly replace `f' = -ln(1+exp(cond($ML_y1 > 2, -`x', `x'))) ;; end""")
 
 class fault(Exception): pass
 

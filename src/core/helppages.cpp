@@ -27,7 +27,8 @@ constexpr std::string_view shared[][2] = {
     {"HELPCHK", "help"},      {"lookup", "search"},     {"showpoint", "debug"},   {"_repart", "debug"},
     {"mat_put_rr", "estimates"}, {"_matcell", "_matrows"}, {"_predict", "predict"},
     {"regres_p", "predict"},  {"regriv_p", "predict"},  {"logit_p", "predict"},   {"probit_p", "predict"},
-    {"probit", "logit"},
+    {"probit", "logit"},      {"mlsum", "mleval"},      {"mlvecsum", "mleval"},   {"mlmatsum", "mleval"},
+    {"_mlmatbysum", "mleval"},
 };
 
 // Pages that hold entries.

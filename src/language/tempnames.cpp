@@ -42,7 +42,7 @@ std::string newtempname() {
             passedover.clear();
         }
         std::string name = nameofnumber(tempnamecounter);
-        boolean used = findvar(name) || objfind(name, obj_scalar);
+        boolean used = findvar(name) || objfind(name, obj_scalar) || matfind(name);
         if (used) passedover.push_back(tempnamecounter);
         tempnamecounter++;
         if (!used) return name;

@@ -27,3 +27,22 @@ show("weights", "logit", d$w)
 show("offset", "logit", off = d$off)
 show("plain", "probit")
 show("weights scaled", "probit", d$w / mean(d$w))
+
+# classify at .5 and .3, the area with its error after DeLong, goodness of fit over patterns and five groups: weighted
+# by d$w as frequencies, of the logit.
+w <- d$w
+b <- suppressWarnings(glm.fit(X, d$y, w, family = binomial(), control = glm.control(epsilon = 1e-14)))$coefficients
+i <- rep(n, w); p <- plogis(as.vector(X %*% b))[i]; y <- d$y[i]
+for (cut in c(.5, .3)) cat("sens spec correct at", cut, ":", mean(p[y == 1] >= cut), mean(p[y == 0] < cut), mean((p >= cut) == y), "\n")
+psi <- outer(p[y == 1], p[y == 0], function(a, b) (a > b) + (a == b) / 2)
+cat("area, error:", format(c(mean(psi), sqrt(var(rowMeans(psi)) / sum(y) + var(colMeans(psi)) / sum(1 - y))), digits = 12), "\n")
+fit <- function(code, df) {
+    O <- tapply(y, code, sum); M <- tapply(p, code, sum); N <- tapply(y, code, length)
+    x <- sum((O - M)^2 / (M * (1 - M / N)))
+    cat("chi2, df, p:", format(c(x, length(O) - df, 1 - pchisq(x, length(O) - df)), digits = 12), "\n")
+}
+x2 <- d$x %% 3; X <- cbind(1, x2); d$y2 <- d$y
+b <- suppressWarnings(glm.fit(X, d$y, w, family = binomial(), control = glm.control(epsilon = 1e-14)))$coefficients
+q <- p; p <- plogis(as.vector(X %*% b))[i]; fit(x2[i], 2); p <- q
+s <- sort(p); at <- sapply(1:4 / 5 * length(s), function(k) if (k == floor(k)) (s[k] + s[k + 1]) / 2 else s[ceiling(k)])
+fit(findInterval(p, at, left.open = TRUE), 2)

@@ -44,9 +44,8 @@ program define Fit, eclass
 		display as error "an equation in parentheses required"
 		exit 100
 	}
-	syntax [aweight fweight pweight iweight] [if] [in] [, Method(string) FROM(string) Robust CLuster(varname) /*
-	*/ Level(integer `: set level') ITERate(integer 16000) TOLerance(real 1e-6) LTOLerance(real 0) TRace noLOg]
-	_checklevel `level'
+	syntax [aweight fweight pweight iweight] [if] [in] [, Method(string) FROM(string) Robust CLuster(varname) *]
+	Rules, `options'
 	local method = cond("`method'" == "", "lf", "`method'")
 	if !inlist("`method'", "lf", "d0", "d1", "d2") {
 		display as error "method() must be lf, d0, d1 or d2"
@@ -133,6 +132,15 @@ program define Fit, eclass
 	estimates local user $ML_user
 	estimates local cmd maxlik
 	Show `level'
+end
+
+* How to iterate, and the level.
+program define Rules
+	syntax [, Level(integer `: set level') ITERate(integer 16000) TOLerance(real 1e-6) LTOLerance(real 0) TRace noLOg]
+	_checklevel `level'
+	foreach rule in level iterate tolerance ltolerance trace log {
+		c_local `rule' ``rule''
+	}
 end
 
 * An equation: [name:] [y ... =] [varlist] [, noconstant offset() exposure()]. Leaves the variables used.

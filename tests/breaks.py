@@ -69,6 +69,7 @@ program define models
   drop fit
   logit big x y2, robust iterate(4)
   regress y2 x (x), hc3
+  regress y2 x
   bptest, white
   sw regress x y y2, pr(.5)
   maxlik mynormal (mean: y2 = x) (lns:), iterate(3)

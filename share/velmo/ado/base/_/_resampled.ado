@@ -34,9 +34,6 @@ program define _resampled, rclass
 	else if `estimates' {
 		capture estimates drop `before'
 	}
-	else if `held' {
-		estimates drop `before'
-	}
 	if `rc' {
 		exit `rc'
 	}

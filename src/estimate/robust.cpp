@@ -42,9 +42,10 @@ Int4 numberclusters(const estsample& s, Int4 var, grouping& g) {
     Int4* obs = d.obs.get<Int4>();
     if (!obs || !d.x[0].p) return error(909);
     const Double* value = s.clusters.get<Double>();
+    column c(var);
     for (Int4 i = 0; i < s.run; i++) {
         if (!s.in()[i]) continue;
-        if (!isstring(var)) d.values(0)[d.n] = value[i];
+        if (!isstring(var)) d.values(0)[d.n] = value ? value[i] : c.get(s.first + i);
         obs[d.n++] = s.first + i;
         if (tick()) return 1;
     }

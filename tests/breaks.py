@@ -107,7 +107,7 @@ program drop inner middle group library models mynormal
 """
 CHECK = ('capture program drop inner', 'capture program drop middle', 'capture program drop group',
          'capture program drop library', 'capture program drop models', 'capture program drop mynormal',
-         'capture assert e(N) == . | (e(N) == 400 & el(e(V),1,1)+el(e(b),1,2) < .)',
+         'capture assert e(N) == . | (e(N) == 400 & el(e(V),1,1)+el(e(b),1,1) < .)',
          'display "model " _rc', 'matrix dir', 'estimates dir', 'scalar dir', 'label drop _all',
          'version', 'display "obs " (_N == 400 | _N == 0)',
          'display "[`k\'][`t\']"', 'capture debug obstest', 'display "rc " _rc',

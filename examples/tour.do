@@ -16,11 +16,26 @@ generate spread = max(y1, y2, y3, y4) - min(y1, y2, y3, y4)
 label variable spread "Largest less smallest of the four answers"
 list x1 y1-y4 spread if spread > 3
 
-* The line of least squares by hand: the published one is y = 3.00 + 0.500 x, for all four pairs
+* The published line of least squares is y = 3.00 + 0.500 x, for all four pairs; by hand it is
 matrix accum M = y1 x1
 matrix b = syminv(M[2..., 2...]) * M[2..., 1]
 matrix list b
 assert reldif(b[1,1], .5000909) < 1e-7 & reldif(b[2,1], 3.0000909) < 1e-7
+quietly {
+	regress y1 x1
+	modelkeep first
+	regress y2 x2
+	modelkeep second
+	regress y3 x3
+	modelkeep third
+	regress y4 x4
+	modelkeep fourth
+}
+modeltable, se stats(N r2)
+* What tells them apart: the second is no line
+quietly regress y2 x2
+reset, powers(2)
+assert r(p) < 1e-6
 
 * ---- Longley (1967): the American economy, 1947 to 1962
 insheet using longley.csv, comma double clear
@@ -36,12 +51,19 @@ label variable rate "Unemployment rate, percent"
 format rate %6.2f
 summarize rate, detail format
 assert r(N) == 16
-* Least squares on six variables, which are nearly collinear: the deviations from the means keep the digits of the
-* certified coefficients
-matrix accum M = employed deflator gnp unemployed armedforces population year, noconstant deviations
-matrix b = syminv(M[2..., 2...]) * M[2..., 1]
-matrix list b, format(%12.0g)
-assert reldif(b[3,1], -2.02022980381683) < 1e-10 & reldif(b[6,1], 1829.15146461355) < 1e-10
+* Least squares on six variables that are nearly collinear, with the digits of the certified coefficients
+regress employed deflator gnp unemployed armedforces population year
+assert reldif(_b[unemployed], -2.02022980381683) < 1e-10 & reldif(_b[year], 1829.15146461355) < 1e-10
+vif
+test deflator gnp population
+assert reldif(r(F), 1.7465) < 1e-4
+bptest
+predict double fitted
+predict residual, rstandard
+list year employed fitted residual if abs(residual) > 1.5
+tsset year
+dwtest
+tsset, clear
 corrmatrix employed-year
 matrix list r(C), format(%6.3f)
 
@@ -89,6 +111,23 @@ order kind
 outsheet using iris.out, comma replace
 quietly insheet using iris.out, comma clear
 describe
+
+* ---- Two kinds of irises told apart by their petals
+insheet using iris.csv, comma clear
+generate byte virginica = species == "virginica" if species != "setosa"
+ttest petal_length, by(virginica) unequal
+logit virginica petal_length petal_width
+assert reldif(_b[petal_length], 5.754532319) < 1e-6 & reldif(e(ll), -10.28175405) < 1e-6
+predict p
+sort p
+list species petal_length petal_width p if p > .1 & p < .9
+classify
+roc
+effects
+lincomb petal_length + petal_width
+set seed 1
+bootstrap regress petal_width petal_length, reps(100)
+drop p
 
 * ---- The irises again: saved, reduced to statistics by kind, merged with them, and turned from wide to long
 insheet using iris.csv, comma clear

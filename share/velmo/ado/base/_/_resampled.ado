@@ -33,6 +33,7 @@ program define _resampled, rclass
 	}
 	else if `estimates' {
 		capture estimates drop `before'
+		error _rc == 1
 	}
 	if `rc' {
 		exit `rc'

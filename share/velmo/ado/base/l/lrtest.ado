@@ -12,6 +12,7 @@ program define lrtest, rclass
 		if _local(`name') != "" {
 			local given : local `name'
 			capture confirm name L`given'
+			error _rc == 1
 			if _rc | index(_local(given), " ") | length(_local(given)) > 24 {
 				error _rc == 1
 				error 198

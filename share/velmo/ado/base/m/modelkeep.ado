@@ -13,6 +13,7 @@ program define modelkeep
 	nobreak {
 		if index(" `kept' ", " `name' ") {
 			capture estimates drop `name'
+			error _rc == 1
 			local kept : subinstr local kept "`name'" "", word
 		}
 		estimates hold `name', copy

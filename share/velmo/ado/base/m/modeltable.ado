@@ -112,6 +112,7 @@ program define Collect
 			local value -2*e(ll) + cond("``j''" == "aic", 2, ln(e(N)))*`rank'
 		}
 		capture _matcell `S' 1 `j' = `value'
+		error _rc == 1
 		if _rc {
 			error _rc == 1
 			_matcell `S' 1 `j' = .

@@ -118,6 +118,7 @@ program define Nocoefficient
 		quietly test `ref' = 0, matrix(`R')
 	}
 	capture confirm variable `word'
+	error _rc == 1
 	if _rc == 0 {
 		display as error "`word' has no coefficient"
 		exit 111
@@ -131,6 +132,7 @@ program define Place
 	tempname R
 	local place
 	capture test `0' = 0, matrix(`R')
+	error _rc == 1
 	if _rc == 0 {
 		local k = colsof(`b')
 		forvalues j = 1/`k' {

@@ -34,6 +34,7 @@ program define Expand
 			syntax varlist(ts)
 			foreach name of local varlist {
 				capture display _b[`name']
+				error _rc == 1
 				if _rc == 0 {
 					local found `found' `name'
 				}

@@ -73,15 +73,16 @@ end
 * The largest l, 0 for none, with P(B < l) at most the tail. Sums begin where terms begin to count.
 program define BinomialRank
 	args n p tail
+	local p = `p'
 	tempname term sum
 	local i = max(0, int(`n'*`p'-9*sqrt(`n'*`p'*(1-`p')))-1)
-	scalar `term' = exp(lnfact(`n')-lnfact(`i')-lnfact(`n'-`i')+`i'*ln(`p')+(`n'-`i')*ln(1-(`p')))
+	scalar `term' = exp(lnfact(`n')-lnfact(`i')-lnfact(`n'-`i')+`i'*ln(`p')+(`n'-`i')*ln(1-`p'))
 	scalar `sum' = `term'
 	local l 0
-	while `sum' <= `tail' {
+	while `sum' <= `tail' & `i' < `n' {
 		local i = `i'+1
 		local l `i'
-		scalar `term' = `term'*(`n'-`i'+1)/`i'*(`p')/(1-(`p'))
+		scalar `term' = `term'*(`n'-`i'+1)/`i'*`p'/(1-`p')
 		scalar `sum' = `sum'+`term'
 	}
 	c_local rank `l'

@@ -174,6 +174,11 @@ Int4 error(Int4 rc) {
     return row->returns;
 }
 
+Int4 noobservations() {
+    error(2000);
+    return 2000;
+}
+
 void errmsg(shortmsg i) {
     printing as(out_error);
     prt(shorttexts[i]);

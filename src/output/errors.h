@@ -11,6 +11,8 @@ extern UByte freshline;        // error starts its message at the left margin; o
 
 // Prints the message of rc as an error (some as notes), and returns rc or what its row says.
 Int4 error(Int4 rc);
+// Of commands that cannot do without observations: the note of 2000, and 2000, which error() takes for no failure.
+Int4 noobservations();
 // The short texts that several codes share, by name; printed as errors.
 enum shortmsg : Int4 {
     msg_notonxp, msg_requiresxp, msg_wouldbelost, msg_nodataset, msg_syntax, msg_exptoolong, msg_format,

@@ -279,10 +279,7 @@ Int4 cmd__bystats() {
     std::vector<source> sources = requestsources(requests, by, results);
     drawnsample s;
     if (Int4 rc = drawsample(sources, false, s)) return rc;
-    if (reducing && s.n == 0) {
-        error(2000);
-        return 2000;
-    }
+    if (reducing && s.n == 0) return noobservations();
     grouping g;
     if (Int4 rc = groupsample(s, sources, sources.size() - by.size(), g)) return rc;
     if (Int4 rc = groupstatistics(s, sources, g, results)) return rc;

@@ -180,8 +180,7 @@ Int4 fit(regressmodel& m, wholefit& w) {
     if (Int4 rc = sscp_accum(w.s, {.printweights = true, .deviations = deviations}, w.c)) return rc;
     w.e = plainequations(w.c, m, deviations);
     if (w.e.weights <= 1) {              // as importance weights can be
-        error(2000);
-        return 2000;
+        return noobservations();
     }
     if (m.instruments)
         if (Int4 rc = projectregressors(w.c, m, w.e, w.p)) return rc;

@@ -122,7 +122,7 @@ Int4 robustof(robustcall& c, const std::vector<source>& sources, std::vector<sco
     workspace scores{0};
     if (Int4 rc = estimationsample(sources, {.cluster = c.request.cluster}, s)) return rc;
     Double total = 0;
-    if (weighttype == weight_a && !scaleweights(s, false, total)) return error(2000);
+    if (weighttype == weight_a && !scaleweights(s, false, total)) return noobservations();
     if (Int4 rc = readscores(s, equations, scores)) return rc;
     return robustvariance(s, c.request, c.rule, equations, c.D, result);
 }

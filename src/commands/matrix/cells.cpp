@@ -22,10 +22,7 @@ Int4 cmd__matrows() {
         if (isstring(s.var)) return error(109);
     drawnsample s;
     if (Int4 rc = drawsample(sources, !all, s)) return rc;
-    if (s.n == 0) {
-        error(2000);
-        return 2000;
-    }
+    if (s.n == 0) return noobservations();
     matrix m;
     if (Int4 rc = makematrix(m, s.n, vl_n)) return rc;
     for (Int4 j = 0; j < vl_n; j++) {

@@ -64,10 +64,7 @@ Int4 cmd__pctile() {
     if (altdef && weighttype) return errorf(198, "altdef not allowed with weights\n");
     drawnsample s;
     if (Int4 rc = drawsample(listsources(), true, s)) return rc;
-    if (s.n == 0) {
-        error(2000);
-        return 2000;
-    }
+    if (s.n == 0) return noobservations();
     std::vector<Double> out(w.p.size());
     if (weighttype) {
         if (Int4 rc = ofweighted(s, w, out)) return rc;

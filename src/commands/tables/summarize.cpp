@@ -209,8 +209,7 @@ Int4 detailone(Int4 entry, const sumoptions& o) {
     detailheading(entry);
     if (m.count == 0) {
         storeplain(m, o);
-        error(2000);
-        return 2000;
+        return noobservations();
     }
     if (Int4 rc = highmoments(from, m)) return rc;
     if (Int4 rc = sortcounted(c)) return rc;

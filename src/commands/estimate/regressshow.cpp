@@ -129,7 +129,7 @@ void standardise(coeftable& t, boolean constant) {
 
 Int4 getregressshow(regressshow& o) {
     Int4 n;
-    if (Int4 rc = getopt_level(5, o.level)) return rc;
+    if (Int4 rc = getopt_level(1, o.level)) return rc;
     if (Int4 rc = getopt_str("eform", 2, o.eform, o.eformgiven)) return rc;
     if (Int4 rc = getopt_int("step", 4, &o.step, 1, n)) return rc;
     o.beta = getopt_flag("beta", 1);

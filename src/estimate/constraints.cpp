@@ -260,15 +260,15 @@ Int4 readwords(std::string_view text, std::vector<std::string>& words) {
         std::string word(text.substr(0, text.find(' ')));
         text.remove_prefix(word.size());
         auto isit = [&](const axisname& a) { return a.opname() == word; };
-        if (word.find_first_of("-*?~") == word.npos || std::any_of(names.begin(), names.end(), isit)) {
+        if (word.find_first_of("-*?~(") == word.npos || std::any_of(names.begin(), names.end(), isit)) {
             words.push_back(word);
             continue;
         }
         elsewhere cursor(word);
-        saved rules(parsing, form{.varlist = must});
+        saved rules(parsing, form{.varlist = must, .tsops = may});
         vl_n = vl_ngroups = vl_given = 0;
         if (Int4 rc = existinglist()) return rc;
-        for (Int4 i = 0; i < vl_n; i++) words.push_back(varlist[vl_vr[i] - 1]);
+        for (Int4 i = 0; i < vl_n; i++) words.push_back(entryname(i));
     }
     return 0;
 }

@@ -1,7 +1,6 @@
 #include "estimate/crossproducts.h"
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <string>
 #include "base/text.h"
 #include "data/cells.h"
@@ -33,38 +32,51 @@ Int4 estimationweights(Int4 first, Int4 n, UByte* in, Double* weight, Double& to
     return 0;
 }
 
-// Rows of the constant and the sources' values, of n observations. Where all are doubles the data's rows are walked
-// along.
+// Sources whose cells lie side by side as doubles, or one of another type.
+struct piece { std::size_t offset, count; UByte type; };
+
+std::vector<piece> piecesof(const std::vector<source>& sources) {
+    std::vector<piece> pieces;
+    for (source s : sources) {
+        piece p{mapi[s.var - 1], 1, typ[s.var - 1]};
+        piece* last = pieces.empty() || p.type != typedouble || pieces.back().type != typedouble ? nullptr : &pieces.back();
+        if (last && last->offset + last->count * sizeof(Double) == p.offset) last->count++;
+        else pieces.push_back(p);
+    }
+    return pieces;
+}
+
+// So few doubles that a call would take longer than the copy.
+inline void copyfew(const UByte* from, Double* to, std::size_t n) {
+    for (; n >= 2; n -= 2, from += sizeof(pair2), to += 2) storepair(to, readraw<pair2>(from));
+    if (n) *to = readraw<Double>(from);
+}
+
+// Rows of the constant and the sources' values, of n observations. Unless a time-series operator looks elsewhere the
+// data's rows are walked along.
 void getrows(const std::vector<source>& sources, Int4 first, Int4 n, Double* rows, std::size_t width, Double* column) {
-    boolean doubles = std::all_of(sources.begin(), sources.end(), [](source s) {
-        return !s.op && typ[s.var - 1] == typedouble;
-    });
     for (Int4 i = 0; i < n; i++) rows[std::size_t(i) * width] = 1;
-    if (!doubles) {
+    if (std::any_of(sources.begin(), sources.end(), [](source s) { return s.op != 0; })) {
         for (std::size_t j = 0; j < sources.size(); j++) {
             getsource(sources[j], first, n, column);
             for (Int4 i = 0; i < n; i++) rows[std::size_t(i) * width + j + 1] = column[i];
         }
         return;
     }
-    std::vector<std::size_t> offset;
-    boolean together = true;
-    for (source s : sources) {
-        together &= offset.empty() || mapi[s.var - 1] == offset.back() + sizeof(Double);
-        offset.push_back(mapi[s.var - 1]);
-    }
+    const std::vector<piece> pieces = piecesof(sources);
     constexpr Int4 ahead = 8;     // rows in a permuted order would else be waited for one by one
     Int4 known = ptrmark - first - ahead;
     for (Int4 i = 0; i < n; i++, rows += width) {
         const UByte* row = rowptr(first + i);
-        if (i < known && !offset.empty()) {
-            const UByte* later = rowptr(first + i + ahead);
-            for (std::size_t j = 0; j < offset.size(); j += 8) __builtin_prefetch(later + offset[j]);
-            __builtin_prefetch(later + offset.back());
+        const UByte* later = i < known ? rowptr(first + i + ahead) : row;
+        Double* to = rows + 1;
+        for (const piece& p : pieces) {
+            const UByte* from = row + p.offset;
+            for (std::size_t j = 0; j < p.count; j += 8) __builtin_prefetch(later + p.offset + j * sizeof(Double));
+            if (p.type == typedouble) copyfew(from, to, p.count);
+            else *to = readcell(from, p.type);
+            to += p.count;
         }
-        if (together && !offset.empty()) std::memcpy(rows + 1, row + offset[0], offset.size() * sizeof(Double));
-        else
-            for (std::size_t j = 0; j < offset.size(); j++) rows[j + 1] = readraw<Double>(row + offset[j]);
     }
 }
 
@@ -177,16 +189,16 @@ rowbuffers::rowbuffers(std::size_t k)
 
 Int4 keeprows(estsample& s) {
     droprows(s);
-    std::size_t n = std::size_t(s.n), width = std::size_t(rowwidth(s.sources.size()));
-    std::size_t bytes = n * width * sizeof(Double);
+    std::size_t n = std::size_t(s.n), k = s.sources.size();
+    std::size_t bytes = n * k * sizeof(Double);
     if (n == 0 || bytes > mostkept) return 0;
-    workspace rows(bytes), numbers(n * sizeof(Int4));
-    if (!rows.p || !numbers.p) return 0;
-    std::size_t at = 0;
+    workspace rows(bytes), numbers(s.n == s.run ? 0 : n * sizeof(Int4));
+    if (!rows.p || (s.n != s.run && !numbers.p)) return 0;
+    Double* to = rows.get<Double>();
+    Int4* obs = numbers.get<Int4>();
     Int4 rc = overrows(s, [&](const rowsblock& b) {
-        std::copy_n(b.x, std::size_t(b.n) * width, rows.get<Double>() + at * width);
-        std::copy_n(b.obs, b.n, numbers.get<Int4>() + at);
-        at += std::size_t(b.n);
+        for (Int4 i = 0; i < b.n; i++, to += k) copyfew(reinterpret_cast<const UByte*>(b.row(i) + 1), to, k);
+        if (obs) obs = std::copy_n(b.obs, b.n, obs);
     });
     s.rows = std::move(rows);
     s.numbers = std::move(numbers);
@@ -195,11 +207,19 @@ Int4 keeprows(estsample& s) {
 
 namespace {
 
+// They are kept without the constant and what fills up the width.
 rowsblock keptrows(const estsample& s, const rowbuffers& r, Int4 at, Int4 n) {
-    const Int4* obs = s.numbers.get<Int4>() + at;
-    Double* weight = s.weights() ? r.weight.get<Double>() : nullptr;
-    for (Int4 i = 0; weight && i < n; i++) weight[i] = s.weights()[obs[i] - s.first];
-    return {n, r.width, s.rows.get<Double>() + std::size_t(at) * std::size_t(r.width), weight, obs};
+    Double *x = r.x.get<Double>(), *weight = s.weights() ? r.weight.get<Double>() : nullptr;
+    Int4* obs = r.obs.get<Int4>();
+    std::size_t k = s.sources.size();
+    const Double* from = s.rows.get<Double>() + std::size_t(at) * k;
+    for (Int4 i = 0; i < n; i++, x += r.width, from += k) {
+        obs[i] = s.numbers.p ? s.numbers.get<Int4>()[at + i] : s.first + at + i;
+        if (weight) weight[i] = s.weights()[obs[i] - s.first];
+        x[0] = 1;
+        copyfew(reinterpret_cast<const UByte*>(from), x + 1, k);
+    }
+    return {n, r.width, r.x.get<Double>(), weight, obs};
 }
 
 }  // namespace

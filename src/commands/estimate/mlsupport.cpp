@@ -346,14 +346,14 @@ Int4 cmd__mlmatbysum() {
     matrixsum m;
     matrix h;
     std::vector<Int4> by;
-    std::string unused;
     boolean found;
     if (Int4 rc = m.parse(2)) return rc;
     if (Int4 rc = getopt_vars("by", 2, by, found)) return rc;
     if (!found || by.empty()) return errorf(100, "_mlmatbysum: option -by()- required\n");
     if (by.size() > 1) return error(103);
-    if (m.square() && getopt_str("c", 1, unused, found) == 0 && found)
-        return errorf(198, "_mlmatbysum: option c() not allowed when equation numbers equal\n");
+    for (const typedoption& o : typedoptions())      // which isn't there for others either
+        if (m.square() && o.word == "c" && o.hasargument)
+            return errorf(198, "_mlmatbysum: option c() not allowed when equation numbers equal\n");
     if (Int4 rc = getopt_done()) return rc;
     if (Int4 rc = m.makeblock(h)) return rc;
     rowbuffers r(m.s.sources.size());

@@ -90,7 +90,7 @@ struct binaryfit {
     binaryrecord record;
     binarytally tally;
     newtonresult result;
-    Double ll0 = missing;
+    Double ll0 = missing, n = 0;
     boolean constant;
 
     binaryfit(const binarymodel& m, const binaryrequest& r) : model(m), request(r), constant(r.constant) {}
@@ -129,7 +129,8 @@ struct binaryfit {
         record.failures = total - record.successes;
         record.mean = record.successes / total;
         record.sd = std::sqrt(c.m.at(1, 1) / total - record.mean * record.mean);
-        record.n = Int4(std::min(std::floor(total), Double(longmissing - 1)));
+        n = std::floor(total);
+        record.n = Int4(std::min(n, Double(longmissing - 1)));
         Double p = record.successes / (record.successes + record.failures);
         Double offset = request.offset ? c.m.at(c.m.rows - 1, 0) / total : 0;
         b.assign(form.columns.size(), 0);
@@ -220,7 +221,7 @@ struct binaryfit {
             if (Int4 rc = robustvariance(s, request.robust, {}, {{form.columns, score.get<Double>()}}, e.V, robust))
                 return rc;
         e.macros = {{"cmd", model.word}, {"depvar", entryname(0)}, {"predict", model.predict}};
-        e.scalars.push_back({"N", Double(record.n)});
+        e.scalars.push_back({"N", n});
         modeltest test{result.ll, ll0, !request.robust.robust, {}};
         for (Int4 j = 0; j < Int4(names.size()); j++) test.tested.push_back(j);
         if (Int4 rc = posttest(e, test)) return rc;

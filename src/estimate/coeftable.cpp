@@ -1,6 +1,7 @@
 #include "estimate/coeftable.h"
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include "base/poll.h"
 #include "base/text.h"
 #include "matrix/probability.h"
@@ -197,12 +198,18 @@ void ending(const mlheader& h) {
 
 }  // namespace
 
+std::string counttext(Double count) {
+    char text[32];
+    std::snprintf(text, sizeof text, std::fabs(count) < 1e10 ? "%.0f" : "%.0e", std::floor(count));
+    return text;
+}
+
 Int4 printmlheader(const mlheader& h) {
     prtnl();
     prttext(h.title);
     if (h.status != ended_none && !converged(h.status)) prtmarkup("{col 24}{bf:convergence not achieved}");
     field("Number of obs");
-    prtresultf("%10d\n", h.n);
+    prtresultf("%10s\n", counttext(h.n).c_str());
     ending(h);
     if (!h.chi2type.empty()) chi2field(h);
     prtnl();
@@ -230,11 +237,11 @@ void postedheader(mlheader& h) {
     Double unused;
     auto count = [&](const char* name) {
         Double value = scalar(name);
-        return value == missing ? 0 : Int4(value);
+        return value == missing ? 0 : value;
     };
     stored_get(e_results, "chi2type", unused, h.chi2type);
     h.n = count("N");
-    h.df = count("df_m");
+    h.df = Int4(std::clamp(count("df_m"), 0.0, 1e6));
     h.ll = scalar("ll");
     h.chi2 = scalar("chi2");
     h.pseudo = scalar("r2_p");

@@ -35,9 +35,12 @@ Int4 printcoeftable(const coeftable& t);      // 0 or 1
 // The posted estimates, as they are shown again: 0 or 301 (printed).
 Int4 postedtable(coeftable& t);
 
+// A whole number as it is written out, or in powers of ten where weights have made it too large for its place.
+std::string counttext(Double count);
+
 struct mlheader {
     std::string title;
-    Int4 n = 0;
+    Double n = 0;
     Int4 status = ended_none, iterations = 0;    // how the iterations ended (newtonstatus), after how many
     Double tolerance = missing;   // the one that ended them
     std::string chi2type;         // LR, Wald; without it there is no test

@@ -124,7 +124,7 @@ Int4 readcoefficient(std::string_view eq, std::string_view name, constraintrow& 
     return 0;
 }
 
-boolean isend(char c) { return std::strchr(" +-*/()[]=,", c) != nullptr; }
+boolean isend(char c) { return std::strchr(" +-*/^()[]=,", c) != nullptr; }
 
 // A name, behind [eq] or not: _b[name] or name.
 Int4 readname(reader& r, constraintrow& out) {
@@ -170,6 +170,8 @@ Int4 readnumberhere(reader& r, constraintrow& out) {
     return 0;
 }
 
+Int4 readpower(reader& r, constraintrow& out);
+
 Int4 readprimary(reader& r, constraintrow& out) {
     char c = r.next();
     if (r.depth++ > reader::deepest) return error(130);
@@ -178,7 +180,7 @@ Int4 readprimary(reader& r, constraintrow& out) {
     if (c == '-' || c == '+') {
         r.at++;
         constraintrow operand;
-        if (Int4 rc = readprimary(r, operand)) return rc;
+        if (Int4 rc = readpower(r, operand)) return rc;
         addtimes(out, operand, c == '-' ? -1 : 1);
         return 0;
     }
@@ -192,12 +194,26 @@ Int4 readprimary(reader& r, constraintrow& out) {
     return isdigit(c) || c == '.' ? readnumberhere(r, out) : readname(r, out);
 }
 
-Int4 readproduct(reader& r, constraintrow& out) {
+// A power, which is of numbers.
+Int4 readpower(reader& r, constraintrow& out) {
     if (Int4 rc = readprimary(r, out)) return rc;
+    while (r.next() == '^') {
+        r.at++;
+        constraintrow exponent;
+        if (Int4 rc = readprimary(r, exponent)) return rc;
+        if (!constant(out) || !constant(exponent)) return error(131);
+        out.back() = std::pow(out.back(), exponent.back());
+        if (!std::isfinite(out.back())) return error(131);
+    }
+    return 0;
+}
+
+Int4 readproduct(reader& r, constraintrow& out) {
+    if (Int4 rc = readpower(r, out)) return rc;
     for (char c = r.next(); c == '*' || c == '/'; c = r.next()) {
         r.at++;
         constraintrow other, left = out;
-        if (Int4 rc = readprimary(r, other)) return rc;
+        if (Int4 rc = readpower(r, other)) return rc;
         if (c == '*' && constant(left)) std::swap(left, other);
         if (!constant(other) || (c == '/' && other.back() == 0)) return error(131);
         out = zeros(r.k);
@@ -244,15 +260,15 @@ Int4 readwords(std::string_view text, std::vector<std::string>& words) {
         std::string word(text.substr(0, text.find(' ')));
         text.remove_prefix(word.size());
         auto isit = [&](const axisname& a) { return a.opname() == word; };
-        if (word.find_first_of("-*?~") == word.npos || std::any_of(names.begin(), names.end(), isit)) {
+        if (word.find_first_of("-*?~(") == word.npos || std::any_of(names.begin(), names.end(), isit)) {
             words.push_back(word);
             continue;
         }
         elsewhere cursor(word);
-        saved rules(parsing, form{.varlist = must});
+        saved rules(parsing, form{.varlist = must, .tsops = may});
         vl_n = vl_ngroups = vl_given = 0;
         if (Int4 rc = existinglist()) return rc;
-        for (Int4 i = 0; i < vl_n; i++) words.push_back(varlist[vl_vr[i] - 1]);
+        for (Int4 i = 0; i < vl_n; i++) words.push_back(entryname(i));
     }
     return 0;
 }

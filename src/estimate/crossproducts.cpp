@@ -359,6 +359,7 @@ Int4 dropcollinear(const crossproducts& c, const std::vector<std::string>& names
     workspace copy(size * sizeof(Double));
     if (!copy.p) return error(909);
     std::copy_n(c.m.row(0), size, copy.get<Double>());
+    if (!std::all_of(c.m.row(0), c.m.row(0) + size, [](Double x) { return std::isfinite(x); })) return error(1400);
     std::vector<UByte> flag(std::size_t(n), 0);
     constexpr Int4 first[] = {0};
     if (Int4 rc = matrin(copy.get<Double>(), n, n, constant ? 0 : 1, n - 1, first, constant ? 1 : 0, -1, flag.data()))

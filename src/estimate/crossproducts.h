@@ -89,7 +89,7 @@ struct crossproducts {
 Int4 sscp_accum(estsample& s, crossform form, crossproducts& out);
 
 // The collinearity step: sweeps the cross-products' copy, the constant (if any) ahead of the others, and tells which of
-// the sources stay. A note of each that doesn't, by its name. 0, 1, 909.
+// the sources stay. A note of each that doesn't, by its name. 0; 1; 909, 1400 where the products overflow: printed.
 Int4 dropcollinear(const crossproducts& c, const std::vector<std::string>& names, boolean constant,
                    std::vector<boolean>& stays);
 

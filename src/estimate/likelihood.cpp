@@ -11,7 +11,6 @@ Int4 posttest(estimation& e, const modeltest& t) {
     boolean ratio = t.ratio && t.ll0 != missing;
     Double df = Double(t.tested.size()), chi2 = missing;
     if (ratio) {
-        // Below 0 it can only be by rounding, of a model with nothing in it.
         if (t.ll != missing) chi2 = std::max(2 * (t.ll - t.ll0), 0.0);
     } else {
         waldresult w;
@@ -22,7 +21,9 @@ Int4 posttest(estimation& e, const modeltest& t) {
     if (t.ll0 != missing) e.scalars.push_back({"ll_0", t.ll0});
     e.scalars.push_back({"df_m", df});
     e.scalars.push_back({"chi2", chi2});
-    if (t.ll0 != missing && t.ll0 != 0 && t.ll != missing) e.scalars.push_back({"r2_p", 1 - t.ll / t.ll0});
+    // Neither of the two is below 0 but by rounding, of a model with nothing in it.
+    if (t.ll0 != missing && t.ll0 != 0 && t.ll != missing)
+        e.scalars.push_back({"r2_p", std::max(1 - t.ll / t.ll0, 0.0)});
     e.macros.push_back({"chi2type", ratio ? "LR" : "Wald"});
     return 0;
 }

@@ -31,7 +31,7 @@ inline boolean converged(Int4 status) { return status == ended_coefficients || s
 struct newtonresult {
     Int4 status = ended_none, iterations = 0;
     Double ll = missing;
-    matrix V;                    // the inverse of H; its diagonal is 0 when the fit is questionable (a ridge was needed)
+    matrix V;                    // the inverse of H; its diagonal is 0 when the fit is questionable: a ridge was needed
 };
 
 // From the coefficients in b to those that maximise. It stops with ended_coefficients as soon as the step that it has

@@ -1,6 +1,7 @@
 #include "estimate/perfect.h"
 #include <algorithm>
 #include "base/text.h"
+#include "language/stdparse.h"
 #include "matrix/lanes.h"
 #include "output/formats.h"
 
@@ -124,9 +125,23 @@ Int4 leave(estsample& s, std::vector<std::string>& names, std::size_t j, const v
 
 }  // namespace
 
+namespace {
+
+// Whether outcomes of that mark count: importance weights, which may be 0 or below, by their sum.
+boolean hasoutcome(const estsample& s, UByte mark) {
+    const UByte *in = s.in(), *end = in + s.run;
+    if (weighttype != weight_i) return std::find(in, end, mark) != end;
+    Double sum = 0;
+    for (Int4 i = 0; i < s.run; i++)
+        if (in[i] == mark) sum += s.weights()[i];
+    return sum > 0;
+}
+
+}  // namespace
+
 Int4 checkvaries(const estsample& s) {
     for (UByte y : {1, 2})
-        if (std::find(s.in(), s.in() + s.run, y) == s.in() + s.run)
+        if (!hasoutcome(s, y))
             return errorf(2000, "outcome does not vary; remember:\n%34s0 = negative outcome,\n"
                                 "%8sall other nonmissing values = positive outcome\n", "", "");
     return 0;

@@ -23,8 +23,8 @@ struct estimation {
 // empty. Printed.
 Int4 postestimation(estimation& e, const estsample& s);
 
-// e(wtype) and e(wexp) of the weights that were given, the latter "= exp" as typed; nothing without weights. `weighttype`
-// must be the kind that was typed.
+// e(wtype) and e(wexp) of the weights that were given, the latter "= exp" as typed; nothing without weights.
+// `weighttype` must be the kind that was typed.
 void postweights(estimation& e);
 
 }  // namespace velmo

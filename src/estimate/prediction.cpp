@@ -127,10 +127,14 @@ Int4 addrules(prediction& p) {
     if (o) objread(o, 0, records.data(), records.size() * sizeof(rulerecord));
     for (const rulerecord& r : records) {
         if (r.kind == 4) continue;
-        Int4 var = findvar(r.name);
-        if (var && isstring(var)) return error(109);
-        if (var) p.rules.push_back({r.value, {var}, r.kind, r.outcome});
-        else if (prttextf("assuming %s == ", r.name) || prtnumber("%9.0g", r.value) || prtnl()) return 1;
+        axisname name = readaxisname(r.name);
+        source from;
+        if (!findvar(std::string(name.nametext()))) {
+            if (prttextf("assuming %s == ", r.name) || prtnumber("%9.0g", r.value) || prtnl()) return 1;
+            continue;
+        }
+        if (Int4 rc = namedsource(name, from)) return rc;
+        p.rules.push_back({r.value, from, r.kind, r.outcome});
     }
     return 0;
 }

@@ -16,9 +16,9 @@ Int4 getopt_robust(robustrequest& r, boolean score) {
     std::vector<Int4> vars;
     boolean found;
     r.typed = weighttype;
-    r.robust = getopt_noflag("robust", 6, weighttype == weight_p);
+    r.robust = getopt_noflag("robust", 1, weighttype == weight_p);
     if (weighttype == weight_p && !r.robust) return error(403);
-    if (Int4 rc = getopt_vars("cluster", 7, vars, found)) return rc;
+    if (Int4 rc = getopt_vars("cluster", 2, vars, found)) return rc;
     if (found && vars.size() != 1) return error(vars.empty() ? 102 : 103);
     if (found) {
         r.cluster = vars[0];
@@ -26,7 +26,7 @@ Int4 getopt_robust(robustrequest& r, boolean score) {
     }
     if (r.robust && weighttype == weight_i) return error(5101);
     if (score)
-        if (Int4 rc = getopt_str("score", 5, r.score, found)) return rc;
+        if (Int4 rc = getopt_str("score", 2, r.score, found)) return rc;
     if (score && found)
         if (Int4 rc = checknewname(r.score)) return rc;
     if (weighttype == weight_p) weighttype = weight_a;

@@ -26,8 +26,8 @@ struct robustrequest {
 Int4 getopt_robust(robustrequest& r, boolean score);
 
 // The design of an equation: columns of the sample's rows (0 is the constant's, j the jth source's), in the order of
-// its coefficients, and its score of each observation of the run, times the weight. Coefficients of all equations stand one
-// behind the other, and V has a row for each.
+// its coefficients, and its score of each observation of the run, times the weight. Coefficients of all equations stand
+// one behind the other, and V has a row for each.
 struct scoredequation {
     std::vector<Int4> columns;
     const Double* score;

@@ -19,8 +19,8 @@ struct source {
 };
 std::vector<source> listsources();     // the entries of the list that was parsed
 void getsource(source s, Int4 first, Int4 n, Double* out);      // a column's values
-// Where the values of a coefficient come from, by its name; var 0 for the constant's. 0; 111, 109 a string, 5 or 111 for
-// operators whose time isn't set: printed.
+// Where the values of a coefficient come from, by its name; var 0 for the constant's. 0; 111, 109 a string, 5 or 111
+// for operators whose time isn't set: printed.
 Int4 namedsource(const axisname& a, source& s);
 
 // What an observation of weight w is worth: `use` is false for missing, and for 0 unless zeros are kept. 0, or 402

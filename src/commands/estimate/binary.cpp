@@ -98,6 +98,8 @@ Int4 readview(const binarymodel& model, binaryview& v) {
 
 Int4 replay(const binarymodel& model) {
     binaryview v;
+    if (bymode) return error(190);
+    if (ifgiven || ingiven || weightgiven) return error(198);
     if (Int4 rc = readview(model, v)) return rc;
     if (Int4 rc = getopt_done()) return rc;
     return estimatecode() == model.code ? show(model, v) : error(301);
@@ -122,7 +124,7 @@ Int4 readrequest(binaryrequest& r) {
 // ltolerance() trace nolog level() nocoef tabulate or]
 Int4 binary(const binarymodel& model) {
     if (Int4 rc = stdparse({.tsops = may, .weight = may})) return rc;
-    if (!vl_given) return bymode ? error(190) : replay(model);
+    if (!vl_given) return replay(model);
     saved<Int4> kind(weighttype);
     binaryview v;
     binaryrequest r;

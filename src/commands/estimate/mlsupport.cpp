@@ -351,6 +351,9 @@ Int4 cmd__mlmatbysum() {
     if (Int4 rc = getopt_vars("by", 2, by, found)) return rc;
     if (!found || by.empty()) return errorf(100, "_mlmatbysum: option -by()- required\n");
     if (by.size() > 1) return error(103);
+    for (const typedoption& o : typedoptions())      // which isn't there for others either
+        if (m.square() && o.word == "c" && o.hasargument)
+            return errorf(198, "_mlmatbysum: option c() not allowed when equation numbers equal\n");
     if (Int4 rc = getopt_done()) return rc;
     if (Int4 rc = m.makeblock(h)) return rc;
     rowbuffers r(m.s.sources.size());

@@ -39,7 +39,7 @@ Int4 gethc(regressmodel& m) {
 Int4 getmodel(regressmodel& m, std::string& depname) {
     boolean found;
     m.constant = getopt_noflag("constant", 1, true);
-    m.hascons = getopt_flag("hascons", 7);
+    m.hascons = getopt_flag("hascons", 1);
     m.tsscons = getopt_flag("tsscons", 7);
     m.mse1 = getopt_flag("mse1", 2);
     m.rssmat = getopt_flag("rssmat", 6) || m.tsscons;

@@ -34,11 +34,11 @@ std::string resulttext(const char* name) {
 // Figures of a fit, in the column at the right.
 void nfigure(const regressrecord& r) {
     prttext("Number of obs =");
-    prtresultf("%8d\n", Int4(r.n));
+    prtresultf("%8s\n", counttext(r.n).c_str());
 }
 void Ffigure() {
     Double F = result("F");
-    prttextf("F(%3d,%6ld) =", Int4(result("df_m")), long(result("df_r")));
+    prttextf("F(%3d,%6s) =", Int4(result("df_m")), counttext(result("df_r")).c_str());
     prtnumber("%8.2f", F >= largestF ? missing : F);
     prtnl();
 }
@@ -59,7 +59,7 @@ void sumsrow(const char* label, Double ss, Double df) {
     prtbar();
     prttext(" ");
     prtnumber("%11.2g", ss);
-    prtresultf("%6d ", Int4(df));
+    prtresultf("%6s ", counttext(df).c_str());
     prtnumber("%11.2g", df > 0 ? ss / df : missing);
     prtblanks(11);
 }
@@ -129,7 +129,7 @@ void standardise(coeftable& t, boolean constant) {
 
 Int4 getregressshow(regressshow& o) {
     Int4 n;
-    if (Int4 rc = getopt_level(5, o.level)) return rc;
+    if (Int4 rc = getopt_level(1, o.level)) return rc;
     if (Int4 rc = getopt_str("eform", 2, o.eform, o.eformgiven)) return rc;
     if (Int4 rc = getopt_int("step", 4, &o.step, 1, n)) return rc;
     o.beta = getopt_flag("beta", 1);

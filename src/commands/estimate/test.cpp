@@ -4,6 +4,7 @@
 #include "base/saved.h"
 #include "base/text.h"
 #include "core/objects.h"
+#include "estimate/coeftable.h"
 #include "estimate/constraints.h"
 #include "estimate/testconstraints.h"
 #include "language/options.h"
@@ -76,7 +77,7 @@ Int4 printtest(const constrainttest& t) {
     boolean isF = t.dfr != missing;
     for (Int4 number : t.dropped)
         if (prttextf("Constraint %d dropped\n", number)) return 1;
-    if (isF) prttextf("       F(%3d,%6ld) =", t.df, long(t.dfr));
+    if (isF) prttextf("       F(%3d,%6s) =", t.df, counttext(t.dfr).c_str());
     else prttextf("           chi2(%3d) =", t.df);
     prtnumber("%8.2f", t.statistic);
     prtnl();

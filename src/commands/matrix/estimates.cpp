@@ -161,7 +161,7 @@ Int4 display() {
     t.plus = getopt_flag("plus", 2);
     if (Int4 rc = getopt_int("neq", 3, &t.neq, 1, n)) return rc;
     if (n && t.neq < 1) return invalidword("neq()");
-    if (Int4 rc = getopt_level(5, t.level)) return rc;
+    if (Int4 rc = getopt_level(1, t.level)) return rc;
     if (Int4 rc = getopt_done()) return rc;
     if (Int4 rc = postedtable(t)) return rc;
     return printcoeftable(t);

@@ -15,6 +15,9 @@ program define _splitat
 			exit
 		}
 		local depth = `depth'+inlist(_local(token), "(", "[")-inlist(_local(token), ")", "]")
+		foreach text in head token {
+			local `text' : escaped `text'
+		}
 		local head `"`head'`blank'`token'"'
 	}
 	c_local before : local head

@@ -4,7 +4,7 @@ program define bootstrap, rclass
 	version 7.0
 	_splitcommand `0'
 	local 0 : local options
-	syntax [, Reps(integer 50) STATs(string asis) CLuster(varlist) SAVing(string asis) Level(integer $S_level) noDOTs *]
+	syntax [, Reps(integer 50) STATs(string asis) CLuster(varlist) SAVing(string asis) Level(integer -1) noDOTs *]
 	_resampled bootstrap `reps' `level' "`cluster'" "`dots'" `"`saving'"' `"`stats'"' "`colon'" `"`options'"' `command'
 	return add
 end

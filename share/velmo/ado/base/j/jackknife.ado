@@ -4,7 +4,7 @@ program define jackknife, rclass
 	version 7.0
 	_splitcommand `0'
 	local 0 : local options
-	syntax [, STATs(string asis) CLuster(varlist) SAVing(string asis) Level(integer $S_level) noDOTs *]
+	syntax [, STATs(string asis) CLuster(varlist) SAVing(string asis) Level(integer -1) noDOTs *]
 	_resampled jackknife 0 `level' "`cluster'" "`dots'" `"`saving'"' `"`stats'"' "`colon'" `"`options'"' `command'
 	return add
 end

@@ -2,8 +2,14 @@
 * lincomb: a linear combination of coefficients, with its interval
 program define lincomb, rclass
 	version 7.0
-	_expression `0'
-	local 0 : local options
+	_splitat , `0'
+	local expression : local before
+	if _local(expression) == "" {
+		display as error "expression required"
+		exit 100
+	}
+	local 0 : escaped behind
+	local 0 `", `0'"'
 	syntax [, Level(integer -1) EForm]
 	_level `level'
 	tempname R b V e

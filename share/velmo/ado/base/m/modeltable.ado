@@ -114,7 +114,6 @@ program define Collect
 		capture _matcell `S' 1 `j' = `value'
 		error _rc == 1
 		if _rc {
-			error _rc == 1
 			_matcell `S' 1 `j' = .
 		}
 	}

@@ -2,8 +2,14 @@
 * nlcomb: a nonlinear combination of coefficients, with its interval by the delta method
 program define nlcomb, rclass
 	version 7.0
-	_expression `0'
-	local 0 : local options
+	_splitat , `0'
+	local expression : local before
+	if _local(expression) == "" {
+		display as error "expression required"
+		exit 100
+	}
+	local 0 : escaped behind
+	local 0 `", `0'"'
 	syntax [, Level(integer -1)]
 	_level `level'
 	tempname b V f g
@@ -123,7 +129,6 @@ program define Nocoefficient
 		display as error "`word' has no coefficient"
 		exit 111
 	}
-	error _rc == 1
 end
 
 * The place of a coefficient, in place of the caller; nothing when it is none.
@@ -140,9 +145,6 @@ program define Place
 				local place `j'
 			}
 		}
-	}
-	else {
-		error _rc == 1
 	}
 	c_local place `place'
 end

@@ -2,8 +2,8 @@
 * proptest: a proportion against a number (score test), or the proportions of two samples (pooled)
 program define proptest, rclass byable(recall)
 	version 7.0
-	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer $S_level)]
-	_checklevel `level'
+	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer -1)]
+	_level `level'
 	marksample touse, novarlist
 	tempvar A B
 	tempname m n1 p1 n2 p2 se z

@@ -38,9 +38,6 @@ program define Expand
 				if _rc == 0 {
 					local found `found' `name'
 				}
-				else {
-					error _rc == 1
-				}
 			}
 			if "`found'" == "" {
 				display as error "no coefficients of `word'"

@@ -2,8 +2,8 @@
 * ttest: Student's t tests of means, of one sample, of pairs and of two samples
 program define ttest, rclass byable(recall)
 	version 7.0
-	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired UNEqual Level(integer $S_level)]
-	_checklevel `level'
+	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired UNEqual Level(integer -1)]
+	_level `level'
 	marksample touse, novarlist
 	tempvar A B
 	tempname m n1 m1 s1 n2 m2 s2 se df sd

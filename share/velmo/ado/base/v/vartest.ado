@@ -2,8 +2,8 @@
 * vartest: a variance against a number (chi-squared), or the variances of two samples (F)
 program define vartest, rclass byable(recall)
 	version 7.0
-	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer $S_level)]
-	_checklevel `level'
+	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer -1)]
+	_level `level'
 	marksample touse, novarlist
 	tempvar A B
 	tempname m n1 m1 s1 n2 m2 s2 stat low high

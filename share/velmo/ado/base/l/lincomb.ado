@@ -2,7 +2,8 @@
 * lincomb: a linear combination of coefficients, with its interval
 program define lincomb, rclass
 	version 7.0
-	_splitat , `0'
+	local typed : escaped 0
+	_splitat , `typed'
 	local expression : local before
 	if _local(expression) == "" {
 		display as error "expression required"

@@ -2,7 +2,8 @@
 * nlcomb: a nonlinear combination of coefficients, with its interval by the delta method
 program define nlcomb, rclass
 	version 7.0
-	_splitat , `0'
+	local typed : escaped 0
+	_splitat , `typed'
 	local expression : local before
 	if _local(expression) == "" {
 		display as error "expression required"

@@ -3,14 +3,8 @@
 program define nlcomb, rclass
 	version 7.0
 	local typed : escaped 0
-	_splitat , `typed'
-	local expression : local before
-	if _local(expression) == "" {
-		display as error "expression required"
-		exit 100
-	}
-	local 0 : escaped behind
-	local 0 `", `0'"'
+	_expression `typed'
+	local 0 : local options
 	syntax [, Level(integer -1)]
 	_level `level'
 	tempname b V f g

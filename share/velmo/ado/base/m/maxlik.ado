@@ -112,26 +112,28 @@ program define Fit, eclass
 	}
 	local k = colsof(`b')
 	local outcome $ML_y1
-	estimates post `b' `V', esample(`touse') obs(`N') depname(`outcome')
-	estimates scalar ll = `ll'
-	estimates scalar k = `k'
-	estimates scalar ic = `ic'
-	estimates scalar rc = `code'
-	if "`robust'" != "" {
-		estimates local vcetype Robust
+	nobreak {
+		estimates post `b' `V', esample(`touse') obs(`N') depname(`outcome')
+		estimates scalar ll = `ll'
+		estimates scalar k = `k'
+		estimates scalar ic = `ic'
+		estimates scalar rc = `code'
+		if "`robust'" != "" {
+			estimates local vcetype Robust
+		}
+		if "`cluster'" != "" {
+			estimates local clustvar `cluster'
+			estimates scalar N_clust = `clusters'
+		}
+		if "`weight'" != "" {
+			estimates local wtype `weight'
+			local exp : escaped exp
+			estimates local wexp `exp'
+		}
+		estimates local depvar $ML_y1
+		estimates local user $ML_user
+		estimates local cmd maxlik
 	}
-	if "`cluster'" != "" {
-		estimates local clustvar `cluster'
-		estimates scalar N_clust = `clusters'
-	}
-	if "`weight'" != "" {
-		estimates local wtype `weight'
-		local exp : escaped exp
-		estimates local wexp `exp'
-	}
-	estimates local depvar $ML_y1
-	estimates local user $ML_user
-	estimates local cmd maxlik
 	Show `level'
 end
 

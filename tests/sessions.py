@@ -55,6 +55,10 @@ _pctile {num}{if}{w}{|, nq({int}) altdef|, p({int} {int}{int})} ;; corrmatrix {v
 matfrom {vars}{if}{in}, to(A){| missing} ;; {byp} ci {vars}{if}{w}{|, poisson|, binomial level(90)|, by({vars})} ;;
 {byp} {ttest|vartest|proptest} {num} {=|==} {{int}|{num}|.}{if}{in}{|, unpaired|, unequal unpaired|, level({int})} ;;
 {byp} {ttest|vartest|proptest} {num}{if}{in}, by({var}){| unequal} ;;
+{byp} {ranksum|kwallis|ksmirnov|trendtest} {num}{if}{in}, by({var}) ;; {byp} {kendall|spearman|kappa} {vars}{if}{in} ;;
+{byp} {signrank|signtest|ksmirnov} {num} = {{int}|{num}|norm({num})}{if} ;; {byp} {normtest|quantiles|means} {vars}{if} ;;
+twobytwo {{int} {int} {int} {int}|{num} {num}{if}, by({vars})|{num} {num}{w}, paired} ;;
+means {vars}{if}{w}, {by({vars}) |save |stats({mean|p{int}0|iqr|text} n)} ;; quantiles {num}, at({int}{int} 50) ;;
 {bootstrap|jackknife} {summarize {vars}{if}|count{if}, noisily|regress {vars}{if}}{|, stats({exp})} ;;
 bootstrap, reps({int}) {|cluster({vars}) |saving({file}) |nodots }: summarize {num}{if} ;;
 list {vars}{if}{in}{, nolabel|, noobs|, display|, nodisplay doublespace|, noheader|} ;; {byp} list {vars}{if} ;;

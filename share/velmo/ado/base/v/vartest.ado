@@ -41,7 +41,7 @@ program define vartest, rclass byable(recall)
 		return scalar N_2 = `n2'
 		return scalar df_2 = `n2'-1
 	}
-	_verdict `test' `stat' `low' min(1,2*min(`low',`high')) `high'
+	_verdict `test' `stat' `low' cond(`low'<.,min(1,2*min(`low',`high')),.) `high'
 	return add
 	return scalar sd_1 = `s1'
 	return scalar N_1 = `n1'

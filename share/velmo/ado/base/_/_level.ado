@@ -7,7 +7,7 @@ program define _level
 		local level : set level
 	}
 	if `level' < 10 | `level' > 99 {
-		display as error "level() must be between 10 and 99"
+		display as error "level() must be between 10 and 99 inclusive"
 		exit 198
 	}
 	c_local level `level'

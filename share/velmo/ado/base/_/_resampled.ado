@@ -6,7 +6,7 @@ program define _resampled, rclass
 	foreach word in kind reps level cluster dots saving stats colon options {
 		gettoken `word' 0 : 0
 	}
-	_checklevel `level'
+	_level `level'
 	if `colon' & _local(options) != "" {
 		display as error _text(options) " not allowed"
 		exit 198

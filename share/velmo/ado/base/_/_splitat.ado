@@ -7,7 +7,7 @@ program define _splitat
 	local depth 0
 	while _local(rest) != "" {
 		local blank = cond(substr(_local(rest), 1, 1) == " ", " ", "")
-		gettoken token rest : rest, parse("`mark'()[]") quotes
+		gettoken token rest : rest, parse(" `mark'()[]=<>~!&|+-*/^") quotes
 		if _local(token) == "`mark'" & `depth' == 0 {
 			c_local before : local head
 			c_local behind : local rest
@@ -15,6 +15,9 @@ program define _splitat
 			exit
 		}
 		local depth = `depth'+inlist(_local(token), "(", "[")-inlist(_local(token), ")", "]")
+		foreach text in head token {
+			local `text' : escaped `text'
+		}
 		local head `"`head'`blank'`token'"'
 	}
 	c_local before : local head

@@ -3,14 +3,15 @@
 * caller the command as command, escaped; ", options" as options; and whether there is a colon
 program define _splitcommand
 	version 7.0
-	_splitat : `0'
+	local typed : escaped 0
+	_splitat : `typed'
 	c_local colon `found'
 	if `found' {
 		local command : local behind
 		c_local options : local before
 	}
 	else {
-		_splitat , `0'
+		_splitat , `typed'
 		local command : local before
 		c_local options `", `behind'"'
 	}

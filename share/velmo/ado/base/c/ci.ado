@@ -2,8 +2,8 @@
 * ci: confidence intervals of means, of proportions (exact binomial) and of rates of counts (exact Poisson)
 program define ci, rclass byable(recall)
 	version 7.0
-	syntax [varlist(numeric ts)] [aweight fweight] [if] [in] [, Level(integer $S_level) Binomial Poisson BY(varlist)]
-	_checklevel `level'
+	syntax [varlist(numeric ts)] [aweight fweight] [if] [in] [, Level(integer -1) Binomial Poisson BY(varlist)]
+	_level `level'
 	local kind `binomial'`poisson'
 	if "`kind'" == "binomialpoisson" | ("`kind'" != "" & "`weight'" == "aweight") {
 		display as error "binomial, poisson and aweights may not be combined"

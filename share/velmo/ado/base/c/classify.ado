@@ -25,8 +25,8 @@ program define classify, rclass
 	return scalar correct = (`n11'+`n00')/`N'
 	return scalar spec = `n00'/`n0'
 	return scalar sens = `n11'/`n1'
-	display as text _newline "Classification by `e(cmd)' of `e(depvar)', positive at a probability of " /*
-	*/ as result `cutoff' as text " or more" _newline
+	display as text _newline "Classification by `e(cmd)' of " abbrev("`e(depvar)'",20) ", positive at p >= " /*
+	*/ as result `cutoff' _newline
 	display as text _skip(13) "{c |}       Outcome" _newline "  Classified {c |}         1          0 {c |}     Total"
 	display as text "{hline 13}{c +}{hline 22}{c +}{hline 11}"
 	Row "+" `n11' `n10'

@@ -42,7 +42,7 @@ program define goftest, rclass
 	return scalar N = r(sum)
 	local what = cond("`groups'" != "", "groups of the probability", "covariate patterns")
 	local name = cond("`groups'" != "", "Hosmer-Lemeshow", "Pearson")
-	display as text _newline "Goodness of fit of `e(cmd)' of `e(depvar)', by `what'" _newline
+	display as text _newline "Goodness of fit of `e(cmd)' of " abbrev("`e(depvar)'",20) ", by `what'" _newline
 	display as text %29s "observations = " as result %10.0g return(N)
 	display as text %29s "`what' = " as result %10.0g `cells'
 	display as text %29s "`name' chi2(`df') = " as result %10.2f `chi2'

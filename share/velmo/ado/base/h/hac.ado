@@ -23,7 +23,14 @@ program define hac, eclass byable(recall) sortpreserve
 		exit 198
 	}
 	marksample touse
-	tempname D M V
+	quietly count if `touse'
+	if r(N) == 0 {
+		error 2000
+	}
+	* what fails from here on leaves the earlier estimates
+	tempname D M V earlier
+	capture estimates hold `earlier', restore
+	error _rc == 1
 	if "`weight'" != "" {
 		tempvar w
 		quietly generate double `w' `exp' if `touse'
@@ -39,6 +46,8 @@ program define hac, eclass byable(recall) sortpreserve
 	matrix `V' = `D'*`M'*`D'*(e(N)/(e(N)-e(df_m)-("`constant'" == "")))
 	matrix `V' = (`V'+`V'')/2
 	Post `V' `touse' `lags' "`weight'" `"`exp'"'
+	capture estimates drop `earlier'
+	error _rc == 1
 	if "`weight'" != "" {
 		quietly summarize `w' if e(sample), meanonly
 		display as text "(sum of wgt is " %12.4e r(sum) ")"
@@ -76,7 +85,9 @@ program define Middle
 			local then `then' `g'
 		}
 		matrix accum `M' = `now' if `touse', noconstant
-		forvalues l = 1/`lags' {
+		summarize `run', meanonly
+		local reach = min(`lags', r(max)-1)
+		forvalues l = 1/`reach' {
 			forvalues i = 1/`k' {
 				replace `: word `i' of `then'' = `: word `i' of `now''[_n-`l']
 			}

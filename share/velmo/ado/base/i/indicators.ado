@@ -2,7 +2,8 @@
 * indicators: variables of 0 and 1 for the values of others and for pairs of values; and in front of a command
 program define indicators
 	version 7.0
-	_splitat : `0'
+	local typed : escaped 0
+	_splitat : `typed'
 	local 0 : local before
 	syntax anything(name=list id="varlist") [, Prefix(string) BASE(string)]
 	if "`prefix'" == "" {
@@ -58,6 +59,7 @@ program define indicators
 		local command : escaped command
 		Substitute `typed`t'' "`made'" `command'
 	}
+	local command : escaped command
 	`command'
 end
 
@@ -248,7 +250,7 @@ program define Substitute
 	local lists 1
 	while _local(rest) != "" {
 		local blank = cond(substr(_local(rest), 1, 1) == " ", " ", "")
-		gettoken token rest : rest, parse(" ,:()[]") quotes
+		gettoken token rest : rest, parse(" ,:()[]=<>~!&|+") quotes
 		local depth = `depth'+inlist(_local(token), "(", "[")-inlist(_local(token), ")", "]")
 		if `depth' == 0 {
 			local lists = cond(inlist(_local(token), "if", "in", ","), 0, cond(_local(token) == ":", 1, `lists'))
@@ -258,6 +260,9 @@ program define Substitute
 		}
 		if `lists' & _local(token) == "`name'" {
 			local token `list'
+		}
+		foreach text in command token {
+			local `text' : escaped `text'
 		}
 		local command `"`command'`blank'`token'"'
 	}

@@ -2,7 +2,8 @@
 * lincomb: a linear combination of coefficients, with its interval
 program define lincomb, rclass
 	version 7.0
-	_expression `0'
+	local typed : escaped 0
+	_expression `typed'
 	local 0 : local options
 	syntax [, Level(integer -1) EForm]
 	_level `level'

@@ -14,7 +14,6 @@ program define lrtest, rclass
 			capture confirm name L`given'
 			error _rc == 1
 			if _rc | index(_local(given), " ") | length(_local(given)) > 24 {
-				error _rc == 1
 				error 198
 			}
 		}

@@ -9,10 +9,11 @@ program define maxlik, eclass byable(recall)
 		if _by() {
 			error 190
 		}
-		syntax [, Level(integer `: set level')]
+		syntax [, Level(integer -1)]
 		if "`e(cmd)'" != "maxlik" {
 			error 301
 		}
+		_level `level'
 		Show `level'
 		exit
 	}
@@ -111,33 +112,35 @@ program define Fit, eclass
 	}
 	local k = colsof(`b')
 	local outcome $ML_y1
-	estimates post `b' `V', esample(`touse') obs(`N') depname(`outcome')
-	estimates scalar ll = `ll'
-	estimates scalar k = `k'
-	estimates scalar ic = `ic'
-	estimates scalar rc = `code'
-	if "`robust'" != "" {
-		estimates local vcetype Robust
+	nobreak {
+		estimates post `b' `V', esample(`touse') obs(`N') depname(`outcome')
+		estimates scalar ll = `ll'
+		estimates scalar k = `k'
+		estimates scalar ic = `ic'
+		estimates scalar rc = `code'
+		if "`robust'" != "" {
+			estimates local vcetype Robust
+		}
+		if "`cluster'" != "" {
+			estimates local clustvar `cluster'
+			estimates scalar N_clust = `clusters'
+		}
+		if "`weight'" != "" {
+			estimates local wtype `weight'
+			local exp : escaped exp
+			estimates local wexp `exp'
+		}
+		estimates local depvar $ML_y1
+		estimates local user $ML_user
+		estimates local cmd maxlik
 	}
-	if "`cluster'" != "" {
-		estimates local clustvar `cluster'
-		estimates scalar N_clust = `clusters'
-	}
-	if "`weight'" != "" {
-		estimates local wtype `weight'
-		local exp : escaped exp
-		estimates local wexp `exp'
-	}
-	estimates local depvar $ML_y1
-	estimates local user $ML_user
-	estimates local cmd maxlik
 	Show `level'
 end
 
 * How to iterate, and the level.
 program define Rules
-	syntax [, Level(integer `: set level') ITERate(integer 16000) TOLerance(real 1e-6) LTOLerance(real 0) TRace noLOg]
-	_checklevel `level'
+	syntax [, Level(integer -1) ITERate(integer 16000) TOLerance(real 1e-6) LTOLerance(real 0) TRace noLOg]
+	_level `level'
 	foreach rule in level iterate tolerance ltolerance trace log {
 		c_local `rule' ``rule''
 	}
@@ -216,6 +219,7 @@ program define Coefficients
 	matrix `b' = J(1,`k',0)
 	local given : word count `from'
 	capture confirm number `: word 1 of `from''
+	error _rc == 1
 	if `given' == 1 & _rc {
 		matrix `b' = `from'
 		if rowsof(`b') != 1 | colsof(`b') != `k' {
@@ -243,6 +247,7 @@ program define Loglik
 		foreach theta in $ML_theta {
 			local e = `e'+1
 			capture drop `theta'
+			error _rc == 1
 			mleval `theta' = `b', eq(`e')
 		}
 		Call
@@ -393,8 +398,10 @@ program define Derivatives
 		exit
 	}
 	tempname own
-	capture matrix drop `g'
-	capture matrix drop `H'
+	foreach matrix in g H {
+		capture matrix drop ``matrix''
+		error _rc == 1
+	}
 	scalar `own' = .
 	quietly $ML_user 2 `b' `own' `g' `H'
 	capture local k = colsof(`g')
@@ -472,6 +479,7 @@ program define Along
 	tempname size bend
 	quietly generate double `at' = `theta'
 	capture drop `score'
+	error _rc == 1
 	quietly generate double `score' = .
 	quietly generate double `second' = .
 	local h ${ML_h`e'}

@@ -114,7 +114,6 @@ program define Collect
 		capture _matcell `S' 1 `j' = `value'
 		error _rc == 1
 		if _rc {
-			error _rc == 1
 			_matcell `S' 1 `j' = .
 		}
 	}
@@ -136,6 +135,12 @@ program define Rows
 	c_local rows `rows' `last'
 end
 
+* The column of a name, as c of the caller; one without an equation is none of an equation's.
+program define Column
+	args B name
+	c_local c = colnumb(`B', cond(index("`name'", ":"), "`name'", "_:`name'"))
+end
+
 * The first row of each matrix as a column, by name.
 program define Assemble
 	args M rows models
@@ -147,7 +152,7 @@ program define Assemble
 		local j 0
 		foreach B in `*' {
 			local j = `j' + 1
-			local c = colnumb(`B', "`row'")
+			Column `B' `row'
 			_matcell `M' `i' `j' = cond(`c' < ., `B'[1,`c'], .)
 		}
 	}
@@ -201,7 +206,7 @@ end
 * The text of a figure, empty where there is none.
 program define Cell
 	args B name r kind
-	local c = colnumb(`B', "`name'")
+	Column `B' `name'
 	local cell
 	if `c' < . {
 		local x = `B'[`r',`c']

@@ -2,7 +2,8 @@
 * nlcomb: a nonlinear combination of coefficients, with its interval by the delta method
 program define nlcomb, rclass
 	version 7.0
-	_expression `0'
+	local typed : escaped 0
+	_expression `typed'
 	local 0 : local options
 	syntax [, Level(integer -1)]
 	_level `level'
@@ -123,7 +124,6 @@ program define Nocoefficient
 		display as error "`word' has no coefficient"
 		exit 111
 	}
-	error _rc == 1
 end
 
 * The place of a coefficient, in place of the caller; nothing when it is none.
@@ -140,9 +140,6 @@ program define Place
 				local place `j'
 			}
 		}
-	}
-	else {
-		error _rc == 1
 	}
 	c_local place `place'
 end

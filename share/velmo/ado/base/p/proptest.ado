@@ -2,8 +2,8 @@
 * proptest: a proportion against a number (score test), or the proportions of two samples (pooled)
 program define proptest, rclass byable(recall)
 	version 7.0
-	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer $S_level)]
-	_checklevel `level'
+	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer -1)]
+	_level `level'
 	marksample touse, novarlist
 	tempvar A B
 	tempname m n1 p1 n2 p2 se z
@@ -43,7 +43,7 @@ program define proptest, rclass byable(recall)
 		return scalar N_2 = `n2'
 	}
 	display as text "{hline 13}{c BT}{hline 64}"
-	Verdict `z' `test'
+	_verdict `test' z `z' norm(`z') 2*norm(-abs(`z')) norm(-`z')
 	return add
 	return scalar z = `z'
 	return scalar p_1 = `p1'
@@ -71,19 +71,4 @@ program define Row
 	scalar `half' = invnorm(1-(1-`level'/100)/2)*`se'
 	display as text %12s abbrev(_local(label),12) " {c |}" as result %7.0f `n' _skip(4) %9.0g `p' _skip(3) %9.0g `se' /*
 		*/ _column(55) %9.0g (`p'-`half') _skip(2) %9.0g (`p'+`half')
-end
-
-program define Verdict, rclass
-	args z what null
-	tempname m
-	scalar `m' = `null'
-	local shown : display %9.0g `m'
-	local shown = trim("`shown'")
-	display as text "H0: `what' = `shown'" _column(48) "z = " as result %9.4f `z'
-	display as text "  Ha: `what' < `shown'" _column(30) "Ha: `what' != `shown'" _column(58) "Ha: `what' > `shown'"
-	display as text "  p = " as result %6.4f norm(`z') as text _column(30) "p = " as result %6.4f 2*norm(-abs(`z')) /*
-		*/ as text _column(58) "p = " as result %6.4f norm(-`z')
-	return scalar p_u = norm(-`z')
-	return scalar p_l = norm(`z')
-	return scalar p = 2*norm(-abs(`z'))
 end

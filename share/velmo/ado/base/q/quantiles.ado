@@ -2,8 +2,8 @@
 * quantiles: percentiles with intervals that take no distribution for granted (binomial ranks)
 program define quantiles, rclass byable(recall)
 	version 7.0
-	syntax [varlist(numeric ts)] [if] [in] [, AT(numlist >0 <100) Level(integer $S_level)]
-	_checklevel `level'
+	syntax [varlist(numeric ts)] [if] [in] [, AT(numlist >0 <100) Level(integer -1)]
+	_level `level'
 	if "`at'" == "" {
 		local at 25 50 75
 	}

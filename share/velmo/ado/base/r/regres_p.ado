@@ -1,14 +1,19 @@
 *! version 1.0.0  22nov2026
-* regres_p: predict after regress: all of _predict, and what leaving an observation out would change
+* regres_p: predict after regress and hac: all of _predict, and what leaving an observation out would change
 program define regres_p
 	version 7.0
 	local typed : escaped 0
-	syntax newvarname [if] [in] [, DFIts DFBeta(string) noLABel *]
+	syntax newvarname [if] [in] [, DFIts DFBeta(string) Residuals noLABel *]
+	if "`residuals'" != "" & "`e(cmd)'" == "hac" {
+		* posted estimates have no outcome that _predict knows
+		Residual `typed'
+		exit
+	}
 	if "`dfits'" == "" & _local(dfbeta) == "" {
 		_predict `typed'
 		exit
 	}
-	if "`dfits'" != "" & _local(dfbeta) != "" | _local(options) != "" {
+	if "`dfits'" != "" & _local(dfbeta) != "" | "`residuals'" != "" | _local(options) != "" {
 		display as error "dfits and dfbeta() stand alone"
 		exit 198
 	}
@@ -41,5 +46,15 @@ program define regres_p
 	}
 	if "`label'" == "" {
 		label variable `varlist' "`text'"
+	}
+end
+
+program define Residual
+	syntax newvarname [if] [in] [, Residuals noLABel]
+	tempvar xb
+	quietly _predict double `xb' `if' `in', xb
+	generate `typlist' `varlist' = `e(depvar)'-`xb'
+	if "`label'" == "" {
+		label variable `varlist' "Residuals"
 	}
 end

@@ -3,8 +3,8 @@
 * Clarke-Pearson 1988
 program define roc, rclass
 	version 7.0
-	syntax [, Level(integer `: set level')]
-	_checklevel `level'
+	syntax [, Level(integer -1)]
+	_level `level'
 	tempvar p y w v
 	_binaryfit `p' `y' `w'
 	Placements `p' `y' `w' `v'
@@ -40,6 +40,7 @@ program define Placements, sortpreserve
 			summarize `w' if `y' == `o', meanonly
 			local n = r(sum)
 			capture drop `at' `below'
+			error _rc == 1
 			generate double `at' = cond(`y' == `o', `w', 0) if `y' < .
 			sort `p'
 			generate double `below' = sum(`at')

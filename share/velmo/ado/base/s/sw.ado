@@ -9,6 +9,18 @@ program define sw
 	Terms `0'
 	syntax [aweight fweight pweight iweight] [if] [in] [, PE(real -1) PR(real -1) FORward KEEP(varlist ts) *]
 	Limits `pe' `pr' `forward'
+	* what keep() names is no term's
+	local m 0
+	forvalues i = 1/`n' {
+		foreach x of local keep {
+			local term`i' : subinstr local term`i' "`x'" "", word all
+		}
+		if trim("`term`i''") != "" {
+			local m = `m'+1
+			local term`m' `term`i''
+		}
+	}
+	local n `m'
 	if "`weight'" != "" {
 		local weight [`weight'`exp']
 	}
@@ -23,7 +35,15 @@ program define sw
 			local chosen `chosen' `term`i''
 		}
 	}
+	quietly count if `touse'
+	if r(N) == 0 {
+		error 2000
+	}
 	local tail `weight' if `touse', `options'
+	* a step that fails leaves the earlier estimates
+	tempname earlier
+	capture estimates hold `earlier', restore
+	error _rc == 1
 	local steps 0
 	local move 1
 	while `move' {
@@ -83,6 +103,8 @@ program define sw
 		local tail `tail' step(`=`steps'+1')
 	}
 	`command' `depvar' `keep' `chosen' `tail'
+	capture estimates drop `earlier'
+	error _rc == 1
 end
 
 * The variables that a list names.

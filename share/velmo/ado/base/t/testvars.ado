@@ -2,10 +2,16 @@
 * testvars: tests that the coefficients of a list are 0, or that they are equal
 program define testvars, rclass
 	version 7.0
-	syntax anything(id="list of coefficients") [, Equal]
+	_splitat , `0'
+	local 0 `", `behind'"'
+	syntax [, Equal]
+	if "`before'" == "" {
+		display as error "list of coefficients required"
+		exit 100
+	}
 	tempname b
 	matrix `b' = get(_b)
-	Expand `anything'
+	Expand `before'
 	if "`equal'" == "" {
 		test `names'
 	}
@@ -37,9 +43,6 @@ program define Expand
 				error _rc == 1
 				if _rc == 0 {
 					local found `found' `name'
-				}
-				else {
-					error _rc == 1
 				}
 			}
 			if "`found'" == "" {

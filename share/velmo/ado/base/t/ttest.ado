@@ -2,8 +2,8 @@
 * ttest: Student's t tests of means, of one sample, of pairs and of two samples
 program define ttest, rclass byable(recall)
 	version 7.0
-	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired UNEqual Level(integer $S_level)]
-	_checklevel `level'
+	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired UNEqual Level(integer -1)]
+	_level `level'
 	marksample touse, novarlist
 	tempvar A B
 	tempname m n1 m1 s1 n2 m2 s2 se df sd
@@ -96,16 +96,8 @@ program define Verdict, rclass
 	args what t df null
 	tempname T
 	scalar `T' = `t'
-	local shown : display %9.0g `null'
-	local shown = trim("`shown'")
-	display as text "H0: `what' = `shown'" _column(48) "t = " as result %9.4f `T' /*
-		*/ as text _column(63) "df = " as result %9.0g `df'
-	display as text "  Ha: `what' < `shown'" _column(30) "Ha: `what' != `shown'" _column(58) "Ha: `what' > `shown'"
-	display as text "  p = " as result %6.4f ttail(`df',-`T') as text _column(30) "p = " as result %6.4f tprob(`df',`T') /*
-		*/ as text _column(58) "p = " as result %6.4f ttail(`df',`T')
-	return scalar p_u = ttail(`df',`T')
-	return scalar p_l = ttail(`df',-`T')
-	return scalar p = tprob(`df',`T')
+	_verdict `what' `null' t `T' ttail(`df',-`T') tprob(`df',`T') ttail(`df',`T') `df'
+	return add
 	return scalar df = `df'
 	return scalar t = `T'
 end

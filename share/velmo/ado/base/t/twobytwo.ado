@@ -13,8 +13,8 @@ program define twobytwo, rclass byable(recall)
 		local paired
 	}
 	else {
-		syntax varlist(min=2 max=2 numeric) [fweight] [if] [in] [, BY(varlist) PAIRed Level(integer $S_level)]
-		_checklevel `level'
+		syntax varlist(min=2 max=2 numeric) [fweight] [if] [in] [, BY(varlist) PAIRed Level(integer -1)]
+		_level `level'
 		if "`by'" != "" & "`paired'" != "" {
 			display as error "by() and paired may not be combined"
 			exit 184
@@ -67,8 +67,8 @@ program define Typed
 		c_local `cell' = `n'
 	}
 	local 0 `rest'
-	syntax [, Level(integer $S_level)]
-	_checklevel `level'
+	syntax [, Level(integer -1)]
+	_level `level'
 	c_local level `level'
 	c_local heads cases exposed
 end

@@ -2,8 +2,8 @@
 * vartest: a variance against a number (chi-squared), or the variances of two samples (F)
 program define vartest, rclass byable(recall)
 	version 7.0
-	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer $S_level)]
-	_checklevel `level'
+	syntax varname(numeric) [=/exp] [if] [in] [, BY(varname) UNPaired Level(integer -1)]
+	_level `level'
 	marksample touse, novarlist
 	tempvar A B
 	tempname m n1 m1 s1 n2 m2 s2 stat low high
@@ -28,7 +28,7 @@ program define vartest, rclass byable(recall)
 		scalar `stat' = (`n1'-1)*`s1'^2/`m'
 		scalar `low' = chi2(`n1'-1, `stat')
 		scalar `high' = chi2tail(`n1'-1, `stat')
-		Verdict variance `m' "chi2(`=`n1'-1')" `stat' `low' `high'
+		local test variance `m' "chi2(`=`n1'-1')"
 	}
 	else {
 		_meantable row `n2' `m2' `s2'/sqrt(`n2') `s2' `n2'-1 `level' `"`two'"'
@@ -36,11 +36,12 @@ program define vartest, rclass byable(recall)
 		scalar `stat' = (`s1'/`s2')^2
 		scalar `low' = F(`n1'-1, `n2'-1, `stat')
 		scalar `high' = Ftail(`n1'-1, `n2'-1, `stat')
-		Verdict ratio 1 "F(`=`n1'-1', `=`n2'-1')" `stat' `low' `high'
+		local test ratio 1 "F(`=`n1'-1', `=`n2'-1')"
 		return scalar sd_2 = `s2'
 		return scalar N_2 = `n2'
 		return scalar df_2 = `n2'-1
 	}
+	_verdict `test' `stat' `low' cond(`low'<.,min(1,2*min(`low',`high')),.) `high'
 	return add
 	return scalar sd_1 = `s1'
 	return scalar N_1 = `n1'
@@ -64,19 +65,4 @@ program define Moments
 	scalar `n' = r(N)
 	scalar `mean' = r(mean)
 	scalar `sd' = sqrt(r(Var))
-end
-
-program define Verdict, rclass
-	args what null name stat low high
-	tempname p
-	scalar `p' = min(1, 2*min(`low', `high'))
-	local shown : display %9.0g `null'
-	local shown = trim("`shown'")
-	display as text "H0: `what' = `shown'" _column(48) "`name' = " as result %9.4f `stat'
-	display as text "  Ha: `what' < `shown'" _column(30) "Ha: `what' != `shown'" _column(58) "Ha: `what' > `shown'"
-	display as text "  p = " as result %6.4f `low' as text _column(30) "p = " as result %6.4f `p' /*
-		*/ as text _column(58) "p = " as result %6.4f `high'
-	return scalar p_u = `high'
-	return scalar p_l = `low'
-	return scalar p = `p'
 end

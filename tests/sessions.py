@@ -57,6 +57,7 @@ matfrom {vars}{if}{in}, to(A){| missing} ;; {byp} ci {vars}{if}{w}{|, poisson|, 
 {byp} {ttest|vartest|proptest} {num}{if}{in}, by({var}){| unequal} ;;
 {byp} {ranksum|kwallis|ksmirnov|trendtest} {num}{if}{in}, by({var}) ;; {byp} {kendall|spearman|kappa} {vars}{if}{in} ;;
 {byp} {signrank|signtest|ksmirnov} {num} = {{int}|{num}|norm({num})}{if} ;; {byp} {normtest|quantiles|means} {vars}{if} ;;
+tabdisp {vars}{if}, cellvar({vars}){| by({vars})| totals center| missing concise left| cellwidth({int}) stubw(1{int})} ;;
 twobytwo {{int} {int} {int} {int}|{num} {num}{if}, by({vars})|{num} {num}{w}, paired} ;;
 means {vars}{if}{w}, {by({vars}) |save |stats({mean|p{int}0|iqr|text} n)} ;; quantiles {num}, at({int}{int} 50) ;;
 {bootstrap|jackknife} {summarize {vars}{if}|count{if}, noisily|regress {vars}{if}}{|, stats({exp})} ;;

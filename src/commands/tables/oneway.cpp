@@ -97,7 +97,7 @@ void printcentred(const std::string& text) { prttext(centred(text, 79) + "\n"); 
 // On one line if it fits, else broken ahead of "by", and behind "Comparison of" if that is still too long.
 void printtitle(const compareview& c) {
     std::string x = getvarlabel(varlist[c.x - 1]), by = "by " + variabletitle(c.list.var);
-    if (x.empty()) x = shownname(varlist[c.x - 1], 12);
+    if (x.empty()) x = std::string(varlist[c.x - 1]).substr(0, 12);
     std::string head = "Comparison of " + x;
     prtnl();
     if (textcolumns(head) + 1 + textcolumns(by) < 78) return printcentred(head + " " + by);

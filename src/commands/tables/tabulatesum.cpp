@@ -27,7 +27,8 @@ struct sumoptions {
 
 // 1 given, 0 negated, -1 neither.
 Int4 getthree(const char* name, Int4 min) {
-    return getopt_noflag(name, min, false) ? 1 : getopt_noflag(name, min, true) ? -1 : 0;
+    if (getopt_flag(name, min)) return 1;
+    return getopt_noflag(name, min, true) ? -1 : 0;
 }
 
 Int4 getoptions(sumoptions& o, boolean oneway, boolean variance) {

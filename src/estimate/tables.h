@@ -50,8 +50,8 @@ struct counttable {
 // 0, 1, 134, 401, 402 (printed).
 Int4 filltable(const tablesample& s, counttable& t);
 
-// The numbers of a block's observations among the values of the table's first list; -1 for those that don't belong to it.
-// 0, 401, 402.
+// The numbers of a block's observations among the values of the table's first list; -1 for those that don't belong to
+// it. 0, 401, 402.
 Int4 numberblock(const tablesample& s, counttable& t, Int4 first, Int4 n, Int4* numbers);
 // one(obs, number) for the observations of the run. 0, 1, 401, 402 (printed).
 template <class F> Int4 overnumbers(const tablesample& s, counttable& t, F one) {

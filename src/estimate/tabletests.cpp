@@ -112,8 +112,8 @@ statistic kendalltaub(const countmatrix& c) {
 
 namespace {
 
-// Fills the table column by column, in each row what its margin still allows; the last column is what remains. Tables as
-// likely as the one observed must be seen to be so, which takes factorials as good as the library's.
+// Fills the table column by column, in each row what its margin still allows; the last column is what remains. Tables
+// as likely as the one observed must be seen to be so, which takes factorials as good as the library's.
 struct tablewalk {
     const countmatrix& c;
     std::vector<Double> lnfacts;

@@ -10,7 +10,8 @@ struct countmatrix {
     Int4 rows, cols;
     std::vector<Double> cell, row, col;
     Double total = 0;
-    countmatrix(Int4 r, Int4 c) : rows(r), cols(c), cell(std::size_t(r * c)), row(std::size_t(r)), col(std::size_t(c)) {}
+    countmatrix(Int4 r, Int4 c)
+        : rows(r), cols(c), cell(std::size_t(r * c)), row(std::size_t(r)), col(std::size_t(c)) {}
     Double& at(Int4 i, Int4 j) { return cell[std::size_t(i * cols + j)]; }
     Double at(Int4 i, Int4 j) const { return cell[std::size_t(i * cols + j)]; }
     void summargins();

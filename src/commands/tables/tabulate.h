@@ -1,5 +1,5 @@
-// tabulate, its forms: the handler has read the variable list, and tells by the options which form it is. Each reads the
-// options of its own.
+// tabulate, its forms: the handler has read the variable list, and tells by the options which form it is. Each reads
+// the options of its own.
 #pragma once
 #include "estimate/tables.h"
 

@@ -142,8 +142,8 @@ void printtitle(const sumview& v) {
 }
 
 Int4 printblockrule(const twoview& v) {
-    return prtmarkup("{hline " + std::to_string(v.stub + 1) + "}{c +}{hline " + std::to_string(11 * (v.last - v.first)) +
-                     "}{c +}{hline 10}\n");
+    std::string columns = std::to_string(11 * (v.last - v.first));
+    return prtmarkup("{hline " + std::to_string(v.stub + 1) + "}{c +}{hline " + columns + "}{c +}{hline 10}\n");
 }
 
 Int4 printblockrow(const twoview& v, std::string_view text, Int4 row) {

@@ -174,7 +174,7 @@ Int4 showvariance(Int4 x, const celltable& t, const varianceoptions& o, boolean 
     compareview c{groups, v, x, list, order, shownvalues(list.var, labels, "%8.0g"), ""};
     cutformat(fmt[x - 1], "%8.0g", c.format);
     for (Int4 kind = 0; kind < ncomparisons; kind++)
-        if (o.compares[kind] && printcomparison(c, comparison(kind), wrap)) return 1;
+        if (o.compares[kind] && groups.size() > 1 && printcomparison(c, comparison(kind), wrap)) return 1;
     return 0;
 }
 

@@ -95,7 +95,7 @@ def runexamples(program, name, page):
     asked = {}
     behind = output.partition("\n@@ end\n")[2]
     for word, option, least in re.findall(r"^(\w+) (\w+) (\d+)(?: \(\))?$", behind, flags=re.M):
-        asked.setdefault(word, {})[option] = int(least) if 0 < int(least) < len(option) else None
+        asked.setdefault(word, {}).setdefault(option, int(least) if 0 < int(least) < len(option) else None)
     return asked
 
 def rows():

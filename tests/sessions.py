@@ -64,6 +64,10 @@ means {vars}{if}{w}, {by({vars}) |save |stats({mean|p{int}0|iqr|text} n)} ;; qua
 bootstrap, reps({int}) {|cluster({vars}) |saving({file}) |nodots }: summarize {num}{if} ;;
 list {vars}{if}{in}{, nolabel|, noobs|, display|, nodisplay doublespace|, noheader|} ;; {byp} list {vars}{if} ;;
 describe{| {vars}|, short|, detail|, numbers|, fullnames} ;; describe using {file}{|, short} ;;
+{byp} tabulate {var}{if}{in}{w}{|, missing plot|, nolabel subpop({num})|, matcell(A) matrow(M)|, summarize({num})} ;;
+{byp} tabulate {var} {var}{if}{w}{|, all missing|, row col cell nofreq|, wrap matcell(A)|, summarize({num}) means|, \
+summarize({num}) obs wrap missing} ;;
+{byp} oneway {num} {var}{if}{in}{w}{|, tabulate bonferroni|, scheffe sidak missing|, noanova wrap obs} ;;
 inspect {vars}{if}{in} ;; codebook {vars}{if}{|, tabulate({int})|, notes} ;; {byp} count{if}{in} ;;
 assert {cond}{if}{|, rc0} ;; {byp} assert {cond} ;;
 display {exp} " " {sexp} " " %{format} {num}[{int}] _skip({int}) _dup({int}) "{text}" ;;

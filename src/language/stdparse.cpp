@@ -96,8 +96,15 @@ void assumeweight() {
         if (row.kind == weighttype) notef("(%s weights assumed)\n", row.meaning);
 }
 
-// Until the options are read, the kind of weights that `scale` tells.
-constexpr Int4 weight_old = weight_all + 1;
+// Until the options are read, the kind of weights that they tell.
+constexpr Int4 weight_late = weight_all + 1;
+
+void openweight(boolean late) {
+    if (late)
+        weighttype = weight_late;
+    else
+        assumeweight();
+}
 
 // `=` in a command that takes weights but no =exp is the old way to give weights.
 Int4 equalspart() {
@@ -108,10 +115,7 @@ Int4 equalspart() {
     if (weightgiven) return errorf(198, "too many weights\n");
     if (Int4 rc = exp_compile(eqexp, mode_num)) return rc;
     weightgiven = 1;
-    if (parsing.oldscale)
-        weighttype = weight_old;
-    else
-        assumeweight();
+    openweight(parsing.oldscale || parsing.openkind);
     return 0;
 }
 
@@ -142,7 +146,7 @@ Int4 weightpart() {
     if (kind)
         weighttype = kind;
     else
-        assumeweight();
+        openweight(parsing.openkind);
     return 0;
 }
 
@@ -206,8 +210,11 @@ Int4 parseform() {
         if (Int4 rc = onepart(done)) return rc;
     if (Int4 rc = missingparts()) return rc;
     if (Int4 rc = parseoptions()) return rc;
-    if (weighttype != weight_old) return 0;
-    parsing.openweight = getopt_flag("scale", 1) ? weight_a : weight_f;
+    if (weighttype != weight_late) return 0;
+    if (parsing.openkind)
+        parsing.openweight = parsing.openkind();
+    else
+        parsing.openweight = getopt_flag("scale", 1) ? weight_a : weight_f;
     assumeweight();
     return 0;
 }

@@ -51,6 +51,7 @@ struct form {
     partrule weight = never;
     UByte weights = weight_all;         // weightkind bits allowed
     UByte openweight = weight_a;        // the kind that an open type means
+    UByte (*openkind)() = nullptr;      // or a function that tells it from the options
     boolean oldscale = false;           // old-style weights are aweights with the option scale, else fweights
     partrule options = may;
     partrule by = may;

@@ -112,6 +112,16 @@ outsheet using iris.out, comma replace
 quietly insheet using iris.out, comma clear
 describe
 
+* ---- Tables of the irises
+insheet using iris.csv, comma clear
+generate byte wide = sepal_width > 3
+tabulate species wide, row chi2
+assert reldif(r(chi2), 50.22477972) < 1e-6
+oneway petal_length species, bonferroni
+assert reldif(r(F), 1180.161) < 1e-5
+kwallis petal_length, by(species)
+means sepal_length-petal_width, by(species) stats(mean sd)
+
 * ---- Two kinds of irises told apart by their petals
 insheet using iris.csv, comma clear
 generate byte virginica = species == "virginica" if species != "setosa"

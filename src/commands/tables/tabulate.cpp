@@ -17,11 +17,6 @@ namespace velmo {
 
 // ---- What the forms share.
 
-Int4 notable() {
-    error(2000);
-    return 2000;
-}
-
 Int4 getmatrixname(const char* option, Int4 min, std::string& name) {
     boolean found;
     if (Int4 rc = getopt_str(option, min, name, found)) return rc;
@@ -221,7 +216,7 @@ Int4 tabulate_oneway() {
     rstore("N", 0);
     rstore("r", 0);
     if (Int4 rc = filltable(o.sample, t)) return rc;
-    if (t.lists[0].n() == 0) return notable();
+    if (t.lists[0].n() == 0) return noobservations();
     frequencies fr;
     getfrequencies(t, fr);
     rstore("N", fr.total);

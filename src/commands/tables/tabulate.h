@@ -18,6 +18,5 @@ Int4 getmatrixname(const char* option, Int4 min, std::string& name);
 // A vector of the values of a table's list, in their order.
 Int4 putvalues(const std::string& name, const valuelist& values, const std::vector<Int4>& order, boolean across);
 
-Int4 notable();                       // no observations: 2000, printed
 
 }  // namespace velmo

@@ -205,7 +205,7 @@ Int4 tabulate_summarize(Int4 x, const std::vector<Int4>& by, boolean oneway) {
     if (isstring(x)) return error(109);
     celltable t(by);
     if (Int4 rc = fillcells(x, o.missing, t)) return rc;
-    if (t.n == 0) return notable();
+    if (t.n == 0) return noobservations();
     rclear();
     if (o.tabulate && by.size() == 2) return printcells(twoview(t, o, x));
     sumview v(t, o, x);

@@ -259,7 +259,7 @@ Int4 tabulate_twoway() {
     if (Int4 rc = filltable(o.sample, t)) return rc;
     rclear();
     storesize(0, 0, 0);
-    if (t.n == 0) return notable();
+    if (t.n == 0) return noobservations();
     sortedtable sorted(t);
     if (o.contents() && printtable(sorted, o)) return 1;
     if (Int4 rc = putmatrices(sorted, o)) return rc;

@@ -58,6 +58,8 @@ matfrom {vars}{if}{in}, to(A){| missing} ;; {byp} ci {vars}{if}{w}{|, poisson|, 
 {byp} {ranksum|kwallis|ksmirnov|trendtest} {num}{if}{in}, by({var}) ;; {byp} {kendall|spearman|kappa} {vars}{if}{in} ;;
 {byp} {signrank|signtest|ksmirnov} {num} = {{int}|{num}|norm({num})}{if} ;; {byp} {normtest|quantiles|means} {vars}{if} ;;
 tabdisp {vars}{if}, cellvar({vars}){| by({vars})| totals center| missing concise left| cellwidth({int}) stubw(1{int})} ;;
+tabtyped {int} {int} \\ {int} {int}{|, chi2 exact} ;; {tabeach|tabpairs} {vars}{if}{w}{|, missing|, nofreq chi2} ;;
+table {vars}{if}{w}{|, contents(mean {num} p50 {num})| row col| saving(t{int}.csv)} ;;
 twobytwo {{int} {int} {int} {int}|{num} {num}{if}, by({vars})|{num} {num}{w}, paired} ;;
 means {vars}{if}{w}, {by({vars}) |save |stats({mean|p{int}0|iqr|text} n)} ;; quantiles {num}, at({int}{int} 50) ;;
 {bootstrap|jackknife} {summarize {vars}{if}|count{if}, noisily|regress {vars}{if}}{|, stats({exp})} ;;
@@ -158,7 +160,7 @@ merge using {file}{|, nokeep} ;; append using {file}{|, nolabel} ;;
 save {file}, replace{| old| nolabel| all| midscale} ;; use {file}, clear{| nolabel} ;;
 use {vars} using {file}{if}{in}, clear ;; use {file} ;; preserve ;; restore{|, preserve|, not} ;;
 set maxvar {2047|2100|3000|5000|9000} ;; set memory {int}m ;; discard ;; clear"""),
-("loose", r"""expand min(5, {model}){if} ;; indicators {vars}: regress {vars} ;;
+("loose", r"""expand min(5, {model}){if} ;; table {vars}{if}, contents(sd {num} freq) replace ;; indicators {vars}: regress {vars} ;;
 matto A{|, names({new} {new})|, replace} ;;
 insheet {vars|} using t{int}.raw, clear{| comma| tab| names| nonames| double} ;;
 infile {str9 {new} {new}|{new}-{new}|{new} {new}|byte {new}:{lab} str3 {new}} using t{int}.raw{if}{in}, clear{|\

@@ -27,14 +27,7 @@ program define ci, rclass byable(recall)
 		local n = r(N_groups)
 		forvalues i = 1/`n' {
 			local at = `first'[`i']
-			local between "-> "
-			display
-			foreach x of local by {
-				_valuetext `x' `at'
-				display as text "`between'`x' = " as result _text(text) _continue
-				local between ", "
-			}
-			display
+			_groupline `at' `by'
 			quietly replace `touse' = `group' == `i'
 			Panel `kind' `touse' `level' "`weight'" `varlist'
 		}

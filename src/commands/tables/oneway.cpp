@@ -180,8 +180,8 @@ Int4 showvariance(Int4 x, const celltable& t, const varianceoptions& o, boolean 
 
 // oneway x group [if] [in] [weight] [, options]
 Int4 cmd_oneway() {
-    if (Int4 rc = stdparse({.varlist = must, .weight = may, .weights = weight_a | weight_f})) return rc;
-    if (vl_n != 2) return error(vl_n < 2 ? 102 : 103);
+    if (Int4 rc = stdparse({.weight = may, .weights = weight_a | weight_f})) return rc;
+    if (!vl_given || vl_n != 2) return error(!vl_given || vl_n < 2 ? 102 : 103);
     return tabulate_summarize(entryvar(0), {entryvar(1)}, true);
 }
 

@@ -61,6 +61,8 @@ Int4 getslots(const char* name, Int4 min, std::size_t most, std::vector<Int4>& v
     return vars.size() > most ? error(103) : 0;
 }
 
+Int4 stublimit(const tabform& f) { return f.stub.automatic ? moststub : f.stub.n; }
+
 Int4 readtable(tabform& f, tabvalues& t) {
     std::vector<Int4> cells, by;
     std::string fmt;
@@ -70,7 +72,7 @@ Int4 readtable(tabform& f, tabvalues& t) {
     if (Int4 rc = getformat(f, fmt)) return rc;
     if (Int4 rc = getopt_done()) return rc;
     if (cells.empty()) return errorf(100, "option cellvar() required\n");
-    Int4 stub = f.stub.automatic ? moststub : f.stub.n, cell = f.cell.automatic ? mostwidth : f.cell.n;
+    Int4 stub = stublimit(f), cell = f.cell.automatic ? mostwidth : f.cell.n;
     for (Int4 i = 0; i < vl_n; i++) t.keys.push_back(makeslot(vl_vr[i], "", i ? cell : stub));
     for (Int4 var : by) t.by.push_back(makeslot(var, "", stub));
     for (Int4 var : cells) t.cells.push_back(makeslot(var, fmt, cell));
@@ -107,8 +109,8 @@ struct tablayout {
     std::string placed(const std::string& text, std::size_t which, boolean number) const {
         std::string cut = text.substr(0, bytesin(text, cell));
         if (!f.center) return rightjustified(cut, cell);
-        Int4 own = textcolumns(cut), wide = number ? numbers[which] : own;
-        return rightjustified(leftjustified(rightjustified(cut, std::min(wide, cell)), wide + (cell - wide) / 2), cell);
+        Int4 wide = number ? std::min(numbers[which], cell) : textcolumns(cut);
+        return rightjustified(leftjustified(rightjustified(cut, wide), wide + (cell - wide) / 2), cell);
     }
 
     Int4 measurecells();
@@ -163,15 +165,14 @@ void tablayout::settlecells(Int4 measure) {
     if (f.csep.automatic) csep = fits(cell, 2) >= Int4(columns()) ? 2 : 1;
 }
 
-// Three keys: the gap between super-columns. False when not one of them has room.
+// Three keys: the gap between super-columns, as wide as leaves as many of them side by side. False when not one of them
+// has room.
 boolean tablayout::settlesuper() {
-    Int4 wide = width(columns(), cell, csep);
-    scsep = f.scsep.automatic ? std::min(csep + 1, 2) : f.scsep.n;
+    Int4 wide = width(columns(), cell, csep), n = Int4(t.keys[2].values.size());
+    scsep = f.scsep.automatic ? (csep < 2 ? 2 : 4) : f.scsep.n;
     if (!fits(wide, 1)) return false;
-    if (!f.scsep.automatic) return true;
-    Int4 most = csep >= 2 ? 4 : 2, least = csep >= 2 ? 2 : 1;
-    Int4 count = std::min(fits(wide, least), Int4(t.keys[2].values.size()));
-    for (scsep = most; scsep > least && std::min(fits(wide, scsep), Int4(t.keys[2].values.size())) < count;) scsep--;
+    Int4 count = std::min(fits(wide, 1), n);
+    while (f.scsep.automatic && scsep > 1 && std::min(fits(wide, scsep), n) < count) scsep--;
     return true;
 }
 
@@ -271,7 +272,8 @@ Int4 tabprinter::heading(tabblock b) const {
         wordwrap(l.t.cells[j].heading(), l.cell, heads.back());
         deep = std::max(deep, heads.back().size());
     }
-    if (!one) deep = std::max<std::size_t>(deep, three() ? 3 : 2);
+    std::size_t own = l.t.keys.size();
+    if (!one) deep = std::max(deep, own);
     for (std::size_t i = 0; i < deep; i++) {
         std::size_t below = deep - i;
         std::string left = below <= stublines.size() ? stublines[stublines.size() - below] : "";
@@ -280,8 +282,8 @@ Int4 tabprinter::heading(tabblock b) const {
             continue;
         }
         stub(left);
-        if (!one && (i == 0 || (three() && below == 2))) {
-            if (Int4 rc = i == 0 ? labelline(b) : superline(b)) return rc;
+        if (!one && below <= own) {
+            if (Int4 rc = below == own ? labelline(b) : superline(b)) return rc;
             continue;
         }
         for (std::size_t j = 0; j < heads.size(); j++) {
@@ -310,7 +312,7 @@ std::vector<Int4> tabprinter::obsline(tabblock b, const std::vector<Int4>& group
     return found;
 }
 
-// Nothing would be shown in the whole table's row.
+// Nothing would be shown in the row.
 boolean tabprinter::empty(tabblock b, const std::vector<Int4>& group, std::size_t at) const {
     for (Int4 obs : obsline(b, group, at))
         for (std::size_t i = 0; i < l.t.cells.size(); i++) {
@@ -345,7 +347,7 @@ Int4 tabprinter::rows(tabblock b, const std::vector<Int4>& group) const {
         boolean total = l.f.totals && !key.text && key.valuetext(key.values[i]).empty();
         if (total && i) {
             stub("");
-            prtnl();
+            if (Int4 rc = prtnl()) return rc;
         }
         if (Int4 rc = row(b, group, i)) return rc;
     }
@@ -370,7 +372,7 @@ Int4 tabprinter::groups(tabblock b) const {
 }
 
 Int4 tabprinter::block(tabblock b) const {
-    prtnl();
+    if (Int4 rc = prtnl()) return rc;
     if (Int4 rc = rule("TT", b)) return rc;
     if (Int4 rc = heading(b)) return rc;
     if (Int4 rc = rule("+", b)) return rc;
@@ -384,11 +386,8 @@ Int4 layout(tablayout& l) {
     if (l.t.keys.size() < 3 || l.settlesuper()) return 0;
     if (l.t.by.size() == mostby) return errorf(103, "too many by() variables\n");
     notef("note: table too wide, %s moved to by()\n", l.t.keys[2].name().c_str());
-    l.t.by.push_back(l.t.keys[2]);
+    l.t.by.push_back(makeslot(l.t.keys[2].var, "", stublimit(l.f)));
     l.t.keys.pop_back();
-    for (tabslot* s : {&l.t.keys[0], &l.t.keys[1]}) s->values.clear();
-    for (tabslot& s : l.t.by) s.values.clear();
-    l.t.places.clear();
     if (Int4 rc = readvalues(l.t)) return rc;
     return layout(l);
 }
@@ -411,7 +410,7 @@ Int4 show(const tablayout& l) {
 Int4 cmd_tabdisp() {
     tabform f;
     tabvalues t;
-    if (Int4 rc = stdparse({.varlist = must})) return rc;
+    if (Int4 rc = stdparse()) return rc;
     if (!vl_given) return error(102);
     if (vl_n > mostkeys) return error(103);
     if (Int4 rc = readtable(f, t)) return rc;

@@ -230,9 +230,9 @@ Int4 tabulate_oneway() {
 
 // tabulate varname [varname] [if] [in] [weight] [, options]
 Int4 cmd_tabulate() {
-    form f{.varlist = must, .weight = may, .weights = weight_a | weight_f | weight_i, .openkind = openkind};
+    form f{.weight = may, .weights = weight_a | weight_f | weight_i, .openkind = openkind};
     if (Int4 rc = stdparse(f)) return rc;
-    if (vl_n > 2) return error(103);
+    if (!vl_given || vl_n > 2) return error(vl_given ? 103 : 102);
     std::vector<Int4> of;
     boolean summarizes;
     if (Int4 rc = getopt_vars("summarize", 2, of, summarizes)) return rc;

@@ -21,6 +21,7 @@ program define matto
 			}
 		}
 		capture confirm new variable ``i''
+		error _rc == 1
 		if _rc & (_rc != 110 | "`replace'" == "") {
 			confirm new variable ``i''
 		}
@@ -34,6 +35,7 @@ program define matto
 		quietly generate double `column' = `A'[_n,`j']
 		if "`replace'" != "" {
 			capture drop ``j''
+			error _rc == 1
 		}
 		rename `column' ``j''
 	}

@@ -26,6 +26,9 @@ program define maxlik, eclass byable(recall)
 	local text : escaped 0
 	capture noisily Fit `text'
 	local rc = _rc
+	if "$ML_posting" != "" {
+		estimates clear
+	}
 	macro drop ML_*
 	exit `rc'
 end
@@ -112,27 +115,37 @@ program define Fit, eclass
 	}
 	local k = colsof(`b')
 	local outcome $ML_y1
-	nobreak {
-		estimates post `b' `V', esample(`touse') obs(`N') depname(`outcome')
-		estimates scalar ll = `ll'
-		estimates scalar k = `k'
-		estimates scalar ic = `ic'
-		estimates scalar rc = `code'
-		if "`robust'" != "" {
-			estimates local vcetype Robust
-		}
-		if "`cluster'" != "" {
-			estimates local clustvar `cluster'
-			estimates scalar N_clust = `clusters'
-		}
-		if "`weight'" != "" {
-			estimates local wtype `weight'
-			local exp : escaped exp
-			estimates local wexp `exp'
-		}
-		estimates local depvar $ML_y1
-		estimates local user $ML_user
-		estimates local cmd maxlik
+	* a Break among these brings back the estimates that there were
+	tempname old
+	capture estimates hold `old', restore
+	local held = _rc == 0
+	error _rc == 1
+	if !`held' {
+		global ML_posting 1
+	}
+	estimates post `b' `V', esample(`touse') obs(`N') depname(`outcome')
+	estimates scalar ll = `ll'
+	estimates scalar k = `k'
+	estimates scalar ic = `ic'
+	estimates scalar rc = `code'
+	if "`robust'" != "" {
+		estimates local vcetype Robust
+	}
+	if "`cluster'" != "" {
+		estimates local clustvar `cluster'
+		estimates scalar N_clust = `clusters'
+	}
+	if "`weight'" != "" {
+		estimates local wtype `weight'
+		local exp : escaped exp
+		estimates local wexp `exp'
+	}
+	estimates local depvar $ML_y1
+	estimates local user $ML_user
+	estimates local cmd maxlik
+	global ML_posting
+	if `held' {
+		estimates drop `old'
 	}
 	Show `level'
 end

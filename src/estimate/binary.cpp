@@ -30,30 +30,32 @@ boolean counted(Double& index, boolean success, Double w, Double cut, binarytall
     return true;
 }
 
-void logitblock(const indexblock& b, Double& f, binarytally& t) {
+// one(i, index, success, w) for the observations of a block that decide something; what the others add is 0.
+template <class F> void overdeciding(const indexblock& b, Double cut, binarytally& t, F one) {
     for (Int4 i = 0; i < b.n; i++) {
         Double index = b.index[i], w = b.weight ? b.weight[i] : 1;
         boolean success = b.outcome[i] != 0;
         b.score[i] = b.curvature[i] = 0;
-        if (!counted(index, success, w, 18, t)) continue;
+        if (counted(index, success, w, cut, t)) one(i, index, success, w);
+    }
+}
+
+void logitblock(const indexblock& b, Double& f, binarytally& t) {
+    overdeciding(b, 18, t, [&](Int4 i, Double index, boolean success, Double w) {
         Double e = std::exp(index), p = e / (1 + e), q = 1 - p;
         f -= w * std::log(success ? p : q);
         b.score[i] = w * (b.outcome[i] - p);
         b.curvature[i] = w * p * q;
-    }
+    });
 }
 
 void probitblock(const indexblock& b, Double& f, binarytally& t) {
-    for (Int4 i = 0; i < b.n; i++) {
-        Double index = b.index[i], w = b.weight ? b.weight[i] : 1;
-        boolean success = b.outcome[i] != 0;
-        b.score[i] = b.curvature[i] = 0;
-        if (!counted(index, success, w, 6, t)) continue;
+    overdeciding(b, 6, t, [&](Int4 i, Double index, boolean success, Double w) {
         Double sign = success ? 1 : -1, p = norm(sign * index), lambda = sign * normden(index) / p;
         f -= w * std::log(p);
         b.score[i] = w * lambda;
         b.curvature[i] = w * lambda * (lambda + index);
-    }
+    });
 }
 
 Double logitstart(Double p) { return std::log(p / (1 - p)); }

@@ -269,17 +269,23 @@ struct matrixsum {
         return matput(name, m);
     }
 
-    Int4 makeblock(matrix& m) const {
+    // The block of the equations' columns, of the outer products that add(step, tiles) sums over what is drawn; `step`
+    // rows at a time.
+    template <class F> Int4 storeblock(F add) {
+        matrix m;
+        rowbuffers r(s.sources.size());
+        tiles t(r.width, r.step);
         if (Int4 rc = makematrix(m, eq[0].size(), second().size())) return rc;
+        if (!t.got()) return error(909);
         m.rownames = eq[0].names();
         m.colnames = second().names();
         m.symmetric = square();
-        return 0;
-    }
-    void fill(matrix& m, const tiles& t) const {
+        Int4 rc = draw();
+        if (rc == 0) rc = add(r.step, t);
         std::vector<Int4> rows = columns(eq[0]), cols = columns(second());
         for (Int4 i = 0; i < m.rows; i++)
             for (Int4 j = 0; j < m.cols; j++) m.at(i, j) = t.sum(rows[std::size_t(i)], cols[std::size_t(j)]);
+        return store(m, rc);
     }
 };
 
@@ -305,17 +311,11 @@ Int4 cmd_mlvecsum() {
 // mlmatsum scalar matrix = exp [if] [, eq(#[,#])]
 Int4 cmd_mlmatsum() {
     matrixsum m;
-    matrix h;
     if (Int4 rc = m.parse(2)) return rc;
     if (Int4 rc = getopt_done()) return rc;
-    if (Int4 rc = m.makeblock(h)) return rc;
-    rowbuffers r(m.s.sources.size());
-    tiles t(r.width, r.step);
-    if (!t.got()) return error(909);
-    Int4 rc = m.draw();
-    if (rc == 0) rc = m.overdrawn([&](const rowsblock& b) { t.add(b.x, b.weight, b.n, false); });
-    m.fill(h, t);
-    return m.store(h, rc);
+    return m.storeblock([&](Int4, tiles& t) {
+        return m.overdrawn([&](const rowsblock& b) { t.add(b.x, b.weight, b.n, false); });
+    });
 }
 
 namespace {
@@ -344,7 +344,6 @@ Int4 groupproducts(const matrixsum& m, Int4 by, Int4 step, tiles& t) {
 // other.
 Int4 cmd__mlmatbysum() {
     matrixsum m;
-    matrix h;
     std::vector<Int4> by;
     boolean found;
     if (Int4 rc = m.parse(2)) return rc;
@@ -355,14 +354,7 @@ Int4 cmd__mlmatbysum() {
         if (m.square() && o.word == "c" && o.hasargument)
             return errorf(198, "_mlmatbysum: option c() not allowed when equation numbers equal\n");
     if (Int4 rc = getopt_done()) return rc;
-    if (Int4 rc = m.makeblock(h)) return rc;
-    rowbuffers r(m.s.sources.size());
-    tiles t(r.width, r.step);
-    if (!t.got()) return error(909);
-    Int4 rc = m.draw();
-    if (rc == 0) rc = groupproducts(m, by[0], r.step, t);
-    m.fill(h, t);
-    return m.store(h, rc);
+    return m.storeblock([&](Int4 step, tiles& t) { return groupproducts(m, by[0], step, t); });
 }
 
 }  // namespace velmo

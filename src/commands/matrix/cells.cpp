@@ -32,6 +32,18 @@ Int4 cmd__matrows() {
     return matput(name, m);
 }
 
+namespace {
+
+// So that one element can be set apart from its mirror image.
+Int4 makefull(std::string_view name) {
+    matrix m;
+    if (Int4 rc = matcopy(name, m)) return rc;
+    m.symmetric = false;
+    return matput(name, m);
+}
+
+}  // namespace
+
 // _matcell A row column = exp: one element, which may become missing.
 Int4 cmd__matcell() {
     std::string name = nexttoken();
@@ -41,8 +53,9 @@ Int4 cmd__matcell() {
     if (Int4 rc = stdparse({.varlist = never, .ifexp = never, .in = never, .exp = must, .options = never, .by = never}))
         return rc;
     if (!matfind(name, &rows, &cols)) return matnotfound(name);
-    boolean apart = matlayoutof(name) != mat_full && at[0] != at[1];     // would change two of a symmetric one
-    if (at[0] < 1 || at[0] > rows || at[1] < 1 || at[1] > cols || apart) return error(503);
+    if (at[0] < 1 || at[0] > rows || at[1] < 1 || at[1] > cols) return error(503);
+    if (matlayoutof(name) != mat_full)
+        if (Int4 rc = makefull(name)) return rc;
     matset(name, at[0] - 1, at[1] - 1, exp_getnum(eqexp, 1));
     return 0;
 }

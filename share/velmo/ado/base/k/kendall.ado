@@ -33,8 +33,7 @@ program define kendall, rclass byable(recall)
 		}
 		display as text _newline "{hline 13}{c +}{hline `=9*`k''}"
 		tempname Tau
-		matrix `Tau' = J(`k',`k',1), J(`k',1,0)
-		matrix `Tau' = `Tau'[1...,1..`k']
+		matrix `Tau' = J(`k',`k',1)
 		matrix rownames `Tau' = `varlist'
 		matrix colnames `Tau' = `varlist'
 		forvalues i = 1/`k' {

@@ -121,8 +121,7 @@ program define Power
 	local k = int(`n'*`D')+1
 	local m = 2*`k'-1
 	scalar `h' = `k'-`n'*`D'
-	matrix `H' = J(`m',`m',0), J(`m',1,0)
-	matrix `H' = `H'[1...,1..`m']
+	matrix `H' = J(`m',`m',0)
 	forvalues i = 1/`m' {
 		forvalues j = 1/`m' {
 			if `j' <= `i'+1 {

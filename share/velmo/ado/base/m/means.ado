@@ -54,9 +54,7 @@ program define Figures
 	gettoken words 0 : 0
 	local rows : word count `0'
 	local cols : word count `words'
-	* full, whatever its shape
-	matrix `M' = J(`rows',`cols',0), J(`rows',1,0)
-	matrix `M' = `M'[1...,1..`cols']
+	matrix `M' = J(`rows',`cols',0)
 	matrix rownames `M' = `0'
 	tempvar at
 	quietly generate long `at' = sum(`touse')

@@ -76,13 +76,6 @@ program define modeltable, rclass
 	matrix rename `figures' return(stats)
 end
 
-* A matrix into which missing values may be put.
-program define Blank
-	args M rows columns
-	matrix `M' = J(`rows',`columns'+1,0)
-	matrix `M' = `M'[1...,1..`columns']
-end
-
 * Of the present fit: rows b, se, t, p by coefficient, a row of statistics, the coefficients' names.
 program define Collect
 	args B S
@@ -93,7 +86,7 @@ program define Collect
 	local names : colfullnames `b'
 	local k = colsof(`b')
 	local rank 0
-	Blank `B' 4 `k'
+	matrix `B' = J(4,`k',0)
 	forvalues j = 1/`k' {
 		local v = `V'[`j',`j']
 		local rank = `rank' + (`v' > 0)
@@ -104,7 +97,7 @@ program define Collect
 	}
 	matrix colnames `B' = `names'
 	local k : word count `*'
-	Blank `S' 1 `k'
+	matrix `S' = J(1,`k',0)
 	matrix colnames `S' = `*'
 	forvalues j = 1/`k' {
 		local value e(``j'')
@@ -145,7 +138,7 @@ end
 program define Assemble
 	args M rows models
 	macro shift 3
-	Blank `M' `: word count `rows'' `: word count `models''
+	matrix `M' = J(`: word count `rows'',`: word count `models'',0)
 	local i 0
 	foreach row of local rows {
 		local i = `i' + 1

@@ -36,8 +36,7 @@ program define Compute
 	}
 	local k : word count `0'
 	foreach m in `C' `N' `P' {
-		matrix `m' = J(`k',`k',0) , J(`k',1,0)
-		matrix `m' = `m'[1...,1..`k']
+		matrix `m' = J(`k',`k',0)
 		matrix rownames `m' = `0'
 		matrix colnames `m' = `0'
 	}

@@ -30,8 +30,7 @@ program define spearman, rclass byable(recall)
 	}
 	else {
 		tempname Rho r
-		matrix `Rho' = J(`k',`k',1), J(`k',1,0)
-		matrix `Rho' = `Rho'[1...,1..`k']
+		matrix `Rho' = J(`k',`k',1)
 		matrix rownames `Rho' = `varlist'
 		matrix colnames `Rho' = `varlist'
 		forvalues i = 1/`k' {
